@@ -1,0 +1,41 @@
+#pragma once
+
+#include "output/table_writer.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/// \file
+/// The tool's commands. Each returns an exit code; data go to stdout, everything else to stderr.
+
+namespace Kestrona::Tool {
+
+struct CheckOptions {
+    std::string definition;
+};
+
+/// Loads a definition and tells what is wrong with it.
+int RunCheck(const CheckOptions& options);
+
+struct SchemaOptions {
+    std::string definition;
+    std::string table; ///< Empty for the list of all formats.
+    OutputForm form = OutputForm::Table;
+};
+
+/// Lists the formats of a definition, or the fields of one format.
+int RunSchema(const SchemaOptions& options);
+
+struct ShowOptions {
+    std::string definition;
+    std::vector<std::string> folders;
+    std::string table;
+    OutputForm form = OutputForm::Table;
+    std::size_t limit = 0; ///< Most rows to print; 0 for all.
+};
+
+/// Loads a definition and folders of CSV files, and prints one format's records.
+int RunShow(const ShowOptions& options);
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,152 @@
+#include "data/csv_reader.h"
+
+#include <csv.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace Kestrona::Tool {
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 16;
+/// libcsv's parser state between two rows.
+constexpr int kNoRowBegun = 0;
+/// libcsv's parser state inside a cell; in a quoted one, its closing quote has not come.
+constexpr int kCellBegun = 2;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+/// Collects what libcsv reports into rows.
+class RowCollector {
+public:
+    RowCollector(const CsvDialect& dialect, const std::function<bool(const CsvRow&)>& take) : take_(take) {
+        csv_init(&parser_, CSV_APPEND_NULL);
+        csv_set_delim(&parser_, static_cast<unsigned char>(dialect.delimiter));
+        if (!dialect.quotes) {
+            csv_set_quote(&parser_, 0);
+        }
+        // Blanks belong to a cell.
+        csv_set_space_func(&parser_, [](unsigned char) { return 0; });
+    }
+
+    RowCollector(const RowCollector&) = delete;
+    RowCollector& operator=(const RowCollector&) = delete;
+
+    ~RowCollector() { csv_free(&parser_); }
+
+    /// Feeds a block line by line, so that a row knows on which line it began. Returns false on a malformed file.
+    bool Feed(std::string_view block) {
+        while (!block.empty() && !stopped_) {
+            const std::size_t end = block.find('\n');
+            const std::string_view line = block.substr(0, end == std::string_view::npos ? block.size() : end + 1);
+            if (csv_parse(&parser_, line.data(), line.size(), OnCell, OnRow, this) != line.size()) {
+                return false;
+            }
+            if (end != std::string_view::npos) {
+                ++line_;
+            }
+            if (parser_.pstate == kNoRowBegun) {
+                next_row_line_ = line_;
+            }
+            block.remove_prefix(line.size());
+        }
+        return true;
+    }
+
+    /// Ends the last row. Returns false when it ends inside a quoted cell; such a row is not handed on.
+    bool Finish() {
+        if (stopped_) {
+            return true;
+        }
+        if (parser_.pstate == kCellBegun && parser_.quoted != 0) {
+            return false;
+        }
+        return csv_fini(&parser_, OnCell, OnRow, this) == 0;
+    }
+
+    [[nodiscard]] bool Stopped() const { return stopped_; }
+
+    [[nodiscard]] std::size_t RowStart() const { return row_.cells.empty() ? next_row_line_ : row_.line; }
+
+private:
+    static void OnCell(void* data, std::size_t size, void* self) {
+        auto& collector = *static_cast<RowCollector*>(self);
+        // A quoted cell may end lines below; its row began where its first cell was fed.
+        if (collector.row_.cells.empty()) {
+            collector.row_.line = collector.next_row_line_;
+        }
+        collector.row_.cells.emplace_back(static_cast<const char*>(data), size);
+    }
+
+    static void OnRow(int, void* self) {
+        auto& collector = *static_cast<RowCollector*>(self);
+        if (!collector.row_.cells.empty() && !collector.stopped_) {
+            collector.stopped_ = !collector.take_(collector.row_);
+        }
+        collector.row_.cells.clear();
+    }
+
+    csv_parser parser_{};
+    const std::function<bool(const CsvRow&)>& take_;
+    CsvRow row_;
+    std::size_t line_ = 1;
+    std::size_t next_row_line_ = 1;
+    bool stopped_ = false;
+};
+
+bool StartsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+} // namespace
+
+CsvDialect GuessDialect(std::string_view start) {
+    const std::string_view line = start.substr(0, start.find('\n'));
+    CsvDialect dialect;
+    std::ptrdiff_t most = 0;
+    for (const char candidate : {',', '\t', ';', '|'}) {
+        const std::ptrdiff_t count = std::count(line.begin(), line.end(), candidate);
+        if (count > most) {
+            most = count;
+            dialect.delimiter = candidate;
+        }
+    }
+    dialect.quotes = dialect.delimiter != '\t';
+    return dialect;
+}
+
+CsvOutcome ReadCsv(const std::string& path, const std::function<bool(const CsvRow&)>& take) {
+    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
+    if (!file) {
+        return {std::strerror(errno), true};
+    }
+    std::vector<char> block(kBlock);
+    std::size_t size = std::fread(block.data(), 1, block.size(), file.get());
+    std::string_view start(block.data(), size);
+    if (StartsWith(start, "\xFF\xFE") || StartsWith(start, "\xFE\xFF")) {
+        return {"the file is UTF-16; convert it to UTF-8", true};
+    }
+    if (StartsWith(start, "\xEF\xBB\xBF")) {
+        start.remove_prefix(3);
+    }
+    RowCollector rows(GuessDialect(start), take);
+    bool sound = rows.Feed(start);
+    while (sound && !rows.Stopped() && (size = std::fread(block.data(), 1, block.size(), file.get())) > 0) {
+        sound = rows.Feed(std::string_view(block.data(), size));
+    }
+    if (std::ferror(file.get()) != 0) {
+        return {"the file cannot be read to its end", true};
+    }
+    if (!sound || !rows.Finish()) {
+        return {"line " + std::to_string(rows.RowStart()) + ": a quoted cell has no closing quote", false};
+    }
+    return {};
+}
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,123 @@
+#include "data/data_import.h"
+
+#include "data/csv_reader.h"
+#include "data/row_importer.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/unicode.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <unordered_map>
+
+namespace Kestrona::Tool {
+namespace {
+
+using Data::MemoryResident::IMemoryResidentData;
+namespace fs = std::filesystem;
+
+constexpr std::string_view kExtension = ".csv";
+constexpr double kUnset = -1.0;
+
+/// Files of the folder by the table name that they may stand for.
+using FilesByTable = std::unordered_map<std::string, fs::path>;
+
+bool ListFiles(const std::string& folder, FilesByTable& files, std::string& error) {
+    std::error_code failure;
+    std::vector<fs::path> paths;
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end; entry.increment(failure)) {
+        if (entry->path().extension() == kExtension) {
+            paths.push_back(entry->path());
+        }
+    }
+    if (failure) {
+        error = failure.message();
+        return false;
+    }
+    std::sort(paths.begin(), paths.end());
+    for (const fs::path& path : paths) {
+        files.insert_or_assign(path.stem().string(), path);
+    }
+    for (const fs::path& path : paths) {
+        const std::string stem = path.stem().string();
+        const std::size_t point = stem.rfind('.');
+        if (point != std::string::npos) {
+            files.emplace(stem.substr(point + 1), path);
+        }
+    }
+    return true;
+}
+
+void ImportFile(IMemoryResidentData& store, ImportedFile& file, std::vector<Rejection>& rejections) {
+    store.SetCurrentDbSize(file.format, 0);
+    store.InvalidateIndexes(file.format);
+    RowImporter importer(store, file, rejections);
+    const CsvOutcome outcome = ReadCsv(file.file, [&](const CsvRow& row) {
+        importer.Take(row);
+        return true;
+    });
+    importer.Finish();
+    file.error = outcome.error;
+    file.unreadable = outcome.unreadable;
+}
+
+DanglingReferences FollowReferences(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    DanglingReferences result{format, field, 0, 0};
+    const std::int32_t target = store.GetDbTable(format, field);
+    for (std::int32_t record = 0; record < store.GetCurrentDbSize(format); ++record) {
+        const double key = store.GetDbValue(format, field, record);
+        if (key == kUnset) {
+            continue;
+        }
+        ++result.set;
+        if (store.LookupKeyRecord(target, key) < 0) {
+            ++result.dangling;
+        }
+    }
+    return result;
+}
+
+bool IsReferenceBetweenData(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return store.ClassDefined(format, field, Classes::kDatabase) && KeepsCells(store, format, field) &&
+           !store.ClassDefined(format, field, Classes::kFreeFormat) &&
+           store.GetCurrentDbSize(store.GetDbTable(format, field)) > 0;
+}
+
+} // namespace
+
+ImportReport ImportFolder(IMemoryResidentData& store, const std::string& folder) {
+    ImportReport report;
+    FilesByTable files;
+    if (!ListFiles(folder, files, report.error)) {
+        return report;
+    }
+    for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
+        const wchar_t* name = store.GetDbName(format);
+        const auto found = name == nullptr ? files.end() : files.find(ToUtf8(name));
+        if (found == files.end()) {
+            continue;
+        }
+        ImportedFile file;
+        file.file = found->second.string();
+        file.format = format;
+        ImportFile(store, file, report.rejections);
+        report.files.push_back(std::move(file));
+    }
+    return report;
+}
+
+std::vector<DanglingReferences> CheckReferences(IMemoryResidentData& store) {
+    std::vector<DanglingReferences> results;
+    for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
+        for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+            if (IsReferenceBetweenData(store, format, field)) {
+                results.push_back(FollowReferences(store, format, field));
+            }
+        }
+    }
+    return results;
+}
+
+} // namespace Kestrona::Tool

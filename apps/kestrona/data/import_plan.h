@@ -1,0 +1,32 @@
+#pragma once
+
+#include "data/cell_text.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// \file
+/// Which column of a file goes to which field.
+
+namespace Kestrona::Tool {
+
+struct PlannedColumn {
+    std::int32_t field = -1; ///< -1 for a column that is not taken over.
+    ValueForm form = ValueForm::Text;
+    std::size_t max_length = 0; ///< UTF-16 units of a text; 0 for no limit.
+    std::string name;
+};
+
+struct ImportPlan {
+    std::vector<PlannedColumn> columns;
+    bool has_heading = false; ///< The first row is the heading and no data.
+    bool has_key = false;
+    std::vector<std::string> notes; ///< What the user should know.
+};
+
+/// Makes the plan from the first row of a file.
+[[nodiscard]] ImportPlan PlanImport(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
+                                    const std::vector<std::string>& first_row);
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,82 @@
+#include "commands/commands.h"
+#include "exit_codes.h"
+
+#include <kestrona/unicode.h>
+#include <kestrona/version.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <csignal>
+#include <exception>
+
+namespace {
+
+using namespace Kestrona::Tool;
+
+constexpr const char* kFooter = "Exit codes: 0 good, 1 findings, 2 usage, 3 unreadable input, 4 damaged input, "
+                                "5 key wrong or missing.";
+
+void AddOutputForm(CLI::App& command, OutputForm& form) {
+    command.add_option("-o,--output", form, "Output form: table, csv, json, jsonl or markdown")
+        ->transform(CLI::CheckedTransformer(OutputFormNames(), CLI::ignore_case).description(""))
+        ->option_text("FORM");
+}
+
+void AddDefinition(CLI::App& command, std::string& definition) {
+    command.add_option("DEFINITION", definition, "Definition file")->required();
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app{"Looks at plant definitions and their data."};
+    app.footer(kFooter);
+    app.require_subcommand(1);
+    app.set_version_flag("--version", KESTRONA_VERSION);
+    int code = kExitGood;
+
+    CheckOptions check;
+    CLI::App* check_command = app.add_subcommand("check", "Tell what is wrong with a definition");
+    AddDefinition(*check_command, check.definition);
+    check_command->callback([&] { code = RunCheck(check); });
+
+    SchemaOptions schema;
+    CLI::App* schema_command = app.add_subcommand("schema", "List the formats of a definition, or the fields of one");
+    AddDefinition(*schema_command, schema.definition);
+    schema_command->add_option("TABLE", schema.table, "Format whose fields to list");
+    AddOutputForm(*schema_command, schema.form);
+    schema_command->callback([&] { code = RunSchema(schema); });
+
+    ShowOptions show;
+    CLI::App* show_command = app.add_subcommand("show", "Load CSV files and print a format's records");
+    AddDefinition(*show_command, show.definition);
+    show_command->add_option("TABLE", show.table, "Format to print")->required();
+    show_command->add_option("--data", show.folders, "Folder of CSV files, one for each format; may be repeated")
+        ->required()
+        ->option_text("FOLDER")
+        ->allow_extra_args(false);
+    show_command->add_option("--limit", show.limit, "Print at most this many records")->option_text("N");
+    AddOutputForm(*show_command, show.form);
+    show_command->callback([&] { code = RunShow(show); });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? kExitGood : kExitUsage;
+    }
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // A reader that stops early shows as a failed write.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "kestrona: error: {}\n", error.what());
+    } catch (const wchar_t* text) {
+        fmt::print(stderr, "kestrona: error: {}\n", Kestrona::ToUtf8(text));
+    }
+    return kExitUnreadableInput;
+}

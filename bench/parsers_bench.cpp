@@ -1,0 +1,194 @@
+// Classification parsers beside the patterns that they work by, each run alone over the whole text.
+//
+// "keywords" is the number of parsers, or patterns, that an iteration runs. Compare the figures of one run.
+
+#include "configuration/parsers/parser_cases.h"
+
+#include <kestrona/classification_readers.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <memory>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Kestrona;
+using namespace Kestrona::Configuration::Parsers;
+using ParsersTest::ParserCase;
+using ParsersTest::ParserCases;
+
+// 200 characters as a field has them; eight keywords of those asked for stand in it.
+const std::wstring kText = L"INTEGER | DATABASE(Operations(Number)) | INHERIT FROM PARENT | HELPPOPUPID(1204) | "
+                           L"DIALOG FIELD NAME \"Next operation\" | SHOW DATE | FORMAT(8.2) | TIP DISPLAY(3) | "
+                           L"SUBSTITUTE(-1->\"none\") | UNIQUE ";
+
+// As many keywords as a field is asked for: the patterned ones and the plain ones.
+std::vector<std::shared_ptr<const IClassificationParser>> AllParsers() {
+    std::vector<std::shared_ptr<const IClassificationParser>> parsers = {
+        std::make_shared<ClassificationParser_AUTO_CALCULATE>(), std::make_shared<ClassificationParser_SYSTEMDB>(),
+        std::make_shared<ClassificationParser_DATA_LIST>(), std::make_shared<ClassificationParser_EXCLUDE_FROM_DB>()};
+    for (const ParserCase& c : ParserCases()) {
+        parsers.push_back(c.parser);
+    }
+    return parsers;
+}
+
+std::wstring Repeated(const std::wstring& unit, std::size_t length) {
+    std::wstring text;
+    while (text.size() < length) {
+        text += unit;
+    }
+    return text;
+}
+
+const ParserCase& CaseOf(const std::string& name) {
+    for (const ParserCase& c : ParserCases()) {
+        if (name == c.name) {
+            return c;
+        }
+    }
+    std::abort();
+}
+
+void CountKeywords(benchmark::State& state, std::size_t keywords) {
+    state.counters["keywords"] = static_cast<double>(keywords);
+}
+
+void BM_KeywordFirst(benchmark::State& state) {
+    const auto parsers = AllParsers();
+    for (auto _ : state) {
+        for (const auto& parser : parsers) {
+            benchmark::DoNotOptimize(parser->MatchFirst(kText));
+        }
+    }
+    CountKeywords(state, parsers.size());
+}
+
+// The same questions about a text that holds none of the keywords.
+void BM_KeywordFirstWithoutAny(benchmark::State& state) {
+    const auto parsers = AllParsers();
+    const std::wstring text = Repeated(L"INTEGER | UNIQUE | SHOW | ", kText.size());
+    for (auto _ : state) {
+        for (const auto& parser : parsers) {
+            benchmark::DoNotOptimize(parser->IsMatch(text));
+        }
+    }
+    CountKeywords(state, parsers.size());
+}
+
+void BM_PatternsAlone(benchmark::State& state) {
+    Platform::PatternMatch match;
+    for (auto _ : state) {
+        for (const ParserCase& c : ParserCases()) {
+            benchmark::DoNotOptimize(c.compiled->Search(kText, 0, match));
+        }
+    }
+    CountKeywords(state, ParserCases().size());
+}
+
+void BM_StandardPatternsAlone(benchmark::State& state) {
+    std::vector<std::wregex> patterns;
+    for (const ParserCase& c : ParserCases()) {
+        patterns.emplace_back(c.pattern);
+    }
+    std::wsmatch match;
+    for (auto _ : state) {
+        for (const std::wregex& pattern : patterns) {
+            benchmark::DoNotOptimize(std::regex_search(kText, match, pattern));
+        }
+    }
+    CountKeywords(state, patterns.size());
+}
+
+template <typename Parser>
+void BM_Construct(benchmark::State& state) {
+    const ClassificationParser_TABLE other;
+    for (auto _ : state) {
+        const Parser parser;
+        benchmark::DoNotOptimize(&parser);
+    }
+}
+
+// Another pattern was asked for in between.
+void BM_ConstructTwoByTurns(benchmark::State& state) {
+    for (auto _ : state) {
+        const ClassificationParser_SUBSTITUTE first;
+        const ClassificationParser_DATABASE second;
+        benchmark::DoNotOptimize(&first);
+        benchmark::DoNotOptimize(&second);
+    }
+}
+
+void BM_GrowthOrdinary(benchmark::State& state) {
+    const auto parsers = AllParsers();
+    const std::wstring text =
+        Repeated(L"INTEGER | SHOW DATE | INHERIT FROM PARENT | ", static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        for (const auto& parser : parsers) {
+            benchmark::DoNotOptimize(parser->IsMatch(text));
+        }
+    }
+    state.SetComplexityN(state.range(0));
+    CountKeywords(state, parsers.size());
+}
+
+// Texts of one keyword over and over that nearly matches.
+void BM_GrowthNearMisses(benchmark::State& state, const char* name, const wchar_t* unit, const wchar_t* tail) {
+    const ParserCase& c = CaseOf(name);
+    const std::wstring text = Repeated(unit, static_cast<std::size_t>(state.range(0))) + tail;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(c.parser->MatchAll(text));
+    }
+    state.SetComplexityN(state.range(0));
+}
+
+void BM_GrowthNearMissesPatternAlone(benchmark::State& state, const char* name, const wchar_t* unit,
+                                     const wchar_t* tail) {
+    const ParserCase& c = CaseOf(name);
+    const std::wstring text = Repeated(unit, static_cast<std::size_t>(state.range(0))) + tail;
+    Platform::PatternMatch match;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(c.compiled->Search(text, 0, match));
+    }
+    state.SetComplexityN(state.range(0));
+}
+
+void BM_GrowthEntries(benchmark::State& state) {
+    const std::wstring text = Repeated(L"SUBSTITUTE(17->\"Painted red\") | ", static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(Parse_SUBSTITUTE(text));
+    }
+    state.SetComplexityN(state.range(0));
+}
+
+BENCHMARK(BM_KeywordFirst);
+BENCHMARK(BM_KeywordFirstWithoutAny);
+BENCHMARK(BM_PatternsAlone);
+BENCHMARK(BM_StandardPatternsAlone);
+BENCHMARK(BM_Construct<ClassificationParser_DATABASE>);
+BENCHMARK(BM_Construct<ClassificationParser_SUBSTITUTE>);
+BENCHMARK(BM_ConstructTwoByTurns);
+BENCHMARK(BM_GrowthOrdinary)->RangeMultiplier(10)->Range(1000, 100000)->Complexity();
+BENCHMARK(BM_GrowthEntries)->RangeMultiplier(10)->Range(1000, 100000)->Complexity();
+BENCHMARK_CAPTURE(BM_GrowthNearMisses, SUBSTITUTE, "SUBSTITUTE", L"SUBSTITUTE( ", L"")
+    ->RangeMultiplier(10)
+    ->Range(1000, 100000)
+    ->Complexity();
+BENCHMARK_CAPTURE(BM_GrowthNearMisses, FORMAT, "FORMAT", L"FORMAT(", L" x)")
+    ->RangeMultiplier(10)
+    ->Range(1000, 100000)
+    ->Complexity();
+BENCHMARK_CAPTURE(BM_GrowthNearMisses, REMOTE, "REMOTE", L"REMOTE(", L"x) y")
+    ->RangeMultiplier(10)
+    ->Range(1000, 100000)
+    ->Complexity();
+BENCHMARK_CAPTURE(BM_GrowthNearMissesPatternAlone, FORMAT, "FORMAT", L"FORMAT(", L" x)")
+    ->RangeMultiplier(10)
+    ->Range(1000, 100000)
+    ->Complexity();
+
+} // namespace

@@ -1,0 +1,200 @@
+#include <kestrona/classes.h>
+#include <kestrona/compilation_state.h>
+#include <kestrona/definition_load.h>
+#include <kestrona/execution_state.h>
+#include <kestrona/host/default_host.h>
+#include <kestrona/host/duplicate_log.h>
+#include <kestrona/host/ole_server_texts.h>
+#include <kestrona/host/resource_directory.h>
+#include <kestrona/process.h>
+#include <kestrona/unicode.h>
+
+#include <array>
+#include <chrono>
+#include <string_view>
+#include <utility>
+
+namespace Kestrona::Host {
+
+namespace {
+
+using Configuration::Compiled::CompilationState;
+using Configuration::Compiled::ConfigurationSource;
+using Data::MemoryResident::CreateMemoryResidentData;
+using Data::MemoryResident::MemoryResidentData;
+
+// The title has room for 11 characters.
+constexpr std::size_t kTitleSize = 12;
+constexpr std::wstring_view kStringDefaultKeyword = L"STRING_DEF";
+
+// Returns the part that the options brought, or a default one.
+template <typename Default, typename Part>
+std::unique_ptr<Part> GivenOr(std::unique_ptr<Part>& given) {
+    return given ? std::move(given) : std::make_unique<Default>();
+}
+
+// What the once-a-process entry does after the resolution: default values that are given by their text.
+void MarkStringDefaults(MemoryResidentData& store) {
+    for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
+        for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+            const std::wstring_view classification = store.GetDbClassString(format, field);
+            if (classification.find(kStringDefaultKeyword) != std::wstring_view::npos) {
+                store.AddDbClass(format, field, Classes::kStringDefault);
+            }
+        }
+    }
+}
+
+DiagnosticSink LineSink(TextSink output) {
+    if (!output) {
+        return [](const Diagnostic&) {
+        };
+    }
+    return [output = std::move(output)](const Diagnostic& diagnostic) {
+        output(diagnostic.ToString() + "\n");
+    };
+}
+
+} // namespace
+
+DefaultHost::DefaultHost(DefaultHostOptions options) : locale_(options.locale) {
+    InstallMessages(options);
+    InstallLogger(options);
+    InstallFeedback(options);
+    resources_ =
+        options.resources ? std::move(options.resources) : std::make_unique<ResourceDirectory>(options.resource_folder);
+    ole_servers_ = GivenOr<OleServerTexts>(options.ole_servers);
+    InstallNativeConfig(options);
+    globalization_ =
+        options.globalization ? options.globalization.release() : std::make_unique<Globalization>(locale_).release();
+    store_ = CreateMemoryResidentData(globalization_, GivenOr<DuplicateLog>(options.duplicates).release());
+
+    ExecutionState::Instance().set_IsRunningHeadless(true);
+    CompilationState::Instance().set_Source(ConfigurationSource::SourceDefinition);
+}
+
+DefaultHost::~DefaultHost() {
+    store_.reset();
+    if (MessageManager::getInstance() == messages_) {
+        MessageManager::setInstance(nullptr);
+    }
+    if (LogManager::getInstance() == logger_) {
+        LogManager::setInstance(nullptr);
+    }
+}
+
+LoadOutcome DefaultHost::LoadDefinition(const std::string& path) {
+    const bool was_loaded = KSDLL_GetMiscPointer() == 0;
+    native_config_->Forget();
+    std::array<wchar_t, kTitleSize> title{};
+    const std::int32_t result =
+        KSSERVER_LoadTableDefinition(*store_, FromUtf8(path).c_str(), title.data(), native_config_.get(),
+                                     feedback_.get(), globalization_, resources_.get(), ole_servers_.get());
+    FinishFeedback();
+    if (was_loaded) {
+        return LoadOutcome::AlreadyLoaded;
+    }
+    title_ = title.data();
+    if (result == 0) {
+        return LoadOutcome::Ok;
+    }
+    return native_config_->LastOutcome() == LoadOutcome::Unreadable ? LoadOutcome::Unreadable : LoadOutcome::Findings;
+}
+
+LoadOutcome DefaultHost::FillAndResolve(const std::string& path, MemoryResidentData& store) {
+    const LoadOutcome outcome = native_config_->Load(path, store);
+    if (outcome == LoadOutcome::Ok) {
+        MarkStringDefaults(store);
+    }
+    FinishFeedback();
+    return outcome;
+}
+
+std::unique_ptr<MemoryResidentData> DefaultHost::CreateStore() const {
+    return CreateMemoryResidentData(std::make_unique<Globalization>(locale_).release(),
+                                    std::make_unique<DuplicateLog>().release());
+}
+
+void DefaultHost::InstallMessages(DefaultHostOptions& options) {
+    if (!options.messages) {
+        auto messages = std::make_unique<ConsoleMessages>(options.program, options.output);
+        messages->SetListener([this](const ShownMessage& message) { OnMessage(message); });
+        console_messages_ = messages.get();
+        options.messages = std::move(messages);
+    }
+    messages_ = options.messages.get();
+    MessageManager::setInstance(options.messages.release());
+}
+
+void DefaultHost::InstallLogger(DefaultHostOptions& options) {
+    if (!options.logger) {
+        TextSink sink = options.log_level == LogLevel::Off ? TextSink() : options.output;
+        StreamLogger::Clock clock;
+        if (options.log_level != LogLevel::Off && !options.log_file.empty()) {
+            sink = FileSink(options.log_file);
+            clock = [] {
+                return std::chrono::system_clock::now();
+            };
+            logs_apart_ = true;
+        }
+        if (logs_apart_ && !sink) {
+            messages_->DisplayUnableToOpen(FromUtf8(options.log_file));
+        }
+        auto logger = std::make_unique<StreamLogger>(options.log_level, std::move(sink), std::move(clock));
+        stream_logger_ = logger.get();
+        options.logger = std::move(logger);
+    }
+    if (options.log_level >= LogLevel::Debug) {
+        EnableDebugLogging();
+    }
+    if (options.log_level >= LogLevel::Trace) {
+        EnableExtendedDebugLogging();
+    }
+    logger_ = options.logger.get();
+    LogManager::setInstance(options.logger.release());
+}
+
+void DefaultHost::InstallFeedback(DefaultHostOptions& options) {
+    const bool logs_to_output = options.log_level != LogLevel::Off && !logs_apart_;
+    if (options.feedback) {
+        feedback_ = std::move(options.feedback);
+    } else if (options.progress && !logs_to_output) {
+        auto feedback = std::make_unique<ConsoleFeedback>();
+        console_feedback_ = feedback.get();
+        feedback_ = std::move(feedback);
+    } else {
+        feedback_ = std::make_unique<NullFeedback>();
+    }
+}
+
+void DefaultHost::InstallNativeConfig(DefaultHostOptions& options) {
+    DiagnosticSink sink = options.diagnostics ? std::move(options.diagnostics) : LineSink(options.output);
+    native_config_ = std::make_unique<NativeConfig>(
+        feedback_.get(),
+        [this, sink = std::move(sink)](const Diagnostic& diagnostic) {
+            ClearFeedback();
+            sink(diagnostic);
+        },
+        std::move(options.reader));
+}
+
+void DefaultHost::OnMessage(const ShownMessage& message) {
+    ClearFeedback();
+    if (logs_apart_ && stream_logger_ != nullptr) {
+        stream_logger_->Log(LogLevel::Error, message.text);
+    }
+}
+
+void DefaultHost::ClearFeedback() {
+    if (console_feedback_ != nullptr) {
+        console_feedback_->Clear();
+    }
+}
+
+void DefaultHost::FinishFeedback() {
+    if (console_feedback_ != nullptr) {
+        console_feedback_->Finish();
+    }
+}
+
+} // namespace Kestrona::Host

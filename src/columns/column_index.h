@@ -1,0 +1,88 @@
+#pragma once
+
+#include "columns/record_set.h"
+
+#include <kestrona/column.h>
+
+#include <boost/unordered/unordered_flat_map.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The map from values to records behind IndexedColumn<T>. It has no lock: the const operations may run side by side,
+// the others alone.
+namespace Kestrona::Data::MemoryResident {
+
+template <typename T>
+class ColumnIndex {
+public:
+    // Enters every record of the column. Starts from nothing, whatever was there.
+    void Build(const IColumn<T>& column);
+
+    // Requires: the record is not in the index.
+    void Add(const T& value, std::int32_t record);
+    // Enters the records `first` to `last` - 1. Requires: greater than every record of the index.
+    void AddRange(const T& value, std::int32_t first, std::int32_t last);
+    // Requires: the record is in the index with this value.
+    void Remove(const T& value, std::int32_t record);
+
+    // The lowest record with the value, -1 when there is none; nothing when that is not known before `Settle`.
+    [[nodiscard]] std::optional<std::int32_t> FirstRecord(const T& value) const;
+    // The records with the value; nothing when they do not stand in one array before `Settle`.
+    [[nodiscard]] std::optional<std::span<const std::int32_t>> Records(const T& value) const;
+    // Makes the array of the value's records.
+    void Settle(const T& value);
+
+    // The lowest record of each value, unordered; nothing when one is not known before `SettleAll`. A value that does
+    // not equal itself is as many values as it has records.
+    [[nodiscard]] std::optional<RecordNumbers> FirstRecords() const;
+    void SettleAll();
+
+private:
+    static constexpr std::int32_t kUnknown = -1;
+    static constexpr std::int32_t kNoSet = -1;
+
+    // Most values of a key column have one record: it stands here, and nothing else is allocated for it.
+    struct Entry {
+        std::int32_t first;        // the lowest record; kUnknown while the set has lost it and is not settled
+        std::int32_t set = kNoSet; // where in sets_, for a value that has had more than one record
+    };
+
+    struct Hash {
+        std::size_t operator()(const T& value) const;
+    };
+
+    using Map = boost::unordered_flat_map<T, Entry, Hash>;
+
+    // What the first pass of building finds: the values that have several records.
+    struct Groups {
+        std::vector<std::int32_t> ofRecord; // the set of each record; kNoSet where it is the first of its value
+        std::vector<std::int32_t> sizes;
+        std::vector<std::int32_t> firsts;
+
+        // Counts a further record of the entry and returns its set.
+        std::int32_t Enter(Entry& entry);
+    };
+
+    static constexpr std::int32_t kBlock = 512;
+
+    static bool EqualsItself(const T& value);
+    void Clear();
+    void GroupBlock(Groups& groups, std::span<const T> values, std::int32_t record);
+    void MakeSets(const Groups& groups);
+    RecordSet& NeedSet(Entry& entry);
+    void RemoveFromSet(typename Map::iterator place, std::int32_t record);
+    void SettleEntry(Entry& entry);
+
+    Map map_;
+    std::vector<std::int32_t> rows_; // the sets as they were built, one after another
+    std::vector<RecordSet> sets_;
+    std::vector<std::int32_t> freeSets_;
+    RecordSet unequal_; // records whose value does not equal itself: no search finds them
+};
+
+} // namespace Kestrona::Data::MemoryResident

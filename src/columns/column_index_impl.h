@@ -1,0 +1,259 @@
+#pragma once
+
+#include "columns/column_index.h"
+
+#include <algorithm>
+#include <bit>
+#include <cassert>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+namespace Kestrona::Data::MemoryResident {
+
+// The map mixes the bits itself. Positive and negative zero are one value and must hash alike.
+template <typename T>
+std::size_t ColumnIndex<T>::Hash::operator()(const T& value) const {
+    if constexpr (std::is_same_v<T, double>) {
+        return std::bit_cast<std::uint64_t>(value + 0.0);
+    } else if constexpr (std::is_integral_v<T>) {
+        return static_cast<std::size_t>(value);
+    } else {
+        return std::hash<T>{}(value);
+    }
+}
+
+template <typename T>
+bool ColumnIndex<T>::EqualsItself(const T& value) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return value == value;
+    } else {
+        return true;
+    }
+}
+
+template <typename T>
+void ColumnIndex<T>::Clear() {
+    map_.clear();
+    sets_.clear();
+    freeSets_.clear();
+    rows_.clear();
+    unequal_ = RecordSet();
+}
+
+// Two passes: find which value has several records and how many, then lay the records of each such value side by side.
+// They come out ascending, and no value costs an allocation of its own.
+template <typename T>
+void ColumnIndex<T>::Build(const IColumn<T>& column) {
+    Clear();
+    Groups groups;
+    std::vector<T> block(kBlock);
+    for (std::int32_t first = 0;; first += kBlock) {
+        const std::int32_t left = static_cast<std::int32_t>(column.GetCurrentSize()) - first;
+        if (left <= 0) {
+            break;
+        }
+        const std::int32_t count = std::min(left, kBlock);
+        column.ReadBlock(first, count, block.data());
+        GroupBlock(groups, std::span(block).first(static_cast<std::size_t>(count)), first);
+    }
+    MakeSets(groups);
+}
+
+template <typename T>
+void ColumnIndex<T>::GroupBlock(Groups& groups, std::span<const T> values, std::int32_t record) {
+    groups.ofRecord.resize(groups.ofRecord.size() + values.size(), kNoSet);
+    std::int32_t* of_record = groups.ofRecord.data() + record;
+    for (const T& value : values) {
+        if (!EqualsItself(value)) [[unlikely]] {
+            unequal_.Add(record);
+        } else if (const auto [place, is_new] = map_.try_emplace(value, Entry{record}); !is_new) {
+            *of_record = groups.Enter(place->second);
+        }
+        ++of_record;
+        ++record;
+    }
+}
+
+template <typename T>
+inline std::int32_t ColumnIndex<T>::Groups::Enter(Entry& entry) {
+    if (entry.set == kNoSet) {
+        entry.set = static_cast<std::int32_t>(sizes.size());
+        sizes.push_back(1);
+        firsts.push_back(entry.first);
+    }
+    ++sizes[static_cast<std::size_t>(entry.set)];
+    return entry.set;
+}
+
+template <typename T>
+void ColumnIndex<T>::MakeSets(const Groups& groups) {
+    const std::size_t count = groups.sizes.size();
+    if (count == 0) {
+        return;
+    }
+    std::vector<std::size_t> next(count);
+    std::size_t rows = 0;
+    for (std::size_t set = 0; set < count; ++set) {
+        next[set] = rows;
+        rows += static_cast<std::size_t>(groups.sizes[set]);
+    }
+    rows_.resize(rows);
+    sets_.reserve(count);
+    for (std::size_t set = 0; set < count; ++set) {
+        const auto size = static_cast<std::size_t>(groups.sizes[set]);
+        sets_.emplace_back(std::span(rows_).subspan(next[set], size));
+        rows_[next[set]++] = groups.firsts[set];
+    }
+    for (std::size_t record = 0; record < groups.ofRecord.size(); ++record) {
+        if (const std::int32_t set = groups.ofRecord[record]; set != kNoSet) {
+            rows_[next[static_cast<std::size_t>(set)]++] = static_cast<std::int32_t>(record);
+        }
+    }
+}
+
+// The set of an entry, made of its one record where there is none yet.
+template <typename T>
+RecordSet& ColumnIndex<T>::NeedSet(Entry& entry) {
+    if (entry.set == kNoSet) {
+        RecordSet set;
+        set.Add(entry.first);
+        if (freeSets_.empty()) {
+            sets_.push_back(std::move(set));
+            entry.set = static_cast<std::int32_t>(sets_.size() - 1);
+        } else {
+            sets_[static_cast<std::size_t>(freeSets_.back())] = std::move(set);
+            entry.set = freeSets_.back();
+            freeSets_.pop_back();
+        }
+    }
+    return sets_[static_cast<std::size_t>(entry.set)];
+}
+
+template <typename T>
+void ColumnIndex<T>::Add(const T& value, std::int32_t record) {
+    if (!EqualsItself(value)) {
+        unequal_.Add(record);
+        return;
+    }
+    const auto [place, is_new] = map_.try_emplace(value, Entry{record});
+    if (!is_new) {
+        Entry& entry = place->second;
+        NeedSet(entry).Add(record);
+        entry.first = std::min(entry.first, record); // kUnknown is below every record
+    }
+}
+
+template <typename T>
+void ColumnIndex<T>::AddRange(const T& value, std::int32_t first, std::int32_t last) {
+    if (first >= last) {
+        return;
+    }
+    if (!EqualsItself(value)) {
+        unequal_.AddRange(first, last);
+        return;
+    }
+    const auto [place, is_new] = map_.try_emplace(value, Entry{first});
+    const std::int32_t next = is_new ? first + 1 : first;
+    if (next < last) {
+        NeedSet(place->second).AddRange(next, last);
+    }
+}
+
+template <typename T>
+void ColumnIndex<T>::Remove(const T& value, std::int32_t record) {
+    if (!EqualsItself(value)) {
+        unequal_.Remove(record);
+        return;
+    }
+    const auto place = map_.find(value);
+    assert(place != map_.end());
+    if (place->second.set == kNoSet) {
+        map_.erase(place);
+    } else {
+        RemoveFromSet(place, record);
+    }
+}
+
+template <typename T>
+void ColumnIndex<T>::RemoveFromSet(typename Map::iterator place, std::int32_t record) {
+    Entry& entry = place->second;
+    RecordSet& set = sets_[static_cast<std::size_t>(entry.set)];
+    if (set.Size() == 1) {
+        freeSets_.push_back(entry.set);
+        set = RecordSet();
+        map_.erase(place);
+        return;
+    }
+    set.Remove(record);
+    if (entry.first == record) {
+        entry.first = set.IsSettled() ? set.Rows().front() : kUnknown;
+    }
+}
+
+template <typename T>
+std::optional<std::int32_t> ColumnIndex<T>::FirstRecord(const T& value) const {
+    const auto place = map_.find(value);
+    if (place == map_.end()) {
+        return -1;
+    }
+    const std::int32_t first = place->second.first;
+    return first == kUnknown ? std::nullopt : std::optional(first);
+}
+
+template <typename T>
+std::optional<std::span<const std::int32_t>> ColumnIndex<T>::Records(const T& value) const {
+    const auto place = map_.find(value);
+    if (place == map_.end()) {
+        return std::span<const std::int32_t>();
+    }
+    const Entry& entry = place->second;
+    if (entry.set == kNoSet) {
+        return std::span(&entry.first, 1);
+    }
+    const RecordSet& set = sets_[static_cast<std::size_t>(entry.set)];
+    return set.IsSettled() ? std::optional(set.Rows()) : std::nullopt;
+}
+
+template <typename T>
+void ColumnIndex<T>::Settle(const T& value) {
+    const auto place = map_.find(value);
+    if (place != map_.end()) {
+        SettleEntry(place->second);
+    }
+}
+
+template <typename T>
+void ColumnIndex<T>::SettleEntry(Entry& entry) {
+    if (entry.set != kNoSet) {
+        RecordSet& set = sets_[static_cast<std::size_t>(entry.set)];
+        set.Settle();
+        entry.first = set.Rows().front();
+    }
+}
+
+template <typename T>
+std::optional<RecordNumbers> ColumnIndex<T>::FirstRecords() const {
+    if (!unequal_.IsSettled()) {
+        return std::nullopt;
+    }
+    RecordNumbers records(unequal_.Rows().begin(), unequal_.Rows().end());
+    records.reserve(records.size() + map_.size());
+    for (const auto& [value, entry] : map_) {
+        if (entry.first == kUnknown) {
+            return std::nullopt;
+        }
+        records.push_back(entry.first);
+    }
+    return records;
+}
+
+template <typename T>
+void ColumnIndex<T>::SettleAll() {
+    unequal_.Settle();
+    for (auto& [value, entry] : map_) {
+        SettleEntry(entry);
+    }
+}
+
+} // namespace Kestrona::Data::MemoryResident

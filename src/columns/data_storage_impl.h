@@ -1,0 +1,264 @@
+#pragma once
+
+#include "columns/value_order.h"
+
+#include <kestrona/data_storage.h>
+#include <kestrona/indexed_column.h>
+
+#include <algorithm>
+#include <cassert>
+#include <limits>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
+// Cells, size and lifetime of DataStorage<T>.
+//
+// values_[i] is the value of record i; every record behind values_ has the default. values_ never reaches the scratch
+// records (values_.size() <= kFirstScratchRecord), so a number below its size needs no other test.
+namespace Kestrona::Data::MemoryResident {
+
+template <typename T>
+DataStorage<T>::DataStorage(IRecordStateStrategy* record_state)
+    : recordState_(record_state),
+      tracked_(typeid(*record_state) != typeid(NullRecordStateStrategy)) {
+    assert(record_state != nullptr);
+}
+
+template <typename T>
+DataStorage<T>::DataStorage(const DataStorage& other) = default;
+
+template <typename T>
+DataStorage<T>& DataStorage<T>::operator=(const DataStorage& other) = default;
+
+template <typename T>
+DataStorage<T>::~DataStorage() {
+    delete recordState_;
+}
+
+template <typename T>
+void DataStorage<T>::Initialise(T default_value) {
+    scratchValues_.fill(default_value);
+    defaultValue_ = std::move(default_value);
+    logicalSize_ = 0;
+}
+
+template <typename T>
+void DataStorage<T>::Free(T) {}
+
+template <typename T>
+T DataStorage<T>::GetValue(std::uint32_t record) const {
+    return GetValue(static_cast<std::int32_t>(record));
+}
+
+template <typename T>
+void DataStorage<T>::SetValue(std::uint32_t record, const T& value) {
+    SetValue(static_cast<std::int32_t>(record), value);
+}
+
+template <typename T>
+T DataStorage<T>::operator[](std::int32_t record) const {
+    return GetValue(record);
+}
+
+template <typename T>
+T DataStorage<T>::GetValue(std::int32_t record) const {
+    return Cell(record);
+}
+
+template <typename T>
+const T& DataStorage<T>::CellBehindValues(std::int32_t record) const {
+    if (record >= kFirstScratchRecord && record <= kLastScratchRecord) {
+        return scratchValues_[static_cast<std::size_t>(record - kFirstScratchRecord)];
+    }
+    return defaultValue_;
+}
+
+template <typename T>
+void DataStorage<T>::ReadBlock(std::int32_t first, std::int32_t count, T* out) const {
+    std::int32_t held = 0;
+    if (count > 0 && IsHeld(first)) {
+        const std::size_t left = values_.size() - static_cast<std::size_t>(first);
+        held = static_cast<std::int32_t>(std::min(static_cast<std::size_t>(count), left));
+        std::copy_n(values_.begin() + first, held, out);
+    }
+    for (std::int32_t i = held; i < count; ++i) {
+        out[i] = Cell(first + i);
+    }
+}
+
+template <typename T>
+void DataStorage<T>::SetValue(std::int32_t record, const T& value) {
+    Write(record, value, [this](const T& a, const T& b) { return ValuesEqual(a, b); });
+}
+
+// Nearly every write meets a record that is held and a column that nobody watches. That way is kept free of calls to
+// come back from, so that it needs no stack frame: on random cells of a large table the processor can then work on
+// twice as many writes at once.
+template <typename T>
+template <typename Equal>
+void DataStorage<T>::Write(std::int32_t record, const T& value, Equal equal) {
+    if (watched_ || !IsHeld(record)) [[unlikely]] {
+        return WriteTheLongWay(record, value);
+    }
+    T& cell = values_[static_cast<std::size_t>(record)];
+    if (equal(cell, value)) {
+        return;
+    }
+    cell = value;
+    if (tracked_) {
+        return recordState_->RecordChanged(record);
+    }
+}
+
+// Scratch records tell nobody; a number that is no record at all is dropped; the default needs no cell.
+template <typename T>
+void DataStorage<T>::WriteTheLongWay(std::int32_t record, const T& value) {
+    if (record >= kFirstScratchRecord && record <= kLastScratchRecord) {
+        scratchValues_[static_cast<std::size_t>(record - kFirstScratchRecord)] = value;
+    }
+    if (record < 0 || record >= kFirstScratchRecord) {
+        return;
+    }
+    InvalidateIndexInFront();
+    if (ValuesEqual(Cell(record), value)) {
+        return;
+    }
+    if (IsHeld(record)) {
+        ReplaceHeld(record, value);
+    } else {
+        Extend(record, value);
+    }
+    recordState_->RecordChanged(record);
+}
+
+template <typename T>
+void DataStorage<T>::ReplaceHeld(std::int32_t record, const T& value) {
+    const Extremes after = ExtremesAfterWrite(record, value);
+    values_[static_cast<std::size_t>(record)] = value;
+    extremes_ = after;
+}
+
+template <typename T>
+void DataStorage<T>::Extend(std::int32_t record, const T& value) {
+    if (static_cast<std::uint32_t>(record) > GetCurrentSize()) {
+        ForgetExtremesBeyondDefault(); // the records between are new
+    }
+    const Extremes after = ExtremesAfterWrite(record, value);
+    const auto position = static_cast<std::size_t>(record);
+    if (position == values_.size()) {
+        values_.push_back(value);
+    } else {
+        T copy = value;
+        values_.resize(position + 1, defaultValue_);
+        values_.back() = std::move(copy);
+    }
+    extremes_ = after;
+}
+
+template <typename T>
+void DataStorage<T>::Insert(std::int32_t record, const T& value) {
+    if (record < 0 || record >= kFirstScratchRecord || values_.size() >= std::size_t{kFirstScratchRecord}) {
+        return;
+    }
+    InvalidateIndexInFront();
+    ResetMinMax();
+    const auto position = static_cast<std::size_t>(record);
+    T copy = value;
+    if (position > values_.size()) {
+        values_.resize(position, defaultValue_);
+    }
+    values_.insert(values_.begin() + record, std::move(copy));
+}
+
+template <typename T>
+void DataStorage<T>::Resize(std::uint32_t size) {
+    const std::uint32_t records = std::min(size, static_cast<std::uint32_t>(kFirstScratchRecord));
+    if (records > values_.size()) {
+        ForgetExtremesBeyondDefault();
+        logicalSize_ = records;
+        return;
+    }
+    if (records < values_.size()) {
+        InvalidateIndexInFront();
+        if (records == 0) {
+            Clear(false);
+            return;
+        }
+        ResetMinMax();
+        values_.resize(records);
+    }
+    logicalSize_ = records;
+}
+
+template <typename T>
+void DataStorage<T>::Clear(bool mark_changed) {
+    InvalidateIndexInFront();
+    ResetMinMax();
+    std::vector<T>().swap(values_);
+    logicalSize_ = 0;
+    recordState_->ColumnCleared(mark_changed);
+}
+
+template <typename T>
+std::uint32_t DataStorage<T>::GetCurrentSize() const {
+    return std::max(logicalSize_, static_cast<std::uint32_t>(values_.size()));
+}
+
+template <typename T>
+T DataStorage<T>::GetDefaultValue() const {
+    return defaultValue_;
+}
+
+template <typename T>
+void DataStorage<T>::StartTransaction(std::string id) {
+    recordState_->StartTransaction(std::move(id));
+}
+
+template <typename T>
+void DataStorage<T>::EndTransaction(std::string id) {
+    recordState_->EndTransaction(std::move(id));
+}
+
+template <typename T>
+void DataStorage<T>::RevertTransaction(std::string id) {
+    recordState_->RevertTransaction(std::move(id));
+}
+
+template <typename T>
+bool DataStorage<T>::HasColumnChanged() {
+    return recordState_->HasColumnChanged();
+}
+
+template <typename T>
+std::int32_t DataStorage<T>::GetRecordState(std::int32_t record) {
+    return recordState_->GetRecordState(record);
+}
+
+template <typename T>
+void DataStorage<T>::ResetColoumnChanged() {
+    recordState_->ResetColumnChanged();
+}
+
+template <typename T>
+void DataStorage<T>::InvalidateIndexInFront() {
+    if (indexedColumn_ != nullptr) {
+        InvalidateIndex();
+    }
+}
+
+template <typename T>
+void DataStorage<T>::InvalidateIndex() {
+    indexedColumn_->Invalidate();
+}
+
+template <typename T>
+IColumn<T>* DataStorage<T>::CreateIndexedColumn() {
+    if (indexedColumn_ == nullptr) {
+        indexedColumn_ = new IndexedColumn<T>(this);
+        watched_ = true;
+    }
+    return indexedColumn_;
+}
+
+} // namespace Kestrona::Data::MemoryResident

@@ -1,0 +1,27 @@
+#include <kestrona/record_state_strategy.h>
+
+namespace Kestrona::Data::MemoryResident {
+
+void NullRecordStateStrategy::RecordChanged(std::int32_t) {}
+
+void NullRecordStateStrategy::RecordErased(double) {}
+
+void NullRecordStateStrategy::StartTransaction(std::string) {}
+
+void NullRecordStateStrategy::EndTransaction(std::string) {}
+
+void NullRecordStateStrategy::RevertTransaction(std::string) {}
+
+void NullRecordStateStrategy::ResetColumnChanged() {}
+
+bool NullRecordStateStrategy::HasColumnChanged() {
+    return false;
+}
+
+std::int32_t NullRecordStateStrategy::GetRecordState(std::int32_t) {
+    return 0;
+}
+
+void NullRecordStateStrategy::ColumnCleared(bool) {}
+
+} // namespace Kestrona::Data::MemoryResident

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "configuration/reference_lookup.h"
+
+#include <kestrona/memory_resident_data.h>
+#include <kestrona/types.h>
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+namespace Kestrona::Configuration {
+
+// The line that says which AUTO LIST is being resolved; also the text that refuses it on a field that is no matrix.
+std::wstring AutoListContext(Data::MemoryResident::IMemoryResidentData& store, TableColumn place);
+
+// Follows AUTO LIST classifications from field to field, for one pass over the definition. Each link is looked up, and
+// its context written to the debug log, the first time that it is followed.
+class AutoListChain {
+public:
+    AutoListChain(Data::MemoryResident::IMemoryResidentData& store, ReferenceLookup& lookup)
+        : store_(store),
+          lookup_(lookup) {}
+
+    // Gives the field without AUTO LIST that the chain from `place` leads to, which may be `place` itself. A ring ends
+    // at the last field before the first repeat. False when a link could not be resolved and that was reported.
+    bool FindEnd(TableColumn place, TableColumn& end);
+
+    // The classification string of `place` has changed.
+    void Changed(TableColumn place);
+
+private:
+    struct Link {
+        bool leads_on = false;
+        TableColumn next;
+        std::int32_t walk = 0; // the last walk that passed here
+    };
+
+    bool Follow(TableColumn place, Link& link);
+    [[nodiscard]] bool WasPassed(TableColumn place) const;
+
+    Data::MemoryResident::IMemoryResidentData& store_;
+    ReferenceLookup& lookup_;
+    std::unordered_map<std::uint64_t, Link> links_; // by place
+    std::int32_t walk_ = 0;
+};
+
+} // namespace Kestrona::Configuration

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+// Process-wide state of the definition load.
+namespace Kestrona::Configuration {
+
+// The first-time guard: set until a load begins.
+bool IsFirstLoad();
+void ClearFirstLoad();
+
+// Puts the save variables of a load back to where a load begins.
+void ResetRunState();
+
+// The file name of the definition's source. A name of more than 511 characters is not kept: false, and nothing changed.
+// The text stays where it is, so that the host may set the name while it reads the file.
+const wchar_t* DefinitionFileName();
+bool SetDefinitionFileName(const std::wstring& name);
+
+void SetFromCompiled(bool value);
+
+// The help file name stands in the save variables as a pointer; null when there is none. A name that is set here is
+// copied and belongs to this module.
+const wchar_t* HelpFileName();
+void SetHelpFileName(const std::wstring& name);
+
+// True at the first call in a process: whoever asks then sets the built-in string tables up.
+bool ClaimStringTables();
+
+// As in a fresh process.
+void ResetLoadStateForTests();
+
+} // namespace Kestrona::Configuration

@@ -1,0 +1,80 @@
+#include "configuration/parsers/classification_pattern.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <mutex>
+
+namespace Kestrona::Configuration::Parsers {
+
+namespace {
+
+bool StandsForItself(std::wstring_view keyword) {
+    return keyword.find_first_of(L"\\^$.|?*+()[]{}") == std::wstring_view::npos;
+}
+
+class PatternCache {
+public:
+    std::shared_ptr<const ClassificationPattern> Get(const PatternText& text);
+
+private:
+    using Patterns = std::map<std::wstring, std::shared_ptr<const ClassificationPattern>, std::less<>>;
+
+    std::mutex mutex_;
+    Patterns patterns_;
+    // A definition asks for the same pattern many times on end.
+    const Patterns::value_type* last_ = nullptr;
+};
+
+std::shared_ptr<const ClassificationPattern> PatternCache::Get(const PatternText& text) {
+    const std::lock_guard lock(mutex_);
+    if (last_ != nullptr && last_->first == text.pattern) {
+        return last_->second;
+    }
+    auto found = patterns_.find(text.pattern);
+    if (found == patterns_.end()) {
+        found = patterns_.emplace(text.pattern, std::make_shared<ClassificationPattern>(text)).first;
+    }
+    last_ = &*found;
+    return found->second;
+}
+
+} // namespace
+
+std::optional<std::wstring_view> PatternGroups::At(std::size_t group) const {
+    if (group >= match_.groups.size() || !match_.groups[group]) {
+        return std::nullopt;
+    }
+    return match_.groups[group]->In(text_);
+}
+
+ClassificationPattern::ClassificationPattern(const PatternText& text)
+    : pattern_(text.pattern),
+      keyword_(StandsForItself(text.keyword) ? text.keyword : std::wstring_view()),
+      outline_(text.outline),
+      lead_(text.lead) {}
+
+bool ClassificationPattern::Search(std::wstring_view text, std::size_t start, Platform::PatternMatch& out) const {
+    if (keyword_.empty()) {
+        return pattern_.Search(text, start, out);
+    }
+    std::size_t keyword = text.find(keyword_, start);
+    if (keyword == std::wstring_view::npos) {
+        return false;
+    }
+    OutlineScan scan(outline_, text);
+    while (!scan.FitsAt(keyword + keyword_.size())) {
+        keyword = text.find(keyword_, keyword + 1);
+        if (keyword == std::wstring_view::npos) {
+            return false;
+        }
+    }
+    return pattern_.Search(text, std::max(start, keyword - std::min(keyword, lead_)), out);
+}
+
+std::shared_ptr<const ClassificationPattern> CompiledPattern(const PatternText& text) {
+    static PatternCache cache;
+    return cache.Get(text);
+}
+
+} // namespace Kestrona::Configuration::Parsers

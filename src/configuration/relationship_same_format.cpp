@@ -1,0 +1,151 @@
+// Fields that share, override or update another field of their format.
+#include "configuration/messages.h"
+#include "configuration/relationship_steps.h"
+#include "configuration/report.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/classification_parsers.h>
+
+namespace Kestrona::Configuration {
+
+using Data::MemoryResident::IMemoryResidentData;
+using Parsers::ClassificationMatch;
+
+namespace {
+
+// Reads the field that the keyword names, an empty name where the keyword stands without one: its look-up fails. False
+// where not even the keyword stands.
+template <typename Parser>
+bool ReadName(const FieldScope& scope, const Parser& parser, Reference& out) {
+    const ClassificationMatch match = parser.MatchFirst(scope.Text());
+    if (match.Matched) {
+        out.field = match.Values.at(parser.get_FirstKey());
+        out.position = static_cast<std::size_t>(match.Start);
+    }
+    return match.Matched || Parser::HasKeyword(scope.Text());
+}
+
+// Whether the field shares its own column, by way of others. Only the fields up to this one know by now whose column
+// they share, so the last field of a ring finds it.
+bool SharesItself(const FieldScope& scope, std::int32_t shared) {
+    IMemoryResidentData& store = scope.Store();
+    for (std::int32_t steps = store.GetDbFields(scope.Format());
+         steps > 0 && shared < scope.Field() &&
+         store.ClassDefined(scope.Format(), shared, Classes::kAdditionalReference);
+         --steps) {
+        shared = store.GetDbTableY(scope.Format(), shared);
+    }
+    return shared == scope.Field();
+}
+
+// 0 when the field may override the other one, else the number of the text that tells why not.
+std::int32_t OverrideFault(const FieldScope& scope, std::int32_t target) {
+    IMemoryResidentData& store = scope.Store();
+    if (store.GetDbType(scope.Format(), target) != scope.Type()) {
+        return kMsgOverrideType;
+    }
+    if (scope.Is(Classes::kFreeFormat) || scope.IsMatrix()) {
+        return kMsgOverrideKind;
+    }
+    if (store.ClassDefined(scope.Format(), target, Classes::kFreeFormat)) {
+        return kMsgOverrideText;
+    }
+    return scope.Is(Classes::kUpdateReference) ? kMsgOverrideUpdate : 0;
+}
+
+bool RefuseNamed(const FieldScope& scope, std::int32_t message, std::int32_t target) {
+    return scope.Refuse(JoinedMessages({message, kMsgNameTail}), target);
+}
+
+} // namespace
+
+bool ResolveAdditionalReference(FieldScope& scope) {
+    static const Parsers::ClassificationParser_ADDITIONAL_REFERENCE parser;
+    if (!scope.Is(Classes::kAdditionalReference)) {
+        return true;
+    }
+    Reference reference;
+    if (!ReadName(scope, parser, reference)) {
+        return scope.Refuse(Message(kMsgNoAdditional));
+    }
+    const std::int32_t target = scope.FindHere(reference, scope.Context(kMsgInAdditionalReference));
+    if (target < 0) {
+        return false;
+    }
+    if (SharesItself(scope, target)) {
+        return RefuseNamed(scope, kMsgSharesItself, target);
+    }
+    scope.Store().SetDbTableY(scope.Format(), scope.Field(), target);
+    return true;
+}
+
+bool ResolveOverride(FieldScope& scope) {
+    static const Parsers::ClassificationParser_OVERRIDE parser;
+    if (!scope.Is(Classes::kOverride)) {
+        return true;
+    }
+    const ClassificationMatch match = parser.MatchFirst(scope.Text());
+    if (!match.Matched) {
+        return true;
+    }
+    const Reference reference{{}, match.Values.at(parser.get_FirstKey()), static_cast<std::size_t>(match.Start)};
+    const auto context = [&] {
+        return Parsers::ClassificationParser_OVERRIDE::BuildClassification(reference.field);
+    };
+    const std::int32_t target = scope.FindHere(reference, context);
+    if (target < 0) {
+        return false;
+    }
+    if (const std::int32_t fault = OverrideFault(scope, target)) {
+        return scope.Refuse(Message(fault), target);
+    }
+    scope.Store().SetDbTableY(scope.Format(), scope.Field(), target);
+    return true;
+}
+
+bool ResolveUpdateReference(FieldScope& scope) {
+    static const Parsers::ClassificationParser_UPDATE_REFERENCE parser;
+    if (!scope.Is(Classes::kUpdateReference)) {
+        return true;
+    }
+    Reference reference;
+    if (!ReadName(scope, parser, reference)) {
+        return scope.Refuse(Message(kMsgNoUpdateReference));
+    }
+    const std::int32_t target = scope.FindHere(reference, scope.Context(kMsgInUpdateReference));
+    if (target < 0) {
+        return false;
+    }
+    if (target == scope.Field()) {
+        return RefuseNamed(scope, kMsgUpdatesItself, target);
+    }
+    if (!scope.Is(Classes::kDatabase) && !scope.Is(Classes::kSource)) {
+        return RefuseNamed(scope, kMsgUpdateNeedsSource, target);
+    }
+    scope.Store().SetDbTableY(scope.Format(), scope.Field(), target);
+    return true;
+}
+
+bool ResolveAutoSplit(FieldScope& scope) {
+    Reference reference;
+    if (!scope.Is(Classes::kAutoSplit) || !scope.ScanField(L"AUTO SPLIT", L"AUTO SPLIT ( %[^):]", reference)) {
+        return true;
+    }
+    IMemoryResidentData& store = scope.Store();
+    const std::int32_t target = scope.FindHere(reference, scope.Context(kMsgInAutoSplit));
+    if (target < 0) {
+        return false;
+    }
+    if (target == scope.Field()) {
+        return RefuseNamed(scope, kMsgSplitsItself, target);
+    }
+    // One kind of number and nothing else.
+    const std::uint32_t type = store.GetDbType(scope.Format(), target);
+    if (type != TypeBit::kReal && type != TypeBit::kInteger) {
+        return RefuseNamed(scope, kMsgSplitType, target);
+    }
+    store.SetDbTableY(scope.Format(), scope.Field(), target);
+    return true;
+}
+
+} // namespace Kestrona::Configuration

@@ -1,0 +1,101 @@
+#include "platform/files.h"
+
+#include "platform/code_points.h"
+
+#include <kestrona/unicode.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cassert>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace Kestrona::Platform {
+
+namespace {
+
+bool IsFaithfulPath(std::wstring_view path) {
+    for (std::size_t i = 0; i < path.size();) {
+        const wchar_t element = path[i];
+        const char32_t c = NextCodePoint(path, i);
+        if (c == 0 || IsSurrogate(c) || static_cast<char32_t>(element) > kLastCodePoint) {
+            return false;
+        }
+    }
+    return !path.empty();
+}
+
+std::optional<std::string> SystemPath(const std::wstring& path) {
+    return IsFaithfulPath(path) ? std::optional(ToUtf8(path)) : std::nullopt;
+}
+
+bool IsFolder(std::FILE* file) {
+    struct stat status {};
+
+    return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+} // namespace
+
+std::FILE* OpenFile(const std::wstring& path, const char* mode) {
+    assert(mode != nullptr);
+    const auto system_path = SystemPath(path);
+    if (!system_path) {
+        return nullptr;
+    }
+    // 'e': a child process does not get the file.
+    FileHandle file(std::fopen(system_path->c_str(), (std::string(mode) + 'e').c_str()));
+    return file != nullptr && !IsFolder(file.get()) ? file.release() : nullptr;
+}
+
+bool FileExists(const std::wstring& path) {
+    const auto system_path = SystemPath(path);
+
+    struct stat status {};
+
+    return system_path && stat(system_path->c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+bool RemoveFile(const std::wstring& path) {
+    const auto system_path = SystemPath(path);
+    return system_path && unlink(system_path->c_str()) == 0;
+}
+
+std::wstring ProgramFolder() {
+    std::vector<char> target(256);
+    for (;;) {
+        const ssize_t length = readlink("/proc/self/exe", target.data(), target.size());
+        if (length < 0) {
+            return {};
+        }
+        const auto count = static_cast<std::size_t>(length);
+        // A result that fills the buffer may have been cut.
+        if (count < target.size()) {
+            return FolderPart(FromUtf8({target.data(), count}));
+        }
+        target.resize(target.size() * 2);
+    }
+}
+
+std::wstring CurrentDirectory() {
+    const std::unique_ptr<char, decltype(&std::free)> directory(getcwd(nullptr, 0), &std::free);
+    return directory == nullptr ? std::wstring() : FromUtf8(directory.get());
+}
+
+bool SetCurrentDirectory(const std::wstring& path) {
+    const auto system_path = SystemPath(path);
+    return system_path && chdir(system_path->c_str()) == 0;
+}
+
+std::wstring FolderPart(const std::wstring& path) {
+    const std::size_t slash = path.rfind(L'/');
+    if (slash == std::wstring::npos) {
+        return {};
+    }
+    return path.substr(0, slash == 0 ? 1 : slash);
+}
+
+} // namespace Kestrona::Platform

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+// Files and folders by wide path. A path reaches the system as UTF-8 with '/' between its parts. A path that the system
+// cannot be given faithfully (empty, with an embedded 0, with a lone surrogate) names no file: every function fails on
+// it.
+namespace Kestrona::Platform {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// Closes at its end and drops the result of closing; whoever writes must flush and test before.
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+// Opens as fopen, not inherited by child processes. Null when that fails or the path is a folder. The caller closes it.
+std::FILE* OpenFile(const std::wstring& path, const char* mode);
+
+// Whether the path is there and is not a folder.
+bool FileExists(const std::wstring& path);
+
+// Removes a file, never a folder. False when it was not removed.
+bool RemoveFile(const std::wstring& path);
+
+// The folder of the running program, without a '/' at its end (except for "/" itself). Empty when it cannot be told.
+std::wstring ProgramFolder();
+
+// The current directory, without a '/' at its end (except for "/" itself). Empty when it cannot be told.
+std::wstring CurrentDirectory();
+
+// False, and nothing changed, when the path is not a folder that can be entered.
+bool SetCurrentDirectory(const std::wstring& path);
+
+// What stands before the last '/': "a/b" of "a/b/c", "/" of "/c", the empty text when there is no '/'.
+std::wstring FolderPart(const std::wstring& path);
+
+} // namespace Kestrona::Platform

@@ -1,0 +1,54 @@
+#include "platform/format_text.h"
+
+#include "platform/characters.h"
+
+#include <boost/format.hpp>
+
+#include <locale>
+
+namespace Kestrona::Platform {
+
+namespace {
+
+// Boost computes widths, precisions and argument numbers in int without a bound and pads to any width. A number of more
+// than three digits in a placeholder has no honest use, so such a text is not taken for a format.
+bool HasBoundedNumbers(std::wstring_view text) {
+    constexpr std::size_t kMostDigits = 3;
+    constexpr std::wstring_view kBetween = L"+-#. '$|*=_<>";
+    for (std::size_t i = text.find(L'%'); i != std::wstring_view::npos; i = text.find(L'%', i)) {
+        std::size_t digits = 0;
+        for (++i; i < text.size() && (IsDecimalDigit(text[i]) || kBetween.find(text[i]) != kBetween.npos); ++i) {
+            digits = IsDecimalDigit(text[i]) ? digits + 1 : 0;
+            if (digits > kMostDigits) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+void Feed(boost::wformat& formatter, const FormatArgument& argument) {
+    std::visit([&](const auto& value) { formatter % value; }, argument.Get());
+}
+
+} // namespace
+
+std::wstring FormatTextWith(std::wstring_view text, std::span<const FormatArgument> arguments) {
+    if (text.find(L'%') == std::wstring_view::npos || !HasBoundedNumbers(text)) {
+        return std::wstring(text);
+    }
+    boost::wformat formatter(L"", std::locale::classic());
+    formatter.exceptions(boost::io::bad_format_string_bit);
+    try {
+        formatter.parse(std::wstring(text));
+    } catch (const boost::io::bad_format_string&) {
+        return std::wstring(text);
+    }
+    formatter.exceptions(boost::io::no_error_bits);
+    for (const FormatArgument& argument : arguments) {
+        Feed(formatter, argument);
+    }
+    return formatter.str();
+}
+
+} // namespace Kestrona::Platform

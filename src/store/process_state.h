@@ -1,0 +1,18 @@
+#pragma once
+
+// What the process keeps beside its stores, and how each piece is put back.
+namespace Kestrona {
+
+// Puts everything that the library keeps for the process back to where it was when the library was loaded: services,
+// settings, hooks, save variables, user strings, paths, log flags and the run state of the definition load.
+void ResetProcessStateForTests();
+
+void FreeUserStrings();
+void ResetDebugLog();
+void ResetExecutionState();
+void ResetLibraryEntry();
+void ResetModule();
+void ResetSaveVariables();
+void ResetSettings();
+
+} // namespace Kestrona

@@ -1,0 +1,100 @@
+// Implements: the searches for records by key, value, text and row.
+#include "store/class_test.h"
+#include "store/family.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/store.h>
+
+#include <algorithm>
+
+namespace Kestrona::Data::MemoryResident {
+
+namespace {
+
+constexpr double kNoFamily = -1.0;
+constexpr const wchar_t* kNoCalculatedValues = L"Calculated values are not available in this version";
+
+template <typename T>
+FindResult* FindIn(IColumn<T>* column, const T& value, FindOperator comparison) {
+    return column != nullptr ? column->FindAll(value, comparison) : new FindResult();
+}
+
+template <typename T>
+FindResult* DistinctIn(IColumn<T>* column) {
+    return column != nullptr ? column->DistinctValues() : new FindResult();
+}
+
+// A field of this type and no other bit holds a reference or a text.
+bool IsPlainReference(const field_info& field) {
+    return field.type == TypeBit::kReference;
+}
+
+bool RefersToRecords(const field_info& field) {
+    return HasClass(field, Classes::kFamily) || HasClass(field, Classes::kDatabase) || HasClass(field, Classes::kList);
+}
+
+FindResult* FamilyResult(RecordNumbers records) {
+    std::ranges::sort(records);
+    records.erase(std::unique(records.begin(), records.end()), records.end());
+    return new FindResult(std::move(records));
+}
+
+} // namespace
+
+std::int32_t MemoryResidentData::LookupKeyRecord(std::int32_t format, double key) {
+    const field_info* const info = FindField(format, GetDbKey(format));
+    return info != nullptr && info->column != nullptr ? info->column->Find(key) : -1;
+}
+
+FindResult* MemoryResidentData::LookupRecords(std::int32_t format, std::int32_t field, const wchar_t* text,
+                                              FindOperator comparison) {
+    return FindIn<std::wstring>(GetDbStringArray(format, field), text != nullptr ? text : L"", comparison);
+}
+
+FindResult* MemoryResidentData::LookupRecords(std::int32_t format, std::int32_t field, double value,
+                                              FindOperator comparison) {
+    return FindIn(GetDbColumn(format, field), value, comparison);
+}
+
+FindResult* MemoryResidentData::DistinctRecords(std::int32_t format, std::int32_t field) {
+    AddIndexToColumn(format, field);
+    const field_info* const info = FindField(format, field);
+    if (info == nullptr) {
+        return new FindResult();
+    }
+    const bool is_text = IsPlainReference(*info) && HasClass(*info, Classes::kFreeFormat);
+    return is_text ? DistinctIn(info->stringColumn) : DistinctIn(info->column);
+}
+
+FindResult* MemoryResidentData::GetRecordsMatchingRow(std::int32_t format, std::int32_t field, std::int32_t record) {
+    const field_info* const info = FindField(format, field);
+    if (info == nullptr) {
+        return new FindResult();
+    }
+    if (HasClass(*info, Classes::kFamily)) {
+        const double family = GetDbValue(format, field, record);
+        if (family != kNoFamily) {
+            return FamilyResult(FamilyRecords(*this, format, family));
+        }
+    }
+    if (HasClass(*info, Classes::kEvaluate)) {
+        throw kNoCalculatedValues;
+    }
+    AddIndexToColumn(format, field);
+    if (IsPlainReference(*info) && !RefersToRecords(*info)) {
+        return FindIn(info->stringColumn, GetDbString(format, field, record), FindOperator::Equal);
+    }
+    return FindIn(info->column, GetDbValue(format, field, record), FindOperator::Equal);
+}
+
+double MemoryResidentData::GetMaxValueForColumn(std::int32_t format, std::int32_t field, bool exclude_default) {
+    IColumn<double>* const column = GetDbColumn(format, field);
+    return column != nullptr ? column->FindMaxValue(exclude_default) : GetDbDefaultValue(format, field);
+}
+
+double MemoryResidentData::GetMinValueForColumn(std::int32_t format, std::int32_t field, bool exclude_default) {
+    IColumn<double>* const column = GetDbColumn(format, field);
+    return column != nullptr ? column->FindMinValue(exclude_default) : GetDbDefaultValue(format, field);
+}
+
+} // namespace Kestrona::Data::MemoryResident

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "fixtures/recording_services.h"
+#include "fixtures/schema.h"
+
+#include <kestrona/execution_state.h>
+#include <kestrona/store.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A store with a definition, and what resolving it says and changes.
+namespace Kestrona::ConfigurationTest {
+
+using Data::MemoryResident::MemoryResidentData;
+
+// Every number and text that resolution may write, under "Format.Field.what". Classes are "+word:mask", data slots
+// "[slot]"; what holds nothing (0 classes, empty texts) is left out.
+using Snapshot = std::map<std::wstring, std::wstring>;
+
+Snapshot TakeSnapshot(MemoryResidentData& store);
+
+// What the later snapshot has, or has differently, as "Orders.X.table=1 Orders.X.[1]=2", in the order of the names.
+std::wstring Differences(const Snapshot& before, const Snapshot& after);
+
+// Headless, with message texts that show their number and their arguments: "<21006|Orders|X>". They take as many
+// arguments as the text of a host would.
+class DefinitionFixture : public testing::Test {
+protected:
+    DefinitionFixture();
+
+    // Appends a format whose unset links point nowhere. The field 0 is the key.
+    std::int32_t Add(const std::wstring& name, const std::vector<Fixtures::Field>& fields, std::int32_t key = 0);
+    void SetExtension(std::int32_t format, const wchar_t* extension);
+    void SetParent(std::int32_t format, std::int32_t parent);
+
+    // The texts of all boxes so far, one line each.
+    std::wstring Boxes() const;
+
+    Fixtures::FreshProcess process_;
+    Fixtures::RecordingLogger* log_;
+    Fixtures::RecordingMessages* messages_;
+    std::unique_ptr<MemoryResidentData> owned_store_;
+    MemoryResidentData& store_;
+};
+
+// A matrix field.
+Fixtures::Field Matrix(const std::wstring& name, const std::wstring& classification, std::vector<Class> classes = {});
+// A real field.
+Fixtures::Field Real(const std::wstring& name, const std::wstring& classification, std::vector<Class> classes = {});
+
+} // namespace Kestrona::ConfigurationTest

@@ -1,0 +1,274 @@
+#include "configuration/definition_fixture.h"
+#include "configuration/load_state.h"
+
+#include <kestrona/compilation_state.h>
+#include <kestrona/definition_load.h>
+#include <kestrona/host_settings.h>
+#include <kestrona/process.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+namespace Kestrona::Configuration {
+
+namespace {
+
+using Compiled::CompilationState;
+using Compiled::ConfigurationCompileType;
+using Compiled::ConfigurationSource;
+using Compiled::ConfigurationSourceType;
+using Data::MemoryResident::MemoryResidentData;
+using Events = std::vector<std::wstring>;
+
+// A host that writes down what it is asked for, in a folder of its own.
+class DefinitionLoad : public ConfigurationTest::DefinitionFixture,
+                       public IInformationFeedback,
+                       public INativeConfigWrapper,
+                       public IGlobalizationHelper,
+                       public IResourceHandler {
+protected:
+    DefinitionLoad() {
+        CompilationState::Instance() = CompilationState();
+        std::filesystem::create_directories(folder_);
+        std::filesystem::current_path(folder_);
+        CompilationState::Instance().set_Source(ConfigurationSource::SourceDefinition);
+    }
+
+    ~DefinitionLoad() override {
+        CompilationState::Instance() = CompilationState();
+        std::filesystem::current_path(former_folder_);
+        std::filesystem::remove_all(folder_);
+    }
+
+    void SetStage(std::int32_t message) override { events_.push_back(L"stage " + std::to_wstring(message)); }
+
+    void SetProgress(std::int32_t percent) override { events_.push_back(std::to_wstring(percent) + L"%"); }
+
+    void SetCompiledResource(std::int32_t) override { events_.emplace_back(L"SetCompiledResource"); }
+
+    void SetCompiledFile(const std::wstring&) override { events_.emplace_back(L"SetCompiledFile"); }
+
+    void ReportExtractionFailed() override { events_.emplace_back(L"ReportExtractionFailed"); }
+
+    std::int32_t LoadSource(const wchar_t* file_name, MemoryResidentData& store) override {
+        events_.push_back(L"LoadSource " + std::wstring(file_name));
+        return load_source_ ? load_source_(store) : 0;
+    }
+
+    wchar_t* LocalizeFileName(const wchar_t* file_name) override {
+        return KSDLL_AddText((L"de_" + std::wstring(file_name)).c_str());
+    }
+
+    std::uint32_t GetLCID() override { return 0; }
+
+    bool ExtractConfiguration(std::int32_t resource, std::wstring& path) override {
+        events_.push_back(L"ExtractConfiguration " + std::to_wstring(resource));
+        path = L"extracted.tmp";
+        return extracts_;
+    }
+
+    std::int32_t Load(const wchar_t* file_name = L"plant.def") {
+        return KSSERVER_LoadTableDefinition(store_, file_name, title_.data(), this, this, this, this, nullptr);
+    }
+
+    static void Touch(const char* name) { std::ofstream(name) << "x"; }
+
+    std::filesystem::path former_folder_ = std::filesystem::current_path();
+    std::filesystem::path folder_ =
+        std::filesystem::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::array<wchar_t, 12> title_{};
+    Events events_;
+    std::function<std::int32_t(MemoryResidentData&)> load_source_;
+    bool extracts_ = true;
+};
+
+TEST_F(DefinitionLoad, LoadsASourceInTheToldOrder) {
+    KSDLL_SetLongSv(100, 5);
+    KSDLL_SetLongSv(kSvDefinitionEnd, 5);
+    load_source_ = [&](MemoryResidentData& store) {
+        EXPECT_EQ(KSDLL_GetFloatSv(kSvVersionMark), 0.0F);
+        EXPECT_EQ(KSDLL_GetLongSv(100), -1);
+        EXPECT_EQ(KSDLL_GetLongSv(kSvDefinitionEnd), 0);
+        EXPECT_EQ(KSDLL_GetMiscPointer(), 0);
+        Add(L"Orders", {Fixtures::Number(L"Key"), ConfigurationTest::Real(L"A", L"STRING_DEF \"x\""),
+                        ConfigurationTest::Real(L"B", L"FF_STRING_DEF \"y\"")});
+        return check_database_access(store, true, this);
+    };
+    EXPECT_EQ(KSDLL_GetMiscPointer(), 1);
+    EXPECT_EQ(Load(), 0);
+    EXPECT_EQ(events_,
+              (Events{L"stage 17135", L"stage 17136", L"10%", L"LoadSource plant.def", L"stage 17138", L"50%"}));
+    EXPECT_EQ(log_->lines[0], L"Initialised String Tables.");
+    EXPECT_EQ(std::wstring(title_.data()), L"<17147>");
+    EXPECT_EQ(KSDLL_GetFloatSv(kSvVersionMark), 8.01F);
+    EXPECT_FALSE(FromCompiled());
+    EXPECT_FALSE(store_.ClassDefined(0, 0, Classes::kStringDefault));
+    EXPECT_TRUE(store_.ClassDefined(0, 1, Classes::kStringDefault));
+    EXPECT_TRUE(store_.ClassDefined(0, 2, Classes::kStringDefault));
+}
+
+TEST_F(DefinitionLoad, RefusesASecondLoadAndLeavesTheStore) {
+    ASSERT_EQ(Load(), 0);
+    messages_->texts[17147] = L"A title that is too long";
+    events_.clear();
+    EXPECT_EQ(Load(), -1);
+    EXPECT_EQ(events_, Events{L"stage 17135"});
+    EXPECT_EQ(messages_->boxes,
+              (std::vector<Fixtures::RecordingMessages::Box>{{L"<21001>", L"A title tha", kMessageStyleError}}));
+    EXPECT_EQ(KSDLL_GetFloatSv(kSvVersionMark), 8.01F);
+}
+
+TEST_F(DefinitionLoad, ChoosesTheDefaultFileThatIsThere) {
+    const auto chosen = [&](const wchar_t* name) {
+        ResetLoadStateForTests();
+        events_.clear();
+        EXPECT_EQ(Load(name), 0);
+        return events_[3];
+    };
+    EXPECT_EQ(chosen(nullptr), L"LoadSource KESTRONA.KSTDF");
+    Touch("KESTRONA.INF");
+    EXPECT_EQ(chosen(L""), L"LoadSource KESTRONA.INF");
+    Touch("KESTRONA.KSTDF");
+    EXPECT_EQ(chosen(L""), L"LoadSource KESTRONA.KSTDF");
+    EXPECT_EQ(chosen(L"own.def"), L"LoadSource own.def");
+}
+
+TEST_F(DefinitionLoad, FailsQuietlyWhenTheHostHasReported) {
+    load_source_ = [](MemoryResidentData&) {
+        return -1;
+    };
+    ExecutionState::Instance().set_IsRunningHeadless(false); // this failure does not end the process
+    EXPECT_EQ(Load(), -1);
+    EXPECT_EQ(Boxes(), L"");
+    EXPECT_EQ(KSDLL_GetFloatSv(kSvVersionMark), 0.0F);
+}
+
+struct SourceCase {
+    bool compiling;
+    ConfigurationSource source;
+    bool extracts;
+    Events events;       // behind the first three
+    const wchar_t* line; // of the debug log, behind the first
+};
+
+TEST_F(DefinitionLoad, TakesTheRoadThatSourceAndCompilingTell) {
+    const SourceCase cases[] = {
+        {false, ConfigurationSource::CompiledFile, true, {}, L"CreateCompiledFileManager returned OK"},
+        {false,
+         ConfigurationSource::EmbeddedResource,
+         true,
+         {L"ExtractConfiguration 12"},
+         L"CreateCompiledFileManager returned OK"},
+        {false,
+         ConfigurationSource::EmbeddedResource,
+         false,
+         {L"ExtractConfiguration 12", L"ReportExtractionFailed"},
+         L"CreateCompiledFileManager returned ExtractionFailed"},
+        {true, ConfigurationSource::CompiledFile, true, {L"LoadSource plant.def"}, nullptr},
+        {true, ConfigurationSource::EmbeddedResource, true, {L"LoadSource plant.def"}, nullptr},
+    };
+    for (const SourceCase& each : cases) {
+        ResetLoadStateForTests();
+        SetConfigurationResource(12);
+        Touch("extracted.tmp");
+        CompilationState& compilation = CompilationState::Instance();
+        compilation.set_IsCompiling(each.compiling);
+        compilation.set_Source(each.source);
+        compilation.set_CompiledConfigurationFile(std::wstring(L"plant.ks"));
+        extracts_ = each.extracts;
+        events_.clear();
+        log_->lines.clear();
+        EXPECT_EQ(Load(), -1);
+        EXPECT_EQ(Events(events_.begin() + 3, events_.end()), each.events);
+        EXPECT_EQ(log_->lines.size() > 1 ? log_->lines[1] : L"", each.line == nullptr ? L"" : each.line);
+        EXPECT_EQ(std::filesystem::exists("extracted.tmp"),
+                  each.compiling || each.source != ConfigurationSource::EmbeddedResource || !each.extracts);
+    }
+}
+
+TEST_F(DefinitionLoad, RaisesWhenNoCompiledFileIsNamed) {
+    CompilationState::Instance().set_Source(ConfigurationSource::CompiledFile);
+    try {
+        Load();
+        FAIL();
+    } catch (const wchar_t* text) {
+        EXPECT_EQ(std::wstring(text), L"No value present");
+    }
+}
+
+TEST_F(DefinitionLoad, FailsWhereTranslationListsAreWanted) {
+    ExecutionState::Instance().set_ExtractTranslations(true);
+    EXPECT_EQ(Load(), -1);
+    EXPECT_EQ(events_, Events{L"stage 17135"});
+    EXPECT_EQ(log_->lines, Events{L"The translation lists cannot be written: no writer is installed."});
+}
+
+TEST_F(DefinitionLoad, TakesTheLocalizedHelpFileWhenItIsThere) {
+    SetHelpFileName(L"plant.hlp");
+    EXPECT_EQ(Load(), 0);
+    EXPECT_EQ(std::wstring(HelpFileName()), L"plant.hlp");
+    ResetLoadStateForTests();
+    EXPECT_EQ(HelpFileName(), nullptr);
+    SetHelpFileName(L"plant.hlp");
+    Touch("de_plant.hlp");
+    EXPECT_EQ(Load(), 0);
+    EXPECT_EQ(std::wstring(HelpFileName()), L"de_plant.hlp");
+}
+
+TEST_F(DefinitionLoad, KeepsTheDefinitionFileAndGoesToItsFolder) {
+    std::filesystem::create_directory("sub");
+    SetCurrentDirectoryFromFilename(L"plant.def");
+    EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(folder_));
+    SetCurrentDirectoryFromFilename((L"sub/" + std::wstring(508, L'x')).c_str());
+    EXPECT_EQ(std::wstring(DefinitionFileName()), L"plant.def");
+    SetCurrentDirectoryFromFilename(L"sub/plant.def");
+    EXPECT_EQ(std::wstring(DefinitionFileName()), L"sub/plant.def");
+    EXPECT_EQ(std::filesystem::current_path(), std::filesystem::canonical(folder_ / "sub"));
+}
+
+TEST_F(DefinitionLoad, LetsTheHostSetTheFolderWhileItReads) {
+    load_source_ = [](MemoryResidentData&) {
+        SetCurrentDirectoryFromFilename(DefinitionFileName());
+        return 0;
+    };
+    EXPECT_EQ(Load(L"plant.def"), 0);
+    EXPECT_EQ(std::wstring(DefinitionFileName()), L"plant.def");
+    ResetLoadStateForTests();
+    EXPECT_EQ(Load(std::wstring(512, L'x').c_str()), -1);
+}
+
+TEST_F(DefinitionLoad, ClearsTheGuardByHand) {
+    KSDLL_SetFloatSv(kSvVersionMark, 8.01);
+    KSDLL_CreateMiscPointer();
+    EXPECT_EQ(KSDLL_GetMiscPointer(), 0);
+    EXPECT_EQ(KSDLL_GetFloatSv(kSvVersionMark), 0.0F);
+    EXPECT_EQ(Load(), -1);
+}
+
+TEST(CompilationState, NamesTheFileOfEachCompileType) {
+    struct Kind {
+        ConfigurationCompileType type;
+        const wchar_t* file;
+        std::int32_t source_type;
+    };
+
+    CompilationState state;
+    for (const Kind& kind : {Kind{ConfigurationCompileType::Cnf, L"KESTRONA.CNF", 1},
+                             Kind{ConfigurationCompileType::Oem, L"KESTRONA.OEM", 3},
+                             Kind{ConfigurationCompileType::Runtime, L"KESTRONA.KS_RT", 2}}) {
+        state.set_CompileType(kind.type);
+        EXPECT_EQ(state.ResolveDefaultOutputFile(), kind.file);
+        EXPECT_EQ(static_cast<std::int32_t>(state.ResolveSourceType()), kind.source_type);
+    }
+    state.set_CompileType(static_cast<ConfigurationCompileType>(4));
+    EXPECT_THROW((void)state.ResolveDefaultOutputFile(), const wchar_t*);
+}
+
+} // namespace
+
+} // namespace Kestrona::Configuration

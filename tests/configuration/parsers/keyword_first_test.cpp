@@ -1,0 +1,166 @@
+// The search by keyword and outline against the pattern alone, and against texts made to be slow.
+#include "configuration/parsers/parser_cases.h"
+
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace Kestrona::ParsersTest {
+
+using namespace Configuration::Parsers;
+
+namespace {
+
+// What the patterns are made of, and characters that are nearly that.
+const std::vector<std::wstring> kFragments = {
+    L"(",          L")",    L"(",      L")",       L"[",      L"]",      L"\"",        L"\"", L" ",  L" ",
+    L"\t",         L"\n",   L"\r\n",   L"a",       L"B1",     L"7",      L"-",         L">",  L"->", L".",
+    L":",          L"-2.5", L"MAX",    L"LOOKUP ", L"|",      L"(A(B))", L"(",         L"))", L"(a", L"\"x\"",
+    L"(1->\"t\")", L"\f",   L"\u00a0", L"\u2028",  L"\u0085", L"\v",     L"\U0001F600"};
+
+// Samples of a keyword, whole and damaged, among other fragments.
+class RandomTexts {
+public:
+    explicit RandomTexts(const std::wstring& sample) : sample_(sample), random_(7) {}
+
+    std::wstring Next() {
+        std::wstring text;
+        for (std::size_t pieces = Below(4) + 1; pieces > 0; --pieces) {
+            text += Below(3) == 0 ? Fragment() : Damaged(Below(5));
+        }
+        return text;
+    }
+
+    std::size_t Below(std::size_t bound) { return random_() % bound; }
+
+private:
+    const std::wstring& Fragment() { return kFragments[Below(kFragments.size())]; }
+
+    std::wstring Damaged(std::size_t times) {
+        std::wstring text = sample_;
+        for (; times > 0; --times) {
+            // Mostly behind the keyword.
+            const std::size_t at = Below(4) == 0 ? Below(text.size() + 1) : text.size() - Below(text.size() / 2 + 1);
+            text.replace(at, Below(3), Below(3) == 0 ? std::wstring() : Fragment());
+        }
+        return text;
+    }
+
+    std::wstring sample_;
+    std::mt19937 random_;
+};
+
+std::wstring Repeated(const std::wstring& unit, std::size_t count) {
+    std::wstring text;
+    text.reserve(unit.size() * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        text += unit;
+    }
+    return text;
+}
+
+const ParserCase& CaseOf(const std::string& name) {
+    for (const ParserCase& c : ParserCases()) {
+        if (name == c.name) {
+            return c;
+        }
+    }
+    throw std::out_of_range(name);
+}
+
+} // namespace
+
+TEST(KeywordFirst, FindsWhatThePatternAloneFinds) {
+    constexpr int kTexts = 3000;
+    for (const ParserCase& c : ParserCases()) {
+        RandomTexts texts(c.sample);
+        int matches = 0;
+        for (int i = 0; i < kTexts; ++i) {
+            const std::wstring text = texts.Next();
+            const auto start = static_cast<std::int32_t>(texts.Below(3) == 0 ? texts.Below(text.size() + 1) : 0);
+            const ClassificationMatch expected = MatchByPattern(c, text, start);
+            matches += expected.Matched ? 1 : 0;
+            ASSERT_EQ(Describe(c.parser->MatchFrom(text, start)), Describe(expected))
+                << c.name << " from " << start << " in: " << ToUtf8(text);
+        }
+        EXPECT_GT(matches, kTexts / 20) << c.name;
+        EXPECT_LT(matches, kTexts) << c.name;
+    }
+}
+
+// A hundred thousand characters that a backtracking search goes over again for each keyword, and behind them something
+// to find. A search that gives up, or loses count, does not find it.
+TEST(KeywordFirst, MatchesBehindLongTextsThatNearlyMatch) {
+    struct Case {
+        const char* name;
+        std::wstring unit;
+        std::wstring tail;
+    };
+
+    const std::vector<Case> cases = {
+        {"FORMAT", L"FORMAT(", L" x) FORMAT(8.2)"},
+        {"FORMAT", L"FORMAT(MAX\t", L" x) FORMAT(MAX)"},
+        {"TABLE", L"TABLE(", L"\nx) TABLE(a)"},
+        {"TABLE", L"TABLE(a\n", L"x) TABLE(a)"},
+        {"BY CLASSIFICATION", L"BY CLASSIFICATION()", L"BY CLASSIFICATION(a)"},
+        {"DATABASE[]", L"DATABASE[", L""},
+        {"DATABASE[]", L"DATABASE[]", L"DATABASE[a]"},
+        {"FAMILY", L"FAMILY(", L""},
+        {"REMOTE", L"REMOTE(", L"x) y REMOTE(a(b))"},
+        {"REMOTE", L"REMOTE(a(", L""},
+        {"REMOTE_DEF", L"REMOTE_DEF\"", L" REMOTE_DEF \"a(b)\""},
+        {"SUBSTITUTE", L"SUBSTITUTE( ", L"SUBSTITUTE(1->\"a\")"},
+        {"SUBSTITUTE", L"SUBSTITUTE(1->\"", L"SUBSTITUTE(1->\"a\")"},
+        {"SUBSTITUTE", L"SUBSTITUTE(" + Repeated(L"1", 500) + L"x", L"SUBSTITUTE(1->\"a\")"},
+        {"BUTTON TEXT", L"BUTTON TEXT(", L"\" BUTTON TEXT(Go)"},
+        {"TIP FIELD NAME", L"TIP FIELD NAME(", L""},
+        {"DATABASE", L"DATABASE(" + Repeated(L" ", 100) + L"x)", L" DATABASE(a(b))"},
+        {"SOURCE", L"LOOKUP SOURCE ", L" x SOURCE(A(B))"},
+        {"HELPPOPUPID", L"HELPPOPUPID(" + Repeated(L" ", 2000), L"HELPPOPUPID(-7)"},
+        {"EVALUATE", L"EVALUATE\t", L"EVALUATE \"1 + 1"},
+    };
+    constexpr std::size_t kFew = 3;
+    for (const Case& c : cases) {
+        const ParserCase& keyword = CaseOf(c.name);
+        const std::size_t many = 100000 / c.unit.size();
+        ClassificationMatch expected = MatchByPattern(keyword, Repeated(c.unit, kFew) + c.tail, 0);
+        const ClassificationMatch found = keyword.parser->MatchFirst(Repeated(c.unit, many) + c.tail);
+        EXPECT_EQ(expected.Matched, !c.tail.empty()) << c.name;
+        if (expected.Matched) {
+            const auto shift = static_cast<std::int32_t>((many - kFew) * c.unit.size());
+            expected.Start += shift;
+            expected.End += shift;
+        }
+        EXPECT_EQ(Describe(found), Describe(expected)) << c.name << " " << ToUtf8(c.unit.substr(0, 20));
+    }
+}
+
+// Every keyword over long texts of one thing: no crash, no hang, and the walk over all matches ends.
+TEST(KeywordFirst, EndsOnEveryLongText) {
+    for (const ParserCase& c : ParserCases()) {
+        const std::wstring keyword = c.sample.substr(0, c.sample.find_first_of(L"([\""));
+        for (const std::wstring& unit :
+             {std::wstring(L"("), std::wstring(L")"), std::wstring(L"[]"), std::wstring(L"\""), std::wstring(L" "),
+              std::wstring(L"\\(.*+?)^$|{2}"), keyword, keyword + L"(", keyword + L"[", keyword + L"\"",
+              keyword + L"( (", keyword + L"(a( ", keyword + L"(1"}) {
+            const std::wstring text = keyword + L"(" + Repeated(unit, 100000 / unit.size());
+            std::int32_t end = 0;
+            for (const ClassificationMatch& match : c.parser->MatchAll(text)) {
+                ASSERT_GE(match.Start, end);
+                ASSERT_GT(match.End, match.Start);
+                ASSERT_EQ(text.substr(static_cast<std::size_t>(match.Start), match.Text.size()), match.Text);
+                end = match.End;
+            }
+        }
+    }
+}
+
+TEST(KeywordFirst, AllOfThousandsOfEntriesAreFound) {
+    const ClassificationParser_SUBSTITUTE parser;
+    const std::wstring text = Repeated(L"SUBSTITUTE( SUBSTITUTE(1->\"a\") (", 3000);
+    EXPECT_EQ(parser.MatchAll(text).size(), 3000U);
+}
+
+} // namespace Kestrona::ParsersTest

@@ -1,0 +1,189 @@
+#include "configuration/parsers/parser_cases.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+namespace Kestrona::ParsersTest {
+
+using namespace Configuration::Parsers;
+
+namespace {
+
+std::string First(const IClassificationParser& parser, const std::wstring& text) {
+    return Describe(parser.MatchFirst(text));
+}
+
+// Only the values, "none" without a match.
+std::string ValuesOf(const IClassificationParser& parser, const std::wstring& text) {
+    const ClassificationMatch match = parser.MatchFirst(text);
+    std::string values = match.Matched ? "" : "none";
+    for (const auto& [key, value] : match.Values) {
+        values += ToUtf8(key) + "=" + ToUtf8(value) + ";";
+    }
+    return values;
+}
+
+} // namespace
+
+TEST(Parsers, TheValuesOfEachKeyword) {
+    struct Case {
+        const char* name;
+        std::wstring text;
+        std::string values;
+    };
+
+    const std::vector<Case> cases = {
+        {"AUTO LIST", L"AUTO LIST(A(B))", "FIELD=B;TABLE=A;"},
+        {"AUTO LIST", L"AUTO LIST(A)", "none"},
+        {"SOURCE", L"SOURCE(A(B))", "FIELD=B;TABLE=A;"},
+        {"SOURCE", L"LOOKUP SOURCE(A(B))", "none"},
+        {"SOURCE", L"LOOKUP SOURCE(A(B)) | SOURCE(C(D))", "none"},
+        {"SOURCE", L"SOURCE(C(D)) | LOOKUP SOURCE(A(B))", "FIELD=D;TABLE=C;"},
+        {"SOURCE", L"LOOKUP SOURCE() SOURCE(C(D))", "FIELD=D;TABLE=C;"},
+        {"FORMAT", L"FORMAT(MAX)", "FORMAT=.2;MAX=MAX;"},
+        {"FORMAT", L"FORMAT( )", "none"},
+        {"FORMAT", L"FORMAT(MAX .3)", "FORMAT=.3;MAX=MAX;"},
+        {"FORMAT", L"FORMAT( 8.2 )", "FORMAT=8.2;"},
+        {"FORMAT", L"FORMAT(8 2)", "none"},
+        {"TIP DISPLAY", L"TIP DISPLAY", ""},
+        {"TIP DISPLAY", L"TIP DISPLAY(5)", "ORDER=5;"},
+        {"TIP DISPLAY", L"TIP DISPLAY(x)", ""},
+        {"EVALUATE", L"EVALUATE \" \t\"", "none"},
+        {"EVALUATE", L"EVALUATE \"\" | EVALUATE \"1\"", "=1;"}, // nothing between the quotes is no match
+        {"EVALUATE", L"EVALUATE \" \" | EVALUATE \"1\"", "none"},
+        {"EVALUATE", L"EVALUATE\" A + 1 \"", "=A + 1 ;"},
+        {"EVALUATE", L"EVALUATE \"A", "=A;"},
+        {"HIDDEN IF", L"HIDDEN IF \"A\nB\"", "=A\nB;"},
+        {"EXCLUDE", L"EXCLUDE FROM DB | EXCLUDE \"A\"", "=A;"},
+        {"DATABASE[]", L"DATABASE[ABC]", "CLASSIFICATION=ABC;"},
+        {"DATABASE", L"DATABASE[ABC]", "none"},
+        {"DATABASE", L"DATABASE ( Order Lines ( Number ))", "FIELD=Number ;TABLE=Order Lines ;"},
+        {"BUTTON TEXT", L"BUTTON TEXT \"Go\"", "NAME=Go;"},
+        {"BUTTON TEXT", L"BUTTON TEXT (Go)", "NAME=Go;"},
+        {"BUTTON TEXT", L"BUTTON TEXT \"Go (now)\"", "NAME=Go (now);"},
+        {"BUTTON TEXT", L"BUTTON TEXT ()", "none"},
+        {"DIALOG FIELD NAME", L"TIP FIELD NAME \"a\" DIALOG FIELD NAME \"b\"", "NAME=b;"},
+        {"HELPPOPUPID", L"HELPPOPUPID ( -12 )", "ID=-12;"},
+        {"HELPPOPUPID", L"HELPPOPUPID(1.5)", "none"},
+        {"TABLE", L"TABLE( a b )", "NAME=a b;"},
+        {"TABLE", L"TABLE(a\nb)", "none"},
+        {"TABLE", L"TABLE(a\n)", "NAME=a;"},
+        {"FAMILY", L"FAMILY( a )", "COLUMN= a ;"},
+        {"FAMILY", L"FAMILY (a)", "none"},
+        {"ASSOCIATE", L"ASSOCIATE(a:b", "COLUMN=a:b;"},
+        {"ADDITIONAL REFERENCE", L"ADDITIONAL REFERENCE(a:b)", "COLUMN=a;"},
+        {"REMOTE_DEF", L"REMOTE_DEF \"A (B) \"", "COLUMN=B;TABLE=A ;"},
+        {"REMOTE", L"REMOTE(A(B) )", "COLUMN=B;TABLE=A;"},
+        {"REMOTE", L"REMOTE_DEF(A(B))", "none"},
+        {"SUBSTITUTE", L"SUBSTITUTE( -2.5 - > \"\" )", "TEXT=;VALUE=-2.5;"},
+        {"SUBSTITUTE", L"SUBSTITUTE(.5->\"a\")", "none"},
+        {"SUBSTITUTE", L"substitute(1->\"a\")", "none"},
+    };
+    for (const Case& c : cases) {
+        for (const ParserCase& keyword : ParserCases()) {
+            if (std::string(c.name) == keyword.name) {
+                EXPECT_EQ(ValuesOf(*keyword.parser, c.text), c.values) << ToUtf8(c.text);
+            }
+        }
+    }
+}
+
+TEST(Parsers, PlainKeywordsAreFoundInsideLongerWords) {
+    EXPECT_EQ(First(ClassificationParser_SYSTEMDB(), L"a XSYSTEMDBY"), "3+8=11 <SYSTEMDB>");
+    EXPECT_EQ(First(ClassificationParser_AUTO_CALCULATE(), L"AUTO  CALCULATE"), "none");
+    EXPECT_EQ(First(ClassificationParser_EXCLUDE_FROM_DB(), L"EXCLUDE FROM DB"), "0+15=15 <EXCLUDE FROM DB>");
+    EXPECT_EQ(First(ClassificationParser_DATA_LIST(), L"DATA LISTS"), "0+9=9 <DATA LIST>");
+    EXPECT_EQ(First(SimpleClassificationParser(L"a.b"), L"axb a.b"), "4+3=7 <a.b>");
+}
+
+TEST(Parsers, PositionsCountFromTheBeginningOfTheText) {
+    const ClassificationParser_SOURCE source;
+    const std::wstring text = L"\U0001F600 LOOKUP SOURCE(A(B))";
+    EXPECT_EQ(Describe(source.MatchFrom(text, 2)), "none");
+    EXPECT_EQ(Describe(source.MatchFrom(text, 3)), "9+10=19 <SOURCE(A(B> FIELD:<B> TABLE:<A>");
+    EXPECT_EQ(Describe(source.MatchFrom(text, 10)), "none");
+    for (const std::int32_t outside : {-1, 22, 2147483647}) {
+        EXPECT_FALSE(source.MatchFrom(text, outside).Matched) << outside;
+        EXPECT_FALSE(ClassificationParser_SYSTEMDB().MatchFrom(L"SYSTEMDB", outside).Matched) << outside;
+    }
+}
+
+TEST(Parsers, MatchAllWalksThroughTheTextOnce) {
+    const ClassificationParser_SUBSTITUTE parser;
+    const auto matches = parser.MatchAll(L"SUBSTITUTE(1->\"a\")SUBSTITUTE(2->\"b\") x");
+    ASSERT_EQ(matches.size(), 2U);
+    EXPECT_EQ(Describe(matches[0]), "0+18=18 <SUBSTITUTE(1->\"a\")> TEXT:<a> VALUE:<1>");
+    EXPECT_EQ(Describe(matches[1]), "18+18=36 <SUBSTITUTE(2->\"b\")> TEXT:<b> VALUE:<2>");
+    EXPECT_TRUE(parser.MatchAll(L"").empty());
+    // An expression that is blank ends the walk.
+    EXPECT_EQ(ClassificationParser_EVALUATE().MatchAll(L"EVALUATE \"1\" EVALUATE \" \" EVALUATE \"2\"").size(), 1U);
+}
+
+// Finds nothing of no length, everywhere.
+class StandingStill : public IClassificationParser {
+public:
+    ClassificationMatch MatchFrom(const std::wstring& /*text*/, std::int32_t start) const override {
+        ClassificationMatch match;
+        match.Matched = true;
+        match.Start = match.End = start;
+        return match;
+    }
+};
+
+TEST(Parsers, MatchAllEndsWhereAMatchDoesNotLeadOn) {
+    EXPECT_TRUE(StandingStill().MatchAll(L"abc").empty());
+    EXPECT_TRUE(SimpleClassificationParser(L"").MatchAll(L"abc").empty());
+}
+
+TEST(Parsers, CallersKeywordsThatAreBrokenPatternsMatchNothing) {
+    for (const wchar_t* const keyword : {L"(", L"[", L"*", L"(?<", L")"}) {
+        const std::wstring text = std::wstring(keyword) + L" FIELD NAME \"a\" (1->\"b\") \"c\"";
+        EXPECT_FALSE(ClassificationParserBase_FIELD_NAME(keyword).MatchFirst(text).Matched) << ToUtf8(keyword);
+        EXPECT_NO_THROW((void)SubstituteClassificationParserBase(keyword).MatchAll(text));
+        EXPECT_NO_THROW((void)ExpressionClassificationParser(keyword).MatchAll(text));
+    }
+}
+
+TEST(Parsers, ReadWhatTheyBuild) {
+    EXPECT_EQ(ValuesOf(ClassificationParser_DATABASE(), ClassificationParser_DATABASE::BuildClassification(L"T", L"F")),
+              "FIELD=F;TABLE=T;");
+    EXPECT_EQ(ClassificationParser_OVERRIDE::BuildClassification(L"F"), L"OVERRIDE(F)");
+    const ClassificationParser_SUBSTITUTX parser;
+    for (const std::int32_t value : {0, 3, -2147483647 - 1}) {
+        for (const wchar_t* const text : {L"Red", L"", L"100 %s (%)"}) {
+            const std::wstring entry = parser.BuildClassification(value, text);
+            EXPECT_EQ(entry, L"SUBSTITUTX(" + std::to_wstring(value) + L"->\"" + text + L"\")");
+            EXPECT_EQ(ValuesOf(parser, entry),
+                      "TEXT=" + ToUtf8(text) + ";VALUE=" + ToUtf8(std::to_wstring(value)) + ";");
+        }
+    }
+}
+
+TEST(Parsers, KeywordsTellTheirClassAndTheirBareWords) {
+    EXPECT_EQ(ClassificationParser_AUTO_LIST::get_Class(), (Class{1, 1}));
+    EXPECT_EQ(ClassificationParser_FAMILY::get_Class(), (Class{0, 33554432}));
+    EXPECT_EQ(ClassificationParser_ADDITIONAL_REFERENCE::get_Class(), (Class{1, 64}));
+    EXPECT_EQ(ClassificationParser_OVERRIDE::get_Class(), (Class{0, 1048576}));
+    EXPECT_EQ(ClassificationParser_UPDATE_REFERENCE::get_Class(), (Class{1, 8388608}));
+    EXPECT_EQ(ClassificationParser_DATA_LIST().get_Class(), (Class{10, 2097152}));
+    EXPECT_EQ(ClassificationParser_EXCLUDE_FROM_DB().get_Class(), (Class{0, 1073741824}));
+    EXPECT_TRUE(ClassificationParser_UPDATE_REFERENCE::HasKeyword(L"x UPDATE REFERENCE x"));
+    EXPECT_FALSE(ClassificationParser_UPDATE_REFERENCE::HasKeyword(L"ADDITIONAL REFERENCE"));
+    EXPECT_TRUE(ClassificationParser_ADDITIONAL_REFERENCE::HasKeyword(L"ADDITIONAL REFERENCE"));
+}
+
+TEST(Parsers, KeysNameTheValues) {
+    const ClassificationParser_AUTO_LIST list;
+    const ClassificationParser_SUBSTITUTE substitute;
+    const ClassificationParser_FORMAT format;
+    EXPECT_EQ(list.get_TableNameKey() + list.get_FieldNameKey(), L"TABLEFIELD");
+    EXPECT_EQ(substitute.get_FirstKey() + substitute.get_SecondKey(), L"VALUETEXT");
+    EXPECT_EQ(format.get_FirstKey() + format.get_SecondKey(), L"FORMATMAX");
+    EXPECT_EQ(ClassificationParser_TIP_DISPLAY().get_FirstKey(), L"ORDER");
+    EXPECT_EQ(ClassificationParser_TIP_FIELD_NAME().get_FirstKey(), L"NAME");
+    EXPECT_EQ(ClassificationParser_EXCLUDE().get_ExpressionKey(), L"");
+}
+
+} // namespace Kestrona::ParsersTest

@@ -1,0 +1,249 @@
+#include "fixtures/schema.h"
+#include "platform/wide_c_string.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/classification_readers.h>
+#include <kestrona/store.h>
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace Kestrona::ParsersTest {
+
+namespace {
+
+using namespace Data::MemoryResident;
+using Platform::OwnedWide;
+
+class Readers : public testing::Test {
+protected:
+    // A format of one field, named "Column".
+    Readers() { Fixtures::AddFormat(*store, L"Format", {Fixtures::Number(L"Column")}, -1); }
+
+    void Classify(const std::wstring& text) { store->SetDbClassString(0, 0, text); }
+
+    field_info& Info() { return *store->GetFieldInfo(0, 0); }
+
+    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
+};
+
+std::string Text(wchar_t* owned) {
+    const OwnedWide text(owned);
+    return text != nullptr ? ToUtf8(text.get()) : "null";
+}
+
+std::string Pairs(const std::vector<SubstPair>& pairs) {
+    std::string text;
+    for (const SubstPair& pair : pairs) {
+        text += std::to_string(pair.Value).substr(0, 4) + "=" + ToUtf8(pair.Text) + ";";
+    }
+    return text;
+}
+
+constexpr const wchar_t* kColours = L"SUBSTITUTE(1->\"Red\") SUBSTITUTE(2.50->\"Blue\") SUBSTITUTX(3->\"R\") "
+                                    L"SUBSTITUTE(1->\"\")";
+
+} // namespace
+
+TEST(ClassificationReaders, ExpressionsAreNullWithoutKeywordOrContent) {
+    EXPECT_EQ(Text(Parse_EVALUATE(L"x EVALUATE \" 1 + 2 \"")), "1 + 2 ");
+    EXPECT_EQ(Text(Parse_EVALUATE(L"EVALUATE \"  \"")), "null");
+    EXPECT_EQ(Text(Parse_EVALUATE(L"HIDDEN IF \"1\"")), "null");
+    EXPECT_EQ(Text(Parse_EVALUATE(nullptr)), "null");
+    EXPECT_EQ(Text(Parse_HIDDEN_IF(L"HIDDEN IF \"1\"")), "1");
+    EXPECT_EQ(Text(Parse_EXCLUDE(L"EXCLUDE FROM DB EXCLUDE\"1\"")), "1");
+}
+
+TEST(ClassificationReaders, HelpNumbers) {
+    struct Case {
+        const wchar_t* text;
+        bool found;
+        std::int32_t id;
+    };
+
+    for (const Case& c : {Case{L"HELPID(7)", true, 7},
+                          {L"a HELPID ( 7 )", true, 7},
+                          {L"HELPID(-7", true, -7},
+                          {L"HELPID(0x1F)", true, 31},
+                          {L"HELPID()", false, 99},
+                          {L"HELPID", false, 99},
+                          {L"HELPID x HELPID(7)", false, 99},
+                          {L"HELPPOPUPID(7)", false, 99},
+                          {L"HELPID(99999999999)", true, 2147483647},
+                          {nullptr, false, 99}}) {
+        std::int32_t id = 99;
+        EXPECT_EQ(ParseHELPID(c.text, &id), c.found) << ToUtf8(c.text != nullptr ? c.text : L"null");
+        EXPECT_EQ(id, c.id);
+    }
+    std::int32_t id = 99;
+    EXPECT_FALSE(ParseHELPPOPUPID(L"HELPID(7)", &id));
+    EXPECT_FALSE(ParseHELPPOPUPID(nullptr, &id));
+    EXPECT_EQ(id, 99);
+    EXPECT_TRUE(ParseHELPPOPUPID(L"HELPPOPUPID(010) HELPID(7)", &id));
+    EXPECT_EQ(id, 10);
+    EXPECT_TRUE(ParseHELPPOPUPID(L"HELPPOPUPID(-99999999999)", &id));
+    EXPECT_EQ(id, -2147483647 - 1);
+}
+
+TEST(ClassificationReaders, HelpTextsAndScans) {
+    std::wstring out = L"old";
+    EXPECT_FALSE(ParseHELPTEXT(L"HELP TEXT()", &out));
+    EXPECT_FALSE(ParseHELPTEXT(L"HELP FILE(a)", &out));
+    EXPECT_EQ(out, L"old");
+    EXPECT_TRUE(ParseHELPTEXT(L"x HELP TEXT (  What it is, \U0001F600 \"quoted\" ) y", &out));
+    EXPECT_EQ(out, L"What it is, \U0001F600 \"quoted\" ");
+    EXPECT_TRUE(ParseHELPFILE(L"HELP FILE(a.chm", &out));
+    EXPECT_EQ(out, L"a.chm");
+
+    std::wstring a = L"old";
+    std::wstring b = L"old";
+    EXPECT_EQ(Parse2StringParameters(L"RULE ( A ( B", L"RULE ( %[^(] ( %[^)]", &a, &b), 2);
+    EXPECT_EQ(a + L"|" + b, L"A |B");
+    EXPECT_EQ(Parse2StringParameters(L"RULE(A)", L"RULE ( %[^()] ( %[^)]", &a, &b), 1);
+    EXPECT_EQ(a + L"|" + b, L"A|");
+    EXPECT_EQ(Parse1StringParameter(L"RULE(", L"RULE ( %[^)]", &a), -1);
+    EXPECT_EQ(a, L"");
+    EXPECT_EQ(Parse1StringParameter(L"RULE)", L"RULE ( %[^)]", &b), 0);
+}
+
+TEST_F(Readers, SubstitutesOfAFieldNeedTheClass) {
+    Classify(kColours);
+    EXPECT_EQ(Pairs(Parse_SUBSTITUTE(kColours)), "1.00=Red;2.50=Blue;1.00=;");
+    EXPECT_EQ(Pairs(Parse_SUBSTITUTE(*store, 0, 0)), "");
+    EXPECT_EQ(Pairs(Parse_SUBSTITUTX(*store, 0, 0)), "3.00=R;");
+    store->AddDbClass(0, 0, Classes::kSubstitute);
+    EXPECT_EQ(Pairs(Parse_SUBSTITUTE(*store, 0, 0)), "1.00=Red;2.50=Blue;1.00=;");
+    for (const auto& [format, field] : {std::pair{-1, 0}, {0, 1}, {1000, 0}}) {
+        EXPECT_TRUE(Parse_SUBSTITUTE(*store, format, field).empty());
+        EXPECT_TRUE(Parse_SUBSTITUTX(*store, format, field).empty());
+        EXPECT_FALSE(KSDLL_GetNumberFormat(*store, format, field).Specified);
+    }
+}
+
+// The string is changed behind the store's back, to see which answers are kept ones.
+TEST_F(Readers, ParsedValuesAreKeptUntilTheStringIsSet) {
+    store->AddDbClass(0, 0, Classes::kSubstitute);
+    Classify(L"SUBSTITUTE(1->\"a\") SUBSTITUTX(2->\"b\") FORMAT(8.2)");
+    const auto all = [&] {
+        return Pairs(Parse_SUBSTITUTE(*store, 0, 0)) + Pairs(Parse_SUBSTITUTX(*store, 0, 0)) +
+               ToUtf8(KSDLL_GetNumberFormat(*store, 0, 0).Format);
+    };
+    EXPECT_EQ(all(), "1.00=a;2.00=b;8.2");
+    Info().current.classString = L"";
+    EXPECT_EQ(all(), "1.00=a;2.00=b;8.2");
+    Classify(L"SUBSTITUTE(3->\"c\")");
+    EXPECT_EQ(all(), "3.00=c;");
+}
+
+TEST_F(Readers, CachesAreMadeTogetherAndOnlyWhenNeeded) {
+    Info().current.classString = kColours;
+    EXPECT_TRUE(Parse_SUBSTITUTE(*store, 0, 0).empty()); // no class, no cache
+    EXPECT_EQ(Info().substituteCache, nullptr);
+    (void)KSDLL_GetNumberFormat(*store, 0, 0);
+    ASSERT_NE(Info().substituteCache, nullptr);
+    ASSERT_NE(Info().substitutxCache, nullptr);
+    EXPECT_FALSE(Info().substituteCache->HasValue);
+    EXPECT_FALSE(Info().substitutxCache->HasValue);
+}
+
+TEST(ClassificationReaders, SubstituteValuesCompareExactly) {
+    EXPECT_TRUE(ContainsSubstituteValue(2.5, kColours));
+    EXPECT_FALSE(ContainsSubstituteValue(2.5000001, kColours));
+    EXPECT_FALSE(ContainsSubstituteValue(3.0, kColours)); // only a SUBSTITUTX
+}
+
+TEST_F(Readers, CheckForSubstitute) {
+    struct Case {
+        const wchar_t* text;
+        const wchar_t* wanted;
+        std::int32_t result;
+        double value; // 99.0 for untouched
+        const wchar_t* list;
+    };
+
+    store->AddDbClass(0, 0, Classes::kSubstitute);
+    for (const Case& c : {Case{kColours, L"Red", 0, 1.0, L""},
+                          {kColours, L"Blue", 0, 2.5, L"\"Red\", "},
+                          {kColours, L"", 0, 1.0, L"\"Red\", \"Blue\", "},
+                          {kColours, nullptr, 0, 1.0, L"\"Red\", \"Blue\", "},
+                          {kColours, L"R", 0, 3.0, L"\"Red\", \"Blue\", \"\", "},
+                          {kColours, L"red", 2, 3.0, L"\"Red\", \"Blue\", \"\", \"R\", "},
+                          {L"TEXT", L"Red", 1, 99.0, L""}}) {
+        Classify(c.text);
+        double value = 99.0;
+        std::wstring list = L"<";
+        EXPECT_EQ(CheckForSubstitute(c.text, list, c.wanted, &value), c.result);
+        EXPECT_EQ(list, std::wstring(L"<") + c.list);
+        EXPECT_EQ(value, c.value);
+
+        std::wstring of_field;
+        value = 99.0;
+        EXPECT_EQ(CheckForSubstitute(*store, 0, 0, of_field, c.wanted, &value), c.result);
+        EXPECT_EQ(of_field, c.list);
+        EXPECT_EQ(value, c.value);
+
+        wchar_t buffer[64] = L"<";
+        EXPECT_EQ(CheckForSubstitute(c.text, buffer, c.wanted, &value), c.result);
+        EXPECT_EQ(CheckForSubstitute(*store, 0, 0, buffer, c.wanted, &value), c.result);
+        EXPECT_EQ(buffer, std::wstring(L"<") + c.list + c.list);
+        EXPECT_EQ(CheckForSubstitute(*store, 0, 0, nullptr, c.wanted, &value), c.result);
+    }
+}
+
+TEST_F(Readers, CheckForSubstituteOfAFieldWithoutTheClassSeesOnlySubstitutx) {
+    Classify(kColours);
+    std::wstring list;
+    double value = 0.0;
+    EXPECT_EQ(CheckForSubstitute(*store, 0, 0, list, L"Red", &value), 2);
+    EXPECT_EQ(list, L"\"R\", ");
+    EXPECT_EQ(CheckForSubstitute(*store, 7, 7, list, L"Red", &value), 1);
+}
+
+TEST_F(Readers, NumberFormats) {
+    struct Case {
+        const wchar_t* text;
+        bool specified;
+        const wchar_t* format;
+        bool maximum;
+    };
+
+    for (const Case& c : {Case{L"FORMAT(8.2)", true, L"8.2", false},
+                          {L"FORMAT(MAX 0.3)", true, L"0.3", true},
+                          {L"FORMAT(MAX)", true, L".2", true},
+                          {L"FORMAT()", false, L"", false},
+                          {L"REAL", false, L"", false}}) {
+        Classify(c.text);
+        for (const NumberFormat& format : {MatchFormat(c.text), KSDLL_GetNumberFormat(std::wstring(c.text)),
+                                           KSDLL_GetNumberFormat(*store, 0, 0), KSDLL_GetNumberFormat(*store, 0, 0)}) {
+            EXPECT_EQ(format.Specified, c.specified) << ToUtf8(c.text);
+            EXPECT_EQ(format.Format, c.format);
+            EXPECT_EQ(format.Maximum, c.maximum);
+        }
+    }
+}
+
+TEST_F(Readers, NamesFallBackOnTheColumnName) {
+    Classify(L"DIALOG FIELD NAME \"D\" TIP FIELD NAME (T) LIST FIELD NAME \"L\" BUTTON TEXT \"Go\"");
+    EXPECT_EQ(GetDialogFieldName(*store, 0, 0), L"D");
+    EXPECT_EQ(GetDialogFieldName(*store, L"DIALOG FIELD NAME (E)", 0, 0), L"E");
+    EXPECT_EQ(GetDialogFieldName(*store, L"", 0, 0), L"Column");
+    EXPECT_EQ(GetToolTipFieldName(*store, 0, 0), L"T");
+    EXPECT_EQ(GetEditorFieldName(*store, 0, 0), L"Column");
+    EXPECT_EQ(KSDLL_GetFieldName(*store, 0, 0, L"LIST"), L"L");
+    EXPECT_EQ(KSDLL_GetFieldName(*store, 0, 0, L"GRID"), L"Column");
+    EXPECT_EQ(KSDLL_GetFieldName(*store, 0, 0, L"("), L"Column");
+    EXPECT_EQ(KSDLL_GetFieldName(*store, 0, 9, L"LIST"), L"");
+    EXPECT_EQ(ParseClassification_BUTTON_TEXT(*store, 0, 0), L"Go");
+    EXPECT_EQ(ParseClassification_BUTTON_TEXT(*store, 3, 0), L"");
+    EXPECT_EQ(ParseClassification_BUTTON_TEXT(nullptr), L"");
+
+    std::wstring name = L"old";
+    EXPECT_FALSE(ParseFieldName(L"DIALOG FIELD NAME", L"DIALOG", &name));
+    EXPECT_EQ(name, L"old");
+    EXPECT_TRUE(ParseFieldName(L"DIALOG FIELD NAME\"x\"", L"DIALOG", &name));
+    EXPECT_EQ(name, L"x");
+}
+
+} // namespace Kestrona::ParsersTest

@@ -1,0 +1,262 @@
+#include "configuration/relationship_pass.h"
+
+#include "configuration/definition_fixture.h"
+#include "configuration/field_pass.h"
+
+#include <kestrona/process.h>
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace Kestrona::Configuration {
+
+namespace {
+
+using ConfigurationTest::Differences;
+using ConfigurationTest::Matrix;
+using ConfigurationTest::Real;
+using ConfigurationTest::Snapshot;
+using ConfigurationTest::TakeSnapshot;
+using Fixtures::Field;
+
+// Orders(Key, X, List, Plain, Text, ...) with X under test and more fields behind it; Products(Code, Name, Grid, Line).
+class RelationshipPass : public ConfigurationTest::DefinitionFixture {
+protected:
+    void Define(const Field& x, const std::vector<Field>& more = {}) {
+        std::vector<Field> fields = {Fixtures::Number(L"Key"), x, Matrix(L"List", L"AUTO LIST(Products(Code))"),
+                                     Fixtures::Number(L"Plain"), Fixtures::Text(L"Text")};
+        fields.insert(fields.end(), more.begin(), more.end());
+        Add(L"Orders", fields);
+        Add(L"Products", {Real(L"Code", L"", {Classes::kUnique, Classes::kInheritFromParent}), Fixtures::Text(L"Name"),
+                          Matrix(L"Grid", L"AUTO DIMENSION(P,Products(Code),O,Orders(Plain))"),
+                          Real(L"Line", L"DATABASE(Orders(Key))")});
+    }
+
+    // What the pass changes in Orders.
+    std::wstring Relate() {
+        EXPECT_TRUE(RunFieldPass(store_)) << Boxes().c_str();
+        const Snapshot before = TakeSnapshot(store_);
+        succeeded_ = RunRelationshipPass(store_);
+        Snapshot after = TakeSnapshot(store_);
+        std::erase_if(after, [](const auto& item) { return !item.first.starts_with(L"Orders."); });
+        return Differences(before, after);
+    }
+
+    bool succeeded_ = false;
+};
+
+struct Related {
+    Field x;
+    std::vector<Field> more; // fields 5 and up
+    const wchar_t* changes;
+};
+
+void PrintTo(const Related& each, std::ostream* out) {
+    *out << ToUtf8(each.x.classification);
+}
+
+const Related kRelated[] = {
+    {Real(L"X", L""), {}, L""},
+    {Real(L"X", L"LOOKUP SOURCE(Products(Code))"), {}, L""},
+    {Real(L"X", L"SOURCE(Products(Line)) UPDATE REFERENCE(Plain)", {Classes::kUpdateReference}),
+     {},
+     L"Orders.X.tableY=3"},
+    {Real(L"X", L"SOURCE(Products(Name)) UPDATE REFERENCE(Plain)", {Classes::kUpdateReference, Classes::kUnchecked}),
+     {},
+     L"Orders.X.tableY=3"},
+    {Matrix(L"X", L"RELATED LIST(List)"), {}, L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+2:128 Orders.X.tableY=2"},
+    {Matrix(L"X", L"RELATED LIST"), {}, L""},
+    {Matrix(L"X", L"ASSOCIATE(List)"),
+     {},
+     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+1:2 Orders.X.+3:131072 Orders.X.[0]=2 Orders.X.source=0 "
+     L"Orders.X.sourceY=0 Orders.X.table=0 Orders.X.tableY=1"},
+    {Matrix(L"X", L"ASSOCIATE(List)", {Classes::kParallelList}),
+     {},
+     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+3:131072 Orders.X.[0]=2 Orders.X.source=0 Orders.X.sourceY=0 "
+     L"Orders.X.table=0 Orders.X.tableY=1"},
+    {Matrix(L"X", L"ASSOCIATE(List) AUTO DIMENSION(A,Orders(Plain),B,Products(Name))"),
+     {},
+     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+3:131072 Orders.X.[0]=2"},
+    {Matrix(L"X", L"ASSOCIATE(Values)"),
+     {Matrix(L"Values", L"DATA LIST")},
+     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+1:2 Orders.X.+3:131072 Orders.X.[0]=5 Orders.X.source=0 "
+     L"Orders.X.table=0"},
+    {Matrix(L"X", L"AUTO RESTRICT(List)"), {}, L"Orders.X.+2:2097152 Orders.X.[8]=2"},
+    {Real(L"X", L"FAMILY(Plain)"),
+     {},
+     L"Orders.Plain.+0:134217728 Orders.Plain.+4:32768 Orders.Plain.parentSort=0 Orders.X.+0:33554432 "
+     L"Orders.X.table=3"},
+    // The field that chooses the record
+    {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     {Real(L"Product", L"DATABASE(Products(Code))")},
+     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0"},
+    {Matrix(L"X", L"AUTO LIST(Products(Grid))"),
+     {Real(L"Product", L"DATABASE(Products(Code))")},
+     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0"},
+    {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     {Matrix(L"Wide", L"DATABASE(Products(Code))"), Real(L"Loose", L"DATABASE(Products(Name))"),
+      Real(L"Shared", L"DATABASE(Products(Code)) ADDITIONAL REFERENCE(Plain)", {Classes::kAdditionalReference}),
+      Real(L"Other", L"DATABASE(Orders(Key))"), Real(L"Quiet", L"DATABASE(Products(Code))", {Classes::kUnchecked}),
+      Real(L"Product", L"DATABASE(Products(Code))")},
+     L"Orders.Shared.tableY=3 Orders.X.matrixField=2 Orders.X.related=10 Orders.X.source=0"},
+    {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     {Real(L"Quiet", L"DATABASE(Products(Code))", {Classes::kUnchecked})},
+     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0"},
+    {Matrix(L"X", L"DATABASE(Products(Grid)) RELATED FIELD(Plain)"),
+     {Real(L"One", L"DATABASE(Products(Code))"), Real(L"Two", L"DATABASE(Products(Code))")},
+     L"Orders.X.matrixField=2 Orders.X.source=0"},
+    {Matrix(L"X", L"DATABASE(Orders(List))"),
+     {},
+     L"Orders.X.matrixField=2 Orders.X.related=0 Orders.X.source=0 "
+     L"Orders.X.table=1"},
+    {Matrix(L"X", L"DATABASE(Orders(List))"),
+     {Real(L"One", L"DATABASE(Orders(No))", {Classes::kUnchecked}),
+      Real(L"Two", L"DATABASE(Orders(No))", {Classes::kUnchecked}), Real(L"No", L"", {Classes::kUnique})},
+     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0 Orders.X.table=1"},
+    // Fields that lean on another one
+    {Real(L"X", L"ADDITIONAL REFERENCE(Plain)", {Classes::kAdditionalReference}), {}, L"Orders.X.tableY=3"},
+    {Real(L"X", L"ADDITIONAL REFERENCE(Plain)"), {}, L""},
+    {Real(L"X", L"OVERRIDE(Plain)", {Classes::kOverride}), {}, L"Orders.X.tableY=3"},
+    {Real(L"X", L"OVERRIDE", {Classes::kOverride}), {}, L""},
+    {Real(L"X", L"AUTO SPLIT(Plain:2)", {Classes::kAutoSplit}), {}, L"Orders.X.tableY=3"},
+    {Real(L"X", L"AUTO SPLIT(Nothing)"), {}, L""},
+    {Real(L"X", L"", {Classes::kInheritFromParent}), {}, L"Orders.X.parentSort=0"},
+    {{.name = L"X", .type = TypeBit::kReference, .classes = {Classes::kEncrypted, Classes::kFreeFormat}}, {}, L""},
+};
+
+class RelatedKeyword : public RelationshipPass, public testing::WithParamInterface<Related> {};
+
+TEST_P(RelatedKeyword, ChangesExactlyWhatItStandsFor) {
+    Define(GetParam().x, GetParam().more);
+    EXPECT_EQ(Relate(), GetParam().changes);
+    EXPECT_TRUE(succeeded_);
+    EXPECT_EQ(Boxes(), L"");
+}
+
+TEST_P(RelatedKeyword, IsTheSameWhenTheDefinitionIsResolvedAgain) {
+    Define(GetParam().x, GetParam().more);
+    Relate();
+    const Snapshot first = TakeSnapshot(store_);
+    ASSERT_TRUE(RunFieldPass(store_) && RunRelationshipPass(store_)) << Boxes().c_str();
+    EXPECT_EQ(Differences(first, TakeSnapshot(store_)), L"");
+}
+
+INSTANTIATE_TEST_SUITE_P(RelationshipPass, RelatedKeyword, testing::ValuesIn(kRelated));
+
+struct Refused {
+    Field x;
+    std::vector<Field> more;
+    const wchar_t* box;
+};
+
+void PrintTo(const Refused& each, std::ostream* out) {
+    *out << ToUtf8(each.x.classification);
+}
+
+const Refused kRefused[] = {
+    {Real(L"X", L"LOOKUP SOURCE(Products(Line))"),
+     {},
+     L"LOOKUP SOURCE classification in Format 'Orders' Field 'X' references a field that is not UNIQUE"},
+    {Real(L"X", L"LOOKUP SOURCE(Orders(No))"),
+     {Real(L"No", L"", {Classes::kUnique})},
+     L"LOOKUP SOURCE classification in Format 'Orders' Field 'X' references a field that is not INHERIT FROM PARENT"},
+    {Real(L"X", L"DATABASE(Orders(Key)) LOOKUP SOURCE(Products(Code)) LOOKUP UPDATE(Code)"),
+     {},
+     L"LOOKUP UPDATE classification in Format 'Orders' Field 'X' is a DATABASE reference but the referenced field is "
+     L"not a DATABASE reference"},
+    {Real(L"X", L"DATABASE(Orders(Key)) LOOKUP SOURCE(Orders(To)) LOOKUP UPDATE(To)"),
+     {Real(L"To", L"DATABASE(Products(Code))", {Classes::kUnique, Classes::kInheritFromParent})},
+     L"LOOKUP UPDATE classification in Format 'Orders' Field 'X' is a DATABASE reference but the table is different to "
+     L"the table in the referenced field"},
+    {Real(L"X", L"SOURCE(Products(Name))", {Classes::kUpdateReference}),
+     {},
+     L"<21085|Products|Orders><21086|Name><21087|X><21088>"},
+    {Real(L"X", L"SOURCE(Products(Line)) DATABASE(Products(Code))", {Classes::kUpdateReference}),
+     {},
+     L"<21085|Products|Orders><21086|Line><21087|X><21089>"},
+    {Matrix(L"X", L"RELATED LIST(Plain)"), {}, L"<21018><21017|Orders|X>"},
+    {Matrix(L"X", L"RELATED LIST(None)"), {}, L"<21004|RELATED LIST(None)|Orders><21003|None>"},
+    {{.name = L"X", .type = TypeBit::kMatrix | TypeBit::kReal, .classification = L"RELATED LIST(List)"},
+     {},
+     L"<21019><21017|Orders|X>"},
+    {Matrix(L"X", L"ASSOCIATE(Plain)"), {}, L"<21021><21017|Orders|X>"},
+    {Real(L"X", L"ASSOCIATE(List)"), {}, L"<21022><21017|Orders|X>"},
+    {Real(L"X", L"AUTO RESTRICT(List)"), {}, L"<21508><21017|Orders|X>"},
+    {Real(L"X", L"FAMILY(None)"), {}, L"<21004|FAMILY(None)|Orders><21003|None>"},
+    {Matrix(L"X", L"DATABASE(Products(Grid))"), {}, L"<21028|Products><21029|Orders|X>"},
+    {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     {Real(L"One", L"DATABASE(Products(Code))"), Real(L"Two", L"DATABASE(Products(Code))")},
+     L"<21026|Products|Orders|Two><21027|One|X>"},
+    {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     {Real(L"One", L"DATABASE(Products(Code))", {Classes::kUnchecked}),
+      Real(L"Two", L"DATABASE(Products(Code))", {Classes::kUnchecked})},
+     L"<21026|Products|Orders|Two><21027|One|X>"},
+    {Real(L"X", L"ADDITIONAL REFERENCE(X)", {Classes::kAdditionalReference}), {}, L"<21032|Orders><21003|X>"},
+    {Real(L"X", L"ADDITIONAL REFERENCE", {Classes::kAdditionalReference}),
+     {},
+     L"<21004|ADDITIONAL REFERENCE|Orders><21003|>"},
+    {Real(L"X", L"", {Classes::kAdditionalReference}), {}, L"<21033|Orders|X>"},
+    {Real(L"X", L"ADDITIONAL REFERENCE(Z)", {Classes::kAdditionalReference}),
+     {Real(L"Y", L"ADDITIONAL REFERENCE(X)", {Classes::kAdditionalReference}),
+      Real(L"Z", L"ADDITIONAL REFERENCE(Y)", {Classes::kAdditionalReference})},
+     L"<21032|Orders><21003|Z>"},
+    {Real(L"X", L"OVERRIDE(Text)", {Classes::kOverride}), {}, L"<21113|Orders|X>"},
+    {Matrix(L"X", L"OVERRIDE(List)", {Classes::kOverride}), {}, L"<21111|Orders|X>"},
+    {Real(L"X", L"OVERRIDE(Note)", {Classes::kOverride}),
+     {Real(L"Note", L"", {Classes::kFreeFormat})},
+     L"<21112|Orders|X>"},
+    {Real(L"X", L"OVERRIDE(Plain) UPDATE REFERENCE(Plain)", {Classes::kOverride, Classes::kUpdateReference}),
+     {},
+     L"<21114|Orders|X>"},
+    {Real(L"X", L"DATABASE(Products(Code)) UPDATE REFERENCE(X)", {Classes::kUpdateReference}),
+     {},
+     L"<21031|Orders><21003|X>"},
+    {Real(L"X", L"UPDATE REFERENCE(Plain)", {Classes::kUpdateReference}), {}, L"<21096|Orders><21003|X>"},
+    {Real(L"X", L"DATABASE(Products(Code))", {Classes::kUpdateReference}), {}, L"<21038|Orders|X>"},
+    {Real(L"X", L"AUTO SPLIT(X)", {Classes::kAutoSplit}), {}, L"<21035|Orders><21003|X>"},
+    {Real(L"X", L"AUTO SPLIT(Both)", {Classes::kAutoSplit}),
+     {{.name = L"Both", .type = TypeBit::kReal | TypeBit::kInteger}},
+     L"<21036|Orders><21003|X>"},
+    {Real(L"X", L"DATABASE(Products(Code))", {Classes::kFreeFormat}), {}, L"<29012|Orders|X>"},
+    {Real(L"X", L"", {Classes::kEncrypted, Classes::kEvaluate, Classes::kStringStorage}), {}, L"<31100|Orders|X>"},
+    {Real(L"X", L"", {Classes::kEncrypted, Classes::kStringStorage}), {}, L"<31101|Orders|X>"},
+    {Real(L"X", L"", {Classes::kEncrypted}), {}, L"<31102|Orders|X>"},
+};
+
+class RefusedRelation : public RelationshipPass, public testing::WithParamInterface<Refused> {};
+
+TEST_P(RefusedRelation, IsShownWithItsArgumentsAndEndsThePass) {
+    Define(GetParam().x, GetParam().more);
+    Relate();
+    EXPECT_FALSE(succeeded_);
+    EXPECT_EQ(Boxes(), GetParam().box);
+}
+
+INSTANTIATE_TEST_SUITE_P(RelationshipPass, RefusedRelation, testing::ValuesIn(kRefused));
+
+TEST_F(RelationshipPass, RefusesAFamilyInAFormatWithoutKey) {
+    Add(L"Orders", {Real(L"X", L"FAMILY(X)")}, -1);
+    Relate();
+    EXPECT_FALSE(succeeded_);
+    EXPECT_EQ(Boxes(), L"<21024><21023|Orders>");
+}
+
+TEST_F(RelationshipPass, MakesAssociateFieldsReadOnlyInAssociatedTableMode) {
+    Define(Matrix(L"X", L"ASSOCIATE(List)"));
+    KSDLL_SetLongSv(kSvAssociatedTableMode, 2);
+    Relate();
+    EXPECT_TRUE(store_.ClassDefined(0, 1, Classes::kReadOnly));
+}
+
+TEST_F(RelationshipPass, LogsEveryFieldBeforeItsSteps) {
+    Add(L"Orders", {Fixtures::Number(L"Key"), Fixtures::Number(L"A")});
+    Add(L"Products", {Real(L"Code", L"", {Classes::kEncrypted}), Fixtures::Number(L"B")});
+    Relate();
+    EXPECT_EQ(log_->lines, (std::vector<std::wstring>{L"Format 0 Field 0", L"Format 0 Field 1", L"Format 1 Field 0"}));
+}
+
+} // namespace
+
+} // namespace Kestrona::Configuration

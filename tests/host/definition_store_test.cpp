@@ -1,0 +1,331 @@
+#include "definition/words.h"
+#include "fixtures/recording_services.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/definition_load.h>
+#include <kestrona/execution_state.h>
+#include <kestrona/host/console_messages.h>
+#include <kestrona/host/definition.h>
+#include <kestrona/process.h>
+#include <kestrona/store.h>
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+// From the tree into the store and back into text.
+
+namespace Kestrona::Host {
+namespace {
+
+using Data::MemoryResident::CreateMemoryResidentData;
+using Data::MemoryResident::IMemoryResidentData;
+using Data::MemoryResident::MemoryResidentData;
+
+std::optional<std::string> NoFile(const std::string&) {
+    return std::nullopt;
+}
+
+std::string Text(const wchar_t* text) {
+    return text == nullptr ? "null" : "'" + ToUtf8(text) + "'";
+}
+
+// Everything that a definition puts into a store, or resolution makes of it, as text.
+class Snapshot {
+public:
+    explicit Snapshot(IMemoryResidentData& store) : store_(store) {}
+
+    std::string Take() {
+        for (std::int32_t table = 0; table < kMaxStringTables && store_.GetTableName(table) != nullptr; ++table) {
+            TakeTable(table);
+        }
+        wchar_t* from = nullptr;
+        wchar_t* to = nullptr;
+        for (std::int32_t i = 0; store_.GetStringSubstitution(i, &from, &to), from != nullptr; ++i) {
+            out_ << "substitute " << Text(from) << Text(to) << "\n";
+        }
+        for (std::int32_t format = 0; format < store_.GetFormatCount(); ++format) {
+            TakeFormat(format);
+        }
+        return out_.str();
+    }
+
+private:
+    void TakeTable(std::int32_t table) {
+        out_ << "table " << Text(store_.GetTableName(table)) << "\n";
+        for (std::int32_t i = 0; i < store_.GetTableFields(table); ++i) {
+            out_ << "  " << Text(store_.GetTableText(table, i)) << " " << store_.GetTableValue(table, i) << "\n";
+        }
+    }
+
+    void TakeFormat(std::int32_t format) {
+        out_ << "format " << Text(store_.GetDbName(format)) << Text(store_.GetDbDisplayName(format).c_str())
+             << Text(store_.GetDbExtension(format)) << Text(store_.GetDefaultDatasetName(format))
+             << Text(store_.GetAssociatedTable(format)) << store_.IsAssociatedTableEligibleCommonDataset(format) << " "
+             << store_.GetDbMinLength(format) << " " << store_.GetUserMaxRecords(format) << " "
+             << store_.GetDbKey(format) << " children";
+        for (std::int32_t child = 0; child < store_.GetFormatCount(); ++child) {
+            out_ << (store_.IsFormatChildOfParent(format, child) ? " " + std::to_string(child) : "");
+        }
+        out_ << "\n";
+        for (std::int32_t field = 0; field < store_.GetDbFields(format); ++field) {
+            TakeField(format, field);
+        }
+    }
+
+    void TakeField(std::int32_t format, std::int32_t field) {
+        out_ << "  field " << Text(store_.GetColumnName(format, field).c_str()) << std::hexfloat
+             << store_.GetFieldInfo(format, field)->defaultValue << std::defaultfloat << " type "
+             << store_.GetDbType(format, field) << " level " << store_.GetDbDialogLevel(format, field) << " readonly "
+             << static_cast<int>(store_.GetDbReadOnly(format, field)) << " classes";
+        for (std::int32_t word = 0; word < kClassWords; ++word) {
+            out_ << " " << store_.GetDbClass(format, field, word);
+        }
+        out_ << " slots";
+        for (std::int32_t slot = 0; slot < kDataSlots; ++slot) {
+            out_ << " " << store_.GetDbData(format, field, slot);
+        }
+        out_ << " table " << store_.GetDbTable(format, field) << " " << store_.GetDbSource(format, field) << " "
+             << store_.GetDbSourceS(format, field) << " " << store_.GetDbTableY(format, field) << " "
+             << store_.GetDbSourceY(format, field) << " " << store_.GetDbRelated(format, field) << " "
+             << store_.GetDbRelatedY(format, field) << "\n    " << Text(store_.GetDbClassString(format, field)) << "\n";
+    }
+
+    IMemoryResidentData& store_;
+    std::ostringstream out_;
+};
+
+class DefinitionStore : public testing::Test {
+protected:
+    // A load that fails says why and does not end the test.
+    DefinitionStore() {
+        MessageManager::setInstance(new ConsoleMessages("load"));
+        ExecutionState::Instance().set_IsRunningHeadless(true);
+    }
+
+    static Definition ParseGood(const std::string& text) {
+        const ParseResult result = ParseDefinition(text, "main.ksdef", NoFile, {.check_references = false});
+        for (const Diagnostic& diagnostic : result.diagnostics) {
+            EXPECT_NE(diagnostic.severity, Severity::Error) << diagnostic.ToString() << "\n" << text;
+        }
+        return result.definition;
+    }
+
+    static std::unique_ptr<MemoryResidentData> Fill(const Definition& definition) {
+        auto store = CreateMemoryResidentData();
+        EXPECT_TRUE(FillStore(definition, *store));
+        return store;
+    }
+
+    // Prints, reads and fills again, and compares with the store.
+    static void ExpectRoundTrip(IMemoryResidentData& store) {
+        const std::string text = PrintDefinition(store);
+        const auto again = Fill(ParseGood(text));
+        EXPECT_EQ(Snapshot(*again).Take(), Snapshot(store).Take()) << text;
+        EXPECT_EQ(PrintDefinition(*again), text);
+    }
+
+private:
+    Fixtures::FreshProcess process_;
+};
+
+TEST_F(DefinitionStore, FillingSetsWhatTheLoadBuildsOn) {
+    const auto store = Fill(ParseGood("define One = 1 define Two = 2\n"
+                                      "help 9 \"nine\"\n"
+                                      "table T { \"a\" = 1.5 }\n"
+                                      "substitute \"x\" -> \"y\"\n"
+                                      "format Child \"A child\" { associated Root common key K\n"
+                                      "field K = 5 level 2 readonly length 7 : INTEGER | CALL DIALOG(33)\n}\n"
+                                      "format Root { extension ext dataset \"D\" minlength 4 maxrecords 6 key K\n"
+                                      "field J : TEXT\nfield K : INTEGER | UNIQUE\n}\n"
+                                      "format Free { associated \"BY CLASSIFICATION(NOWHERE)\" key K\n"
+                                      "field K : INTEGER\n}\n"));
+    ASSERT_EQ(store->GetFormatCount(), 3);
+    EXPECT_STREQ(store->GetDbName(0), L"Child");
+    EXPECT_EQ(store->GetDbDisplayName(0), L"A child");
+    EXPECT_STREQ(store->GetDbExtension(0), L"ext");
+    EXPECT_EQ(store->GetAssociateTableNumber(0), 1);
+    EXPECT_TRUE(store->IsFormatChildOfParent(1, 0));
+    EXPECT_TRUE(store->IsAssociatedTableEligibleCommonDataset(0));
+    EXPECT_EQ(store->GetDbKey(1), 1);
+    EXPECT_EQ(store->GetDbMinLength(1), 4);
+    EXPECT_EQ(store->GetUserMaxRecords(1), 6);
+    EXPECT_STREQ(store->GetDefaultDatasetName(1), L"D");
+    EXPECT_EQ(store->GetFieldInfo(0, 0)->defaultValue, 5.0);
+    EXPECT_EQ(store->GetDbTable(0, 0), 33);
+    EXPECT_EQ(store->GetDbData(0, 0, DataSlot::kMaxTextLength), 7);
+    EXPECT_EQ(store->GetDbData(0, 0, DataSlot::kSwitchField), -1);
+    EXPECT_EQ(store->GetDbData(0, 0, DataSlot::kLookupFormat), -1);
+    EXPECT_EQ(store->GetDbTable(1, 0), -1);
+    EXPECT_TRUE(store->ClassDefined(1, 0, Classes::kFreeFormat));
+
+    // No parent fits, so the child stands alone and keeps no data.
+    EXPECT_FALSE(store->IsAssociatedTable(2));
+    EXPECT_TRUE(store->ClassDefined(2, 0, Classes::kExcludeFromDb));
+    EXPECT_STREQ(store->GetDbClassString(2, 0), L"INTEGER | EXCLUDE FROM DB");
+    ExpectRoundTrip(*store);
+}
+
+TEST_F(DefinitionStore, FillingAgainReplacesFormatsAndTablesOfTheSameName) {
+    const auto store =
+        Fill(ParseGood("table A { \"a\" = 1 \"b\" = 2 }\ntable B { \"c\" = 3 }\nsubstitute \"a\" -> \"b\"\n"
+                       "format X { extension e key K\nfield K : INTEGER\nfield L : REAL\n}\n"
+                       "format Y { key K\nfield K : INTEGER\n}\n"));
+    ASSERT_TRUE(FillStore(ParseGood("table A { \"z\" = 9 }\nformat Z { key K\nfield K : REAL\n}\n"), *store));
+    EXPECT_EQ(PrintDefinition(*store), "table \"A\" {\n    \"z\" = 9\n}\n\ntable \"B\" {\n    \"c\" = 3\n}\n\n"
+                                       "format Z {\n    key K\n\n    field K : REAL\n}\n");
+    EXPECT_EQ(store->GetDbName(1), nullptr);
+}
+
+// Texts that need care when they are written.
+TEST_F(DefinitionStore, WhatHandsDoNotWriteIsPrintedAllTheSame) {
+    const auto store = Fill(ParseGood("format A { key K\nfield K : INTEGER | UNIQUE\nfield L : TEXT\n}\n"));
+    store->SetDbClassString(0, 0, L"INTEGER|UNIQUE HIDDEN # | (\n\"" + std::wstring(1, wchar_t{0xdc00}));
+    store->SetDbType(0, 0, 0x4c);
+    store->SetDbClass(0, 0, 3, 0x80000001);
+    store->SetDbClass(0, 1, 0, 0);
+    store->SetDbDefaultValue(0, 1, -0.0);
+    store->SetDbDialogLevel(0, 1, kHiddenDialogLevel);
+    store->SetDbReadOnly(0, 1, ReadOnlyType{200});
+    store->SetDbDisplayName(0, L"tab\t quote\" back\\ bell\a \U0001f56f");
+    store->SetDbDefaultValue(0, 0, 1e300);
+    ExpectRoundTrip(*store);
+}
+
+class RandomDefinition {
+public:
+    explicit RandomDefinition(unsigned seed) : random_(seed) {}
+
+    Definition Make() {
+        Definition definition;
+        definition.files.emplace_back("random");
+        for (std::size_t i = Below(4); i > 0; --i) {
+            definition.constants.push_back({Name(i), Number(), {}});
+            definition.help.push_back({static_cast<std::int32_t>(random_()), AnyText(), {}});
+            definition.tables.push_back({Name(i), {{AnyText(), Number()}, {AnyText(), Number()}}, {}});
+            definition.substitutions.push_back({L"x" + AnyText(), AnyText(), {}});
+        }
+        for (std::size_t i = 1 + Below(4); i > 0; --i) {
+            definition.formats.push_back(MakeFormat(i));
+        }
+        return definition;
+    }
+
+private:
+    std::size_t Below(std::size_t bound) { return random_() % bound; }
+
+    bool Sometimes() { return Below(3) == 0; }
+
+    double Number() { return std::ldexp(static_cast<double>(random_()) - 2e9, static_cast<int>(Below(40)) - 30); }
+
+    std::wstring AnyText() {
+        constexpr std::wstring_view kCharacters = L"ab Z09_-.:#{}~=\\|()\"\n\t\u00e9\u65e5\U0001f56f";
+        std::wstring text;
+        for (std::size_t i = Below(8); i > 0; --i) {
+            text += kCharacters[Below(kCharacters.size())];
+        }
+        return text;
+    }
+
+    // Different for different numbers.
+    std::wstring Name(std::size_t number) {
+        constexpr std::wstring_view kCharacters = L"ab Z09_-.#=\\\u00e9\u65e5";
+        std::wstring text(1, Sometimes() ? L'#' : L'N');
+        for (std::size_t i = Below(6); i > 0; --i) {
+            text += kCharacters[Below(kCharacters.size())];
+        }
+        return text + std::to_wstring(number);
+    }
+
+    FieldDefinition MakeField(std::size_t number) {
+        FieldDefinition field;
+        field.name = Name(number);
+        field.default_value = Number();
+        field.dialog_level = static_cast<std::int16_t>(Sometimes() ? random_() : 0);
+        field.read_only = static_cast<ReadOnlyType>(Sometimes() ? Below(256) : 0);
+        field.max_text_length = static_cast<std::int32_t>(Sometimes() ? Below(1000) : 0);
+        field.type = static_cast<std::uint32_t>(Below(256));
+        for (std::size_t i = Below(5); i > 0; --i) {
+            const Language::Word& word = Language::AllWords()[Below(Language::AllWords().size())];
+            field.classification += (field.classification.empty() ? L"" : L" | ") + std::wstring(word.text) +
+                                    std::wstring(Language::ExampleArguments(word.shape));
+        }
+        field.classification += Sometimes() ? AnyText() : std::wstring();
+        for (std::uint32_t i = 0; Sometimes() && i < kClassWords; ++i) {
+            field.classes[i] = static_cast<std::uint32_t>(random_()) &
+                               ~Language::ResolutionBits(static_cast<std::int32_t>(i)) & ~kBoundBits[i];
+        }
+        return field;
+    }
+
+    FormatDefinition MakeFormat(std::size_t number) {
+        FormatDefinition format;
+        format.name = Name(number);
+        format.display_name = Sometimes() ? AnyText() : format.name;
+        if (Sometimes()) {
+            format.extension = Name(0);
+        }
+        format.dataset = Sometimes() ? std::optional(AnyText()) : std::nullopt;
+        format.minimum_length = static_cast<std::int32_t>(Sometimes() ? Below(100) : 0);
+        format.maximum_records = static_cast<std::int32_t>(Sometimes() ? 1 + Below(100) : 0);
+        for (std::size_t i = 1 + Below(5); i > 0; --i) {
+            format.fields.push_back(MakeField(i));
+        }
+        format.key = static_cast<std::int32_t>(Below(format.fields.size()));
+        return format;
+    }
+
+    // Bits that come with a number, or that resolution sets as well: those of words that need no keyword beside them.
+    static constexpr std::uint32_t kBoundBits[kClassWords] = {Classes::kHidden.mask | Classes::kReadOnly.mask |
+                                                                  Classes::kInheritFromParent.mask,
+                                                              Classes::kUpdateReference.mask,
+                                                              0,
+                                                              0,
+                                                              Classes::kSubstitute.mask | Classes::kSubstitutx.mask,
+                                                              0,
+                                                              Classes::kStorageMark.mask,
+                                                              0,
+                                                              0,
+                                                              Classes::kCallDialog.mask,
+                                                              0,
+                                                              0};
+
+    std::mt19937 random_;
+};
+
+TEST_F(DefinitionStore, AnyDefinitionPrintsToATextThatFillsAlike) {
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const auto store = Fill(RandomDefinition(seed).Make());
+        ExpectRoundTrip(*store);
+        if (HasFailure()) {
+            FAIL() << "seed " << seed;
+        }
+    }
+}
+
+class DefinitionSamples : public DefinitionStore, public testing::WithParamInterface<const char*> {};
+
+// Resolves in place. What resolution adds must not be printed, or the next load would add it twice.
+TEST_P(DefinitionSamples, PrintToTextThatLoadsToTheSameStore) {
+    const ParseResult parsed = ParseDefinitionFile(std::string(KESTRONA_SOURCE_DIR "/examples/") + GetParam());
+    const auto store = Fill(parsed.definition);
+    ExpectRoundTrip(*store);
+    ASSERT_EQ(check_database_access(*store, true, nullptr), 0);
+
+    const std::string text = PrintDefinition(*store);
+    const auto again = Fill(ParseGood(text));
+    ASSERT_EQ(check_database_access(*again, true, nullptr), 0);
+    EXPECT_EQ(Snapshot(*again).Take(), Snapshot(*store).Take());
+    EXPECT_EQ(PrintDefinition(*again), text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, DefinitionSamples,
+                         testing::Values("plant/plant.ksdef", "adventureworks/adventureworks.ksdef"));
+
+} // namespace
+} // namespace Kestrona::Host

@@ -1,0 +1,240 @@
+#include "platform/format_text.h"
+
+#include <kestrona/host/message_catalogue.h>
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <initializer_list>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Kestrona::Host {
+namespace {
+
+// One way in which the data module uses numbered texts: joined to one format string and filled with so many arguments.
+struct Use {
+    std::vector<std::int32_t> numbers;
+    std::size_t arguments = 0;
+    std::wstring joint{}; // between the texts
+};
+
+void AddSingles(std::vector<Use>& uses, std::size_t arguments, std::initializer_list<std::int32_t> numbers) {
+    for (const std::int32_t number : numbers) {
+        uses.push_back({{number}, arguments, L""});
+    }
+}
+
+// Every text that stands alone, by the number of its arguments.
+std::vector<Use> Singles() {
+    std::vector<Use> uses;
+    // Stages, title, dialog levels, the user; then the words of values
+    AddSingles(uses, 0, {17135, 17136, 17138, 17147, 18500, 18501, 18503, 19047, 21001, 21103});
+    AddSingles(uses, 0, {0x697d, 0x697e, 0x698a, 0x69a0, 0x69a1, 0x69a2, 0x69a3, 0x69a6, 0x6a03});
+    for (const std::int32_t sunday : {0x698b, 0x6992, 0x6999}) {
+        for (std::int32_t day = 0; day < 7; ++day) {
+            AddSingles(uses, 0, {sunday + day});
+        }
+    }
+    AddSingles(uses, 1, {19062, 21039, 21069});
+    AddSingles(uses, 2, {19063, 21108, 21109});
+    AddSingles(uses, 3, {19054, 19076, 21007});
+
+    // Contexts and refusals with format and field
+    AddSingles(uses, 2, {21006, 21008, 21010, 21011, 21012, 21082, 21090, 21093, 21094, 21095, 21097, 21100, 21104});
+    AddSingles(uses, 2, {21504, 21505, 21016, 21020, 21025, 21030, 21034, 21037, 21506});
+    AddSingles(uses, 2, {21033, 21038, 21102, 21110, 21111, 21112, 21113, 21114, 29012, 31100, 31101, 31102});
+    return uses;
+}
+
+const std::vector<Use>& Uses() {
+    static const std::vector<Use> uses = [] {
+        std::vector<Use> all{
+            {{0x6a23, 0x6a24}, 3},
+            {{21004, 21003}, 4},
+            {{21005, 21003}, 3, L"\n%s\n"},
+            {{21009, 21084}, 2, L" "},
+            {{21102, 21103}, 2, L" "},
+            {{21058, 21059, 21060, 21061, 21062}, 2},
+            {{21085, 21086, 21087, 21088}, 4},
+            {{21085, 21086, 21087, 21089}, 4},
+            {{21024, 21023}, 2},
+            {{21026, 21027}, 5},
+            {{21028, 21029}, 3},
+        };
+        for (const std::int32_t number : {21018, 21019, 21021, 21022, 21508}) {
+            all.push_back({{number, 21017}, 3});
+        }
+        for (const std::int32_t number : {21031, 21032, 21035, 21036, 21096}) {
+            all.push_back({{number, 21003}, 3});
+        }
+        const std::vector<Use> singles = Singles();
+        all.insert(all.end(), singles.begin(), singles.end());
+        return all;
+    }();
+    return uses;
+}
+
+std::wstring Joined(const Use& use) {
+    std::wstring text;
+    for (std::size_t i = 0; i < use.numbers.size(); ++i) {
+        text += (i == 0 ? L"" : use.joint) + MessageText(use.numbers[i]);
+    }
+    return text;
+}
+
+std::wstring Fill(const std::wstring& text, const std::vector<std::wstring>& arguments) {
+    std::vector<Platform::FormatArgument> list(arguments.begin(), arguments.end());
+    return Platform::FormatTextWith(text, list);
+}
+
+// The placeholders of a text: "%s" or "%1%", as they stand. Anything else behind a '%' makes it "bad".
+struct Placeholders {
+    std::size_t plain = 0;
+    std::set<std::size_t> numbered;
+    bool bad = false;
+};
+
+Placeholders Find(const std::wstring& text) {
+    Placeholders found;
+    for (std::size_t at = text.find(L'%'); at != std::wstring::npos; at = text.find(L'%', at)) {
+        if (text.compare(at, 2, L"%s") == 0) {
+            ++found.plain;
+            at += 2;
+        } else if (at + 2 < text.size() && text[at + 1] >= L'1' && text[at + 1] <= L'9' && text[at + 2] == L'%') {
+            found.numbered.insert(static_cast<std::size_t>(text[at + 1] - L'0'));
+            at += 3;
+        } else {
+            found.bad = true;
+            ++at;
+        }
+    }
+    return found;
+}
+
+TEST(MessageCatalogue, EveryUseHasExactlyThePlaceholdersOfItsArguments) {
+    for (const Use& use : Uses()) {
+        const std::wstring text = Joined(use);
+        SCOPED_TRACE(ToUtf8(text));
+        const Placeholders found = Find(text);
+        EXPECT_FALSE(found.bad);
+        EXPECT_TRUE(found.plain == 0 || found.numbered.empty()) << "mixed kinds";
+        EXPECT_EQ(found.plain + found.numbered.size(), use.arguments);
+        EXPECT_TRUE(found.numbered.empty() || *found.numbered.rbegin() == use.arguments);
+    }
+}
+
+TEST(MessageCatalogue, EveryUseShowsEachOfItsArguments) {
+    const std::vector<std::wstring> names{L"Orders", L"Colour", L"Plant", L"Due date", L"Spare"};
+    for (const Use& use : Uses()) {
+        const std::vector<std::wstring> arguments(names.begin(),
+                                                  names.begin() + static_cast<std::ptrdiff_t>(use.arguments));
+        const std::wstring text = Fill(Joined(use), arguments);
+        SCOPED_TRACE(ToUtf8(text));
+        EXPECT_FALSE(text.empty());
+        EXPECT_EQ(text.find(L'%'), std::wstring::npos);
+        EXPECT_EQ(text.find(L"  "), std::wstring::npos);
+        for (const std::wstring& argument : arguments) {
+            EXPECT_NE(text.find(argument), std::wstring::npos) << ToUtf8(argument);
+        }
+    }
+}
+
+TEST(MessageCatalogue, HoldsEachNumberInUseOnceAndNoOther) {
+    std::set<std::int32_t> used;
+    for (const Use& use : Uses()) {
+        used.insert(use.numbers.begin(), use.numbers.end());
+    }
+    const std::vector<std::int32_t> held = MessageNumbers();
+    EXPECT_EQ(std::set<std::int32_t>(held.begin(), held.end()), used);
+    EXPECT_EQ(held.size(), used.size());
+    for (const std::int32_t number : {0, -1, 17137, 99999, 0x69a4}) {
+        EXPECT_EQ(MessageText(number), L"");
+    }
+}
+
+TEST(MessageCatalogue, JoinedTextsAreSentences) {
+    struct Case {
+        Use use;
+        std::vector<std::wstring> arguments;
+        const wchar_t* expected;
+    };
+
+    const std::wstring context = L"DATABASE of format 'Order', field 'Product'";
+    const Case cases[] = {
+        {{{21004, 21003}},
+         {L"DATABASE(Product(Nmae))", L"Product", L"Nmae", context},
+         L"DATABASE(Product(Nmae))\nleads to format 'Product', which has no field 'Nmae'.\n"
+         L"Check: DATABASE of format 'Order', field 'Product'"},
+        {{{21005, 21003}, 0, L"\n%s\n"},
+         {L"DATABASE(Prodct(Name))", context, L"Prodct"},
+         L"DATABASE(Prodct(Name))\nleads to a format that does not exist or cannot be reached from there:\n"
+         L"DATABASE of format 'Order', field 'Product'\nCheck: Prodct"},
+        {{{21085, 21086, 21087, 21088}},
+         {L"Product", L"Order", L"Colour", L"Paint"},
+         L"SOURCE of format 'Order', field 'Paint' leads to format 'Product', field 'Colour', which has no DATABASE "
+         L"reference."},
+        {{{21026, 21027}},
+         {L"Product", L"Order", L"Spare", L"Part", L"Stock"},
+         L"Format 'Order', field 'Stock' refers to a list or matrix of format 'Product', and more than one field of "
+         L"'Order' chooses the record there: 'Part' and 'Spare'. Name the right one with RELATED FIELD."},
+        {{{21036, 21003}},
+         {L"Order", L"Split", L"Start"},
+         L"AUTO SPLIT of format 'Order', field 'Split' must name a field of the type INTEGER or REAL.\nCheck: Start"},
+        {{{21018, 21017}},
+         {L"Order", L"Steps", L"Due"},
+         L"RELATED LIST of format 'Order', field 'Steps' must name a field with AUTO LIST or DATA LIST. It names "
+         L"'Due'."},
+        {{{21058, 21059, 21060, 21061, 21062}},
+         {L"Order", L"Changeover"},
+         L"AUTO DIMENSION of format 'Order', field 'Changeover' has this format as its second axis, and another one as "
+         L"its first. Exchange the two axes."},
+        {{{21024, 21023}},
+         {L"Order", L"Group"},
+         L"FAMILY in format 'Order' needs a primary key, which the format does not have. Check field 'Group'."},
+        {{{0x6a23, 0x6a24}},
+         {L"Import", L"Order", L"Dute"},
+         L"Import\nleads to format 'Order', which has no field 'Dute'."},
+        {{{19063}},
+         {L"Other", L"x.cnf"},
+         L"The configuration file x.cnf is made for another program: its identity is 'Other'."},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(ToUtf8(Fill(Joined(c.use), c.arguments)), ToUtf8(c.expected));
+    }
+}
+
+TEST(MessageCatalogue, WordsCanBeToldApartWhenTheyAreReadBack) {
+    const auto upper = [](std::int32_t number) {
+        return UpperCase(MessageText(number));
+    };
+    for (std::int32_t day = 0; day < 7; ++day) {
+        for (std::int32_t other = 0; other < 7; ++other) {
+            const bool is_inside = upper(0x6999 + day).find(upper(0x6999 + other)) != std::wstring::npos;
+            EXPECT_EQ(is_inside, day == other) << day << " " << other;
+        }
+    }
+    for (const std::int32_t word : {0x69a0, 0x69a2, 0x69a3}) {
+        EXPECT_EQ(upper(word).find(upper(0x69a1)), std::wstring::npos);
+    }
+    EXPECT_NE(upper(0x697d), upper(0x697e));
+    EXPECT_NE(upper(0x698a), upper(0x69a6));
+    EXPECT_LE(MessageText(17147).size(), 11U) << "the title is cut";
+}
+
+TEST(MessageCatalogue, UserNameIsThatOfTheSystem) {
+    std::FILE* pipe = popen("id -un 2>&- || id -u", "r");
+    ASSERT_NE(pipe, nullptr);
+    std::array<char, 256> line{};
+    const bool has_line = std::fgets(line.data(), static_cast<int>(line.size()), pipe) != nullptr;
+    pclose(pipe);
+    ASSERT_TRUE(has_line);
+    EXPECT_EQ(ToUtf8(MessageText(kUserNameMessage)) + "\n", line.data());
+}
+
+} // namespace
+} // namespace Kestrona::Host

@@ -1,0 +1,86 @@
+#include "data/cell_text.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ctime>
+#include <string>
+
+namespace Kestrona::Tool {
+namespace {
+
+/// Days from 30 December 1899 to 1 January 1970.
+constexpr double kUnixEpoch = 25569.0;
+
+TEST(CellText, DatesAgreeWithTheCLibrary) {
+    for (std::time_t second = -2208000000; second < 4102000000; second += 100003) {
+        std::tm parts{};
+        gmtime_r(&second, &parts);
+        char text[32];
+        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts);
+        const std::optional<double> days = ParseIsoDate(text);
+        ASSERT_TRUE(days) << text;
+        const double expected = kUnixEpoch + static_cast<double>(second) / 86400.0;
+        if (expected >= 0.0) {
+            ASSERT_NEAR(*days, expected, 1e-9) << text;
+        }
+        std::string shown = text;
+        if (shown.ends_with(" 00:00:00")) {
+            shown.resize(10);
+        }
+        ASSERT_EQ(IsoDate(*days), shown);
+    }
+}
+
+TEST(CellText, EveryDayOfTheCalendarComesBack) {
+    for (double day = -693592.0; day < 2958465.0; day += 13.0) {
+        const std::optional<double> read = ParseIsoDate(IsoDate(day));
+        ASSERT_TRUE(read) << day;
+        ASSERT_EQ(*read, day);
+    }
+}
+
+TEST(CellText, TakesOnlyWhatFitsTheForm) {
+    struct Case {
+        std::string_view text;
+        ValueForm form;
+        std::optional<double> expected;
+    };
+
+    const Case cases[] = {
+        {"12.5", ValueForm::Number, 12.5},
+        {" +7 ", ValueForm::Number, 7.0},
+        {"1,5", ValueForm::Number, std::nullopt},
+        {"", ValueForm::Number, std::nullopt},
+        {"nan", ValueForm::Number, std::nullopt},
+        {"1e400", ValueForm::Number, std::nullopt},
+        {"12", ValueForm::Integer, 12.0},
+        {"-2147483648", ValueForm::Integer, -2147483648.0},
+        {"2147483648", ValueForm::Integer, std::nullopt},
+        {"1.5", ValueForm::Integer, std::nullopt},
+        {"yes", ValueForm::Toggle, 1.0},
+        {"0", ValueForm::Toggle, 0.0},
+        {"2", ValueForm::Toggle, std::nullopt},
+        {"", ValueForm::Date, -1.0},
+        {"2026-02-29", ValueForm::Date, std::nullopt},
+        {"2024-02-29", ValueForm::Date, 45351.0},
+        {"1899-12-30", ValueForm::Date, 0.0},
+        {"1899-12-29T12:00", ValueForm::Date, -1.5},
+        {"2026-01-01 24:00", ValueForm::Date, std::nullopt},
+        {"2026-01-01 10:0", ValueForm::Date, std::nullopt},
+        {"2026-1-1", ValueForm::Date, std::nullopt},
+        {"46023.25", ValueForm::Date, 46023.25},
+        {"", ValueForm::Reference, -1.0},
+        {"17", ValueForm::Reference, 17.0},
+        {"0.5", ValueForm::Duration, 0.5},
+    };
+    for (const Case& c : cases) {
+        std::string problem;
+        const std::optional<double> value = ParseCell(c.text, c.form, problem);
+        EXPECT_EQ(value, c.expected) << c.text;
+        EXPECT_EQ(problem.empty(), c.expected.has_value()) << c.text << ": " << problem;
+    }
+}
+
+} // namespace
+} // namespace Kestrona::Tool

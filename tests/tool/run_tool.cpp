@@ -1,0 +1,60 @@
+#include "tool/run_tool.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace Kestrona::Tool {
+namespace {
+
+std::string Quoted(const std::string& argument) {
+    std::string text = "'";
+    for (const char c : argument) {
+        text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return text + '\'';
+}
+
+std::string Content(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+} // namespace
+
+ToolRun RunTool(const std::vector<std::string>& arguments) {
+    const std::string folder = FreshFolder("run");
+    std::string command = Quoted(KESTRONA_TOOL);
+    for (const std::string& argument : arguments) {
+        command += ' ' + Quoted(argument);
+    }
+    command += " >" + Quoted(folder + "/out") + " 2>" + Quoted(folder + "/err") + " </dev/null";
+    const int status = std::system(command.c_str());
+    ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(folder + "/out"), Content(folder + "/err")};
+    std::filesystem::remove_all(folder);
+    return run;
+}
+
+std::string FreshFolder(const std::string& name) {
+    static int number = 0;
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string path = testing::TempDir() + "kestrona_tool_" + test->name() + "_" + name + std::to_string(++number);
+    std::filesystem::remove_all(path);
+    std::filesystem::create_directories(path);
+    return path;
+}
+
+void WriteFile(const std::string& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::string SourcePath(const std::string& relative) {
+    return std::string(KESTRONA_SOURCE_DIR) + "/" + relative;
+}
+
+} // namespace Kestrona::Tool

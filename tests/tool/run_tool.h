@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Kestrona::Tool {
+
+/// What one run of the tool gave.
+struct ToolRun {
+    int exit_code = -1;
+    std::string out;
+    std::string err;
+};
+
+/// Runs the built tool and waits for it.
+ToolRun RunTool(const std::vector<std::string>& arguments);
+
+/// Makes a fresh folder below the tests' scratch folder.
+std::string FreshFolder(const std::string& name);
+
+void WriteFile(const std::string& path, const std::string& content);
+
+/// A path below the project's root.
+std::string SourcePath(const std::string& relative);
+
+} // namespace Kestrona::Tool
