@@ -13,10 +13,13 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <latch>
 #include <map>
 #include <memory>
 #include <numeric>
 #include <random>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -387,13 +390,26 @@ BENCHMARK(BuildFirstIndex)->Apply(DistinctCounts);
 BENCHMARK(BuildMapOfVectors)->Apply(DistinctCounts);
 
 // Argument: rows, all with different keys.
+std::vector<double> AllKeys(const benchmark::State& state) {
+    const auto rows = static_cast<std::int32_t>(state.range(0));
+    return Keys(rows, rows);
+}
+
+std::vector<double> Probes(const std::vector<double>& keys) {
+    std::vector<double> probes(kProbes);
+    std::mt19937 random(4);
+    std::generate(probes.begin(), probes.end(), [&] { return keys[random() % keys.size()]; });
+    return probes;
+}
+
 void LookUpInIndex(benchmark::State& state) {
-    const auto keys = Keys(static_cast<std::int32_t>(state.range(0)), static_cast<std::int32_t>(state.range(0)));
+    const auto keys = AllKeys(state);
+    const auto probes = Probes(keys);
     const auto column = IndexedKeys(keys);
     std::int64_t sum = column->Find(keys.front());
     for (auto _ : state) {
-        for (std::size_t i = 0; i < kProbes; ++i) {
-            sum += column->Find(static_cast<double>(i * 7919 % keys.size()));
+        for (const double probe : probes) {
+            sum += column->Find(probe);
         }
     }
     benchmark::DoNotOptimize(sum);
@@ -401,15 +417,16 @@ void LookUpInIndex(benchmark::State& state) {
 }
 
 void LookUpInFlatMap(benchmark::State& state) {
-    const auto keys = Keys(static_cast<std::int32_t>(state.range(0)), static_cast<std::int32_t>(state.range(0)));
+    const auto keys = AllKeys(state);
+    const auto probes = Probes(keys);
     boost::unordered_flat_map<double, std::int32_t> map;
     for (std::size_t i = 0; i < keys.size(); ++i) {
         map.emplace(keys[i], static_cast<std::int32_t>(i));
     }
     std::int64_t sum = 0;
     for (auto _ : state) {
-        for (std::size_t i = 0; i < kProbes; ++i) {
-            sum += map.find(static_cast<double>(i * 7919 % keys.size()))->second;
+        for (const double probe : probes) {
+            sum += map.find(probe)->second;
         }
     }
     benchmark::DoNotOptimize(sum);
@@ -477,5 +494,17 @@ void MoveRows(benchmark::State& state) {
 
 BENCHMARK(MoveRows<TwoIndexedValues>)->Arg(1)->Arg(10)->Arg(1000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 BENCHMARK(MoveRows<TwoSortedArrays>)->Arg(1)->Arg(10)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+// The same lookups where the index must take its lock. Last of all: a process that has had a second thread may count as
+// one with threads from then on.
+void LookUpInLockedIndex(benchmark::State& state) {
+    std::latch done(1);
+    std::thread other([&done] { done.wait(); });
+    LookUpInIndex(state);
+    done.count_down();
+    other.join();
+}
+
+BENCHMARK(LookUpInLockedIndex)->Arg(10000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 
 } // namespace

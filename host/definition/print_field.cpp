@@ -10,6 +10,7 @@
 #include <kestrona/unicode.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -35,7 +36,8 @@ public:
           format_(format),
           field_(field),
           text_(UnresolvedClassification(store, format, field)),
-          known_(UnderstandClassification(text_)) {}
+          known_(UnderstandClassification(text_)),
+          resolved_(BitsFromResolution(store, format, field, known_.classification.words)) {}
 
     std::string Print() {
         printed_ = std::string(kIndent) + "field " + PrintName(store_.GetColumnName(format_, field_));
@@ -100,7 +102,7 @@ private:
     void PrintBitsOfClass(std::int32_t word) {
         const std::uint32_t implied = known_.classification.classes[static_cast<std::size_t>(word)];
         const std::uint32_t held = store_.GetDbClass(format_, field_, word);
-        const std::uint32_t added = held & ~implied & ~BitsFromResolution(store_, format_, field_, text_, word);
+        const std::uint32_t added = held & ~implied & ~resolved_[static_cast<std::size_t>(word)];
         PrintChange(" set ", word, added);
         PrintChange(" clear ", word, implied & ~held);
     }
@@ -140,6 +142,7 @@ private:
     std::int32_t field_;
     std::wstring text_;
     KnownClassification known_;
+    std::array<std::uint32_t, kClassWords> resolved_;
     std::string printed_;
 };
 

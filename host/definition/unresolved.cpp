@@ -1,6 +1,5 @@
 #include "definition/unresolved.h"
 
-#include "definition/arguments.h"
 #include "definition/classification.h"
 #include "definition/values.h"
 #include "definition/word_splitter.h"
@@ -21,10 +20,9 @@ using Data::MemoryResident::IMemoryResidentData;
 
 constexpr std::wstring_view kTwoFormatsMark = L"3DMATRIX";
 
-bool HasWord(std::wstring_view classification, std::wstring_view keyword) {
-    const SplitLine split = SplitWords(classification);
-    return std::any_of(split.words.begin(), split.words.end(),
-                       [&](const RawWord& word) { return KeywordOf(word.text) == keyword; });
+bool HasWord(std::span<const ClassificationWord> words, std::wstring_view keyword) {
+    return std::any_of(words.begin(), words.end(),
+                       [&](const ClassificationWord& word) { return KeywordOf(word.text) == keyword; });
 }
 
 std::size_t CountWords(const std::vector<RawWord>& words, std::wstring_view keyword) {
@@ -70,10 +68,6 @@ std::wstring_view WithoutRemotePairs(std::wstring_view text) {
     return text.substr(0, last.offset + last.text.size());
 }
 
-bool IsFamilyTarget(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return store.ClassDefined(format, field, Classes::kFamilyTarget);
-}
-
 } // namespace
 
 std::wstring UnresolvedClassification(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
@@ -84,19 +78,30 @@ std::wstring UnresolvedClassification(IMemoryResidentData& store, std::int32_t f
     return std::wstring(WithoutRemotePairs(text));
 }
 
-std::uint32_t BitsFromResolution(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
-                                 std::wstring_view classification, std::int32_t word) {
-    std::uint32_t bits = ResolutionBits(word);
-    const auto add_if = [&](bool condition, const Class& c) {
-        bits |= condition && c.word == word ? c.mask : 0;
+std::array<std::uint32_t, kClassWords> BitsFromResolution(IMemoryResidentData& store, std::int32_t format,
+                                                          std::int32_t field,
+                                                          std::span<const ClassificationWord> words) {
+    std::array<std::uint32_t, kClassWords> bits{};
+    for (std::int32_t word = 0; word < kClassWords; ++word) {
+        bits[static_cast<std::size_t>(word)] = ResolutionBits(word);
+    }
+    const auto add = [&](const Class& c) {
+        bits[static_cast<std::size_t>(c.word)] |= c.mask;
     };
-    const bool is_beside_list = HasWord(classification, L"RELATED LIST") || HasWord(classification, L"ASSOCIATE");
-    add_if(is_beside_list, Classes::kHidden);
-    add_if(is_beside_list, Classes::kReadOnly);
-    add_if(IsFamilyTarget(store, format, field), Classes::kInheritFromParent);
-    add_if(HasWord(classification, L"REMOTE"), Classes::kSubstitute);
-    add_if(HasWord(classification, L"REMOTE"), Classes::kSubstitutx);
-    add_if(HasWord(classification, L"STRING STORAGE"), Classes::kStorageMark);
+    if (HasWord(words, L"RELATED LIST") || HasWord(words, L"ASSOCIATE")) {
+        add(Classes::kHidden);
+        add(Classes::kReadOnly);
+    }
+    if (HasWord(words, L"REMOTE")) {
+        add(Classes::kSubstitute);
+        add(Classes::kSubstitutx);
+    }
+    if (HasWord(words, L"STRING STORAGE")) {
+        add(Classes::kStorageMark);
+    }
+    if (store.ClassDefined(format, field, Classes::kFamilyTarget)) {
+        add(Classes::kInheritFromParent);
+    }
     return bits;
 }
 

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <kestrona/host/definition.h>
 #include <kestrona/memory_resident_data.h>
+#include <kestrona/types.h>
 
+#include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 
 // Takes what the resolution of a definition added to a field off again.
@@ -14,8 +18,9 @@ namespace Kestrona::Host::Language {
 [[nodiscard]] std::wstring UnresolvedClassification(Data::MemoryResident::IMemoryResidentData& store,
                                                     std::int32_t format, std::int32_t field);
 
-// The bits of a class word that resolution may have given this field, whose classification is `classification`.
-[[nodiscard]] std::uint32_t BitsFromResolution(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
-                                               std::int32_t field, std::wstring_view classification, std::int32_t word);
+// The bits of the class words that resolution may have given this field, `words` being its classification.
+[[nodiscard]] std::array<std::uint32_t, kClassWords>
+BitsFromResolution(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field,
+                   std::span<const ClassificationWord> words);
 
 } // namespace Kestrona::Host::Language

@@ -89,10 +89,7 @@ public:
 
     /// Removes many records in one pass and reports key values that `keys` gives, which may be this column itself.
     /// Requires: `keys` not null, `records` in descending order.
-    virtual void GroupErase(IColumn<double>* keys, std::vector<std::int32_t> records) {
-        static_cast<void>(keys);
-        static_cast<void>(records);
-    }
+    virtual void GroupErase(IColumn<double>* /*keys*/, std::vector<std::int32_t> /*records*/) {}
 
     /// Puts an index in front of the column. The result takes the column's place and owns it.
     virtual IColumn<T>* CreateIndexedColumn() = 0;

@@ -45,7 +45,7 @@ public:
     void StartTransaction(std::string id) override;
     void EndTransaction(std::string id) override;
     void RevertTransaction(std::string id) override;
-    /// A position past the physical end is first filled up with defaults; a negative one is dropped.
+    /// Up to a position past the physical end, defaults fill in. A position that no record can have is dropped.
     void Insert(std::int32_t record, const T& value) override;
     void Erase(std::int32_t record, double key) override;
     T operator[](std::int32_t record) const override;

@@ -74,6 +74,8 @@ private:
     class Index;
 
     void EnsureIndex() const;
+    void BuildIndex() const;
+    [[nodiscard]] std::int32_t IfStillThere(std::int32_t record) const;
     template <typename Write, typename Follow>
     void WriteThrough(Write write, Follow follow);
     template <typename Change>

@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// Everything that a user of the library sees.
+/// Everything that a user of the library may name.
 
 #include <kestrona/built_in_tables.h>
 #include <kestrona/caches.h>

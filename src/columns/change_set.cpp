@@ -56,13 +56,12 @@ struct ChangedRecords::Page {
     }
 
     void AppendTo(std::vector<std::pair<std::int32_t, bool>>& entries, std::int32_t page) const {
-        std::int32_t record = page * kPageRecords;
-        for (const Word& word : words) {
+        for (std::int32_t first = 0; first < kPageRecords; first += kWordBits) {
+            const Word& word = words[static_cast<std::size_t>(first / kWordBits)];
             for (std::uint64_t rest = word.known; rest != 0; rest &= rest - 1) {
                 const std::int32_t bit = std::countr_zero(rest);
-                entries.emplace_back(record + bit, ((word.changed >> bit) & 1U) != 0);
+                entries.emplace_back(page * kPageRecords + first + bit, ((word.changed >> bit) & 1U) != 0);
             }
-            record += kWordBits;
         }
     }
 };

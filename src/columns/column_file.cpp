@@ -67,7 +67,9 @@ template <typename T>
 void WriteNumbers(std::FILE* file, const std::vector<T>& values) {
     const auto count = static_cast<std::int32_t>(values.size());
     std::fwrite(&count, sizeof count, 1, file);
-    std::fwrite(values.data(), sizeof(T), values.size(), file);
+    if (!values.empty()) {
+        std::fwrite(values.data(), sizeof(T), values.size(), file);
+    }
 }
 
 template <typename T>

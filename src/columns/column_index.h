@@ -30,8 +30,15 @@ public:
     // Requires: the record is in the index with this value.
     void Remove(const T& value, std::int32_t record);
 
-    // The lowest record with the value, -1 when there is none; nothing when that is not known before `Settle`.
-    [[nodiscard]] std::optional<std::int32_t> FirstRecord(const T& value) const;
+    static constexpr std::int32_t kNone = -1;
+    static constexpr std::int32_t kUnknown = -2;
+
+    // The lowest record with the value; kNone when there is none, kUnknown while that is not known before `Settle`.
+    [[nodiscard]] std::int32_t FirstRecord(const T& value) const {
+        const auto place = map_.find(value);
+        return place == map_.end() ? kNone : place->second.first;
+    }
+
     // The records with the value; nothing when they do not stand in one array before `Settle`.
     [[nodiscard]] std::optional<std::span<const std::int32_t>> Records(const T& value) const;
     // Makes the array of the value's records.
@@ -43,7 +50,6 @@ public:
     void SettleAll();
 
 private:
-    static constexpr std::int32_t kUnknown = -1;
     static constexpr std::int32_t kNoSet = -1;
 
     // Most values of a key column have one record: it stands here, and nothing else is allocated for it.
@@ -53,6 +59,7 @@ private:
     };
 
     struct Hash {
+        using is_avalanching = void; // the map need not mix the bits once more
         std::size_t operator()(const T& value) const;
     };
 

@@ -11,13 +11,20 @@
 
 namespace Kestrona::Data::MemoryResident {
 
-// The map mixes the bits itself. Positive and negative zero are one value and must hash alike.
+// Spreads the bits of a number over the whole word: whole numbers as doubles differ in a few high bits only.
+inline std::size_t MixBits(std::uint64_t bits) {
+    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15; // 2^64 divided by the golden ratio
+    const auto product = static_cast<unsigned __int128>(bits) * kOdd;
+    return static_cast<std::size_t>(product) ^ static_cast<std::size_t>(product >> 64);
+}
+
+// Positive and negative zero are one value and hash alike.
 template <typename T>
 std::size_t ColumnIndex<T>::Hash::operator()(const T& value) const {
     if constexpr (std::is_same_v<T, double>) {
-        return std::bit_cast<std::uint64_t>(value + 0.0);
+        return MixBits(std::bit_cast<std::uint64_t>(value + 0.0));
     } else if constexpr (std::is_integral_v<T>) {
-        return static_cast<std::size_t>(value);
+        return MixBits(static_cast<std::uint64_t>(value));
     } else {
         return std::hash<T>{}(value);
     }
@@ -189,16 +196,6 @@ void ColumnIndex<T>::RemoveFromSet(typename Map::iterator place, std::int32_t re
     if (entry.first == record) {
         entry.first = set.IsSettled() ? set.Rows().front() : kUnknown;
     }
-}
-
-template <typename T>
-std::optional<std::int32_t> ColumnIndex<T>::FirstRecord(const T& value) const {
-    const auto place = map_.find(value);
-    if (place == map_.end()) {
-        return -1;
-    }
-    const std::int32_t first = place->second.first;
-    return first == kUnknown ? std::nullopt : std::optional(first);
 }
 
 template <typename T>

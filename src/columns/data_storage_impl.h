@@ -174,13 +174,12 @@ void DataStorage<T>::Insert(std::int32_t record, const T& value) {
 template <typename T>
 void DataStorage<T>::Resize(std::uint32_t size) {
     const std::uint32_t records = std::min(size, static_cast<std::uint32_t>(kFirstScratchRecord));
+    if (records != GetCurrentSize()) {
+        InvalidateIndexInFront();
+    }
     if (records > values_.size()) {
         ForgetExtremesBeyondDefault();
-        logicalSize_ = records;
-        return;
-    }
-    if (records < values_.size()) {
-        InvalidateIndexInFront();
+    } else if (records < values_.size()) {
         if (records == 0) {
             Clear(false);
             return;

@@ -30,34 +30,44 @@ void IndexedColumn<T>::Invalidate() {
     }
 }
 
+// Who goes on to read the index takes the lock, which orders that behind the building.
 template <typename T>
-void IndexedColumn<T>::EnsureIndex() const {
-    if (valid_.load(std::memory_order_relaxed)) {
-        return; // who goes on to read the index takes the lock, which orders that behind the building
+inline void IndexedColumn<T>::EnsureIndex() const {
+    if (!valid_.load(std::memory_order_relaxed)) [[unlikely]] {
+        BuildIndex();
     }
+}
+
+template <typename T>
+[[gnu::noinline]] void IndexedColumn<T>::BuildIndex() const {
     const ExclusiveHold hold(mutex_);
-    if (valid_.load(std::memory_order_relaxed)) {
-        return;
+    if (!valid_.load(std::memory_order_relaxed)) {
+        index_->Build(*column_);
+        valid_.store(true, std::memory_order_relaxed);
     }
-    index_->Build(*column_);
-    valid_.store(true, std::memory_order_relaxed);
 }
 
 template <typename T>
 std::int32_t IndexedColumn<T>::Find(const T& value) const {
     EnsureIndex();
-    const auto answer = [this](std::optional<std::int32_t> record) {
-        return static_cast<std::uint32_t>(*record) < column_->GetCurrentSize() ? *record : -1;
-    };
     {
         const SharedHold hold(mutex_);
-        if (const auto record = index_->FirstRecord(value)) {
-            return answer(record);
+        const std::int32_t record = index_->FirstRecord(value);
+        if (record != Index::kUnknown) {
+            return IfStillThere(record);
         }
     }
     const ExclusiveHold hold(mutex_);
     index_->Settle(value);
-    return answer(index_->FirstRecord(value));
+    return IfStillThere(index_->FirstRecord(value));
+}
+
+// A writer may have made the index stale since it was ensured.
+template <typename T>
+inline std::int32_t IndexedColumn<T>::IfStillThere(std::int32_t record) const {
+    const bool is_there =
+        valid_.load(std::memory_order_relaxed) || static_cast<std::uint32_t>(record) < column_->GetCurrentSize();
+    return is_there ? record : -1;
 }
 
 template <typename T>

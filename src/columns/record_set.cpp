@@ -184,7 +184,7 @@ void RecordSet::Own::Settle() {
 
 // Where there are many notes and the records stand close enough together.
 bool RecordSet::Own::SettleByBits() {
-    if (notes.size() < rows.size() / kSetToManyNotes) {
+    if (rows.empty() || notes.size() < rows.size() / kSetToManyNotes) {
         return false;
     }
     const auto [lowest_note, highest_note] = std::minmax_element(notes.begin(), notes.end());

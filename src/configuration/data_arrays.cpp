@@ -1,4 +1,6 @@
 // Making the columns of every field.
+#include "configuration/field_count.h"
+
 #include <kestrona/classes.h>
 #include <kestrona/definition_load.h>
 
@@ -21,7 +23,7 @@ public:
     ColumnMaker(MemoryResidentData& store, std::int32_t format)
         : store_(store),
           format_(format),
-          states_(static_cast<std::size_t>(store.GetDbFields(format))) {}
+          states_(static_cast<std::size_t>(FieldCount(store, format))) {}
 
     void MakeAll() {
         for (std::int32_t field = 0; field < Count(); ++field) {
@@ -46,7 +48,8 @@ private:
     [[nodiscard]] bool Is(std::int32_t field, Class c) const { return store_.ClassDefined(format_, field, c); }
 
     [[nodiscard]] bool Leans(std::int32_t field) const {
-        return Is(field, Classes::kAdditionalReference) || Is(field, Classes::kOverride);
+        const bool counted = field < Count(); // the store may hold fields beyond the format's count
+        return counted && (Is(field, Classes::kAdditionalReference) || Is(field, Classes::kOverride));
     }
 
     [[nodiscard]] std::int32_t TargetOf(std::int32_t field) const { return store_.GetDbTableY(format_, field); }

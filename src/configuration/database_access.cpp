@@ -1,5 +1,6 @@
 // Resolving a whole definition: check_database_access.
 #include "configuration/expression_phases.h"
+#include "configuration/field_count.h"
 #include "configuration/field_pass.h"
 #include "configuration/messages.h"
 #include "configuration/relationship_pass.h"
@@ -26,7 +27,8 @@ bool ResolveDefinition(MemoryResidentData& store) {
 
 bool CheckPrimaryKeys(MemoryResidentData& store) {
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        if (store.GetDbKey(format) == -1) {
+        const std::int32_t key = store.GetDbKey(format);
+        if (key < 0 || key >= FieldCount(store, format)) { // a number of no field is no key
             return Fail(Platform::FormatText(Message(kMsgNoPrimaryKey), store.GetDbName(format)));
         }
     }

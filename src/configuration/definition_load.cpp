@@ -166,14 +166,16 @@ bool Load(MemoryResidentData& store, const wchar_t* file_name, wchar_t* title, c
     assert(host.native_config != nullptr);
     WriteTitle(title, kFirstTitle);
     const std::wstring definition_file = ChooseDefinitionFile(file_name);
+    const bool is_named = SetDefinitionFileName(definition_file);
     WriteTitle(title, Message(kMsgTitle));
     host.SetStage(kMsgStageStart);
-    if (!PassFirstTimeGuard(title)) {
-        return false;
-    }
-    if (!SetDefinitionFileName(definition_file)) {
+    // A name that no file can have does not use up the one load of the process.
+    if (!is_named) {
         MessageManager::getInstance()->DisplayUnableToOpen(definition_file);
         return EndLoad();
+    }
+    if (!PassFirstTimeGuard(title)) {
+        return false;
     }
     if (!PrepareLoad(host) || !LoadDefinition(store, host)) {
         return false;

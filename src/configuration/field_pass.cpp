@@ -1,5 +1,6 @@
 #include "configuration/field_pass.h"
 
+#include "configuration/field_count.h"
 #include "configuration/field_steps.h"
 #include "configuration/resolution.h"
 
@@ -51,7 +52,7 @@ bool ResolveKeywords(FieldScope& scope) {
 }
 
 bool ResolveFields(Resolution& resolution, std::int32_t format, FieldStep step) {
-    const std::int32_t fields = FieldsOf(resolution.store, format);
+    const std::int32_t fields = FieldCount(resolution.store, format);
     for (std::int32_t field = 0; field < fields; ++field) {
         FieldScope scope(resolution, format, field);
         if (!step(scope)) {

@@ -37,7 +37,7 @@ bool FieldScope::Is(Class c) const {
     return Store().ClassDefined(Format(), Field(), c);
 }
 
-void FieldScope::Add(Class c) {
+void FieldScope::Add(Class c) const {
     Store().AddDbClass(Format(), Field(), c);
 }
 
@@ -53,11 +53,11 @@ std::int32_t FieldScope::Slot(std::int32_t slot) const {
     return Store().GetDbData(Format(), Field(), slot);
 }
 
-void FieldScope::SetSlot(std::int32_t slot, std::int32_t value) {
+void FieldScope::SetSlot(std::int32_t slot, std::int32_t value) const {
     Store().SetDbData(Format(), Field(), slot, value);
 }
 
-void FieldScope::SetSlots(std::int32_t format_slot, std::int32_t field_slot, TableColumn target) {
+void FieldScope::SetSlots(std::int32_t format_slot, std::int32_t field_slot, TableColumn target) const {
     SetSlot(format_slot, target.format);
     SetSlot(field_slot, target.field);
 }

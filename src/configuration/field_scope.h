@@ -51,12 +51,12 @@ public:
     [[nodiscard]] TableColumn FindClassification(const std::wstring& text) const;
 
     [[nodiscard]] bool Is(Class c) const;
-    void Add(Class c);
+    void Add(Class c) const;
     [[nodiscard]] std::uint32_t Type() const;
     [[nodiscard]] bool IsMatrix() const;
     [[nodiscard]] std::int32_t Slot(std::int32_t slot) const;
-    void SetSlot(std::int32_t slot, std::int32_t value);
-    void SetSlots(std::int32_t format_slot, std::int32_t field_slot, TableColumn target);
+    void SetSlot(std::int32_t slot, std::int32_t value) const;
+    void SetSlots(std::int32_t format_slot, std::int32_t field_slot, TableColumn target) const;
 
     // Scans from the first place where the keyword stands. False when it stands nowhere or nothing was read.
     bool ScanField(std::wstring_view keyword, std::wstring_view pattern, Reference& out) const;

@@ -1,5 +1,6 @@
 #include "configuration/name_index.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace Kestrona::Configuration {
@@ -9,7 +10,7 @@ using Data::MemoryResident::IMemoryResidentData;
 
 NameIndex::NameIndex(IMemoryResidentData& store)
     : store_(store),
-      formats_(static_cast<std::size_t>(store.GetFormatCount())) {
+      formats_(static_cast<std::size_t>(std::max(store.GetFormatCount(), 0))) {
     EnterFormats();
 }
 

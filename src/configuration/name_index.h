@@ -37,7 +37,7 @@ private:
     };
 
     void EnterFormats();
-    const ByName& FieldsOf(std::int32_t format);
+    const ByName& FieldsOf(std::int32_t number);
 
     Data::MemoryResident::IMemoryResidentData& store_;
     ByName by_name_;

@@ -1,5 +1,6 @@
 #include "configuration/relationship_pass.h"
 
+#include "configuration/field_count.h"
 #include "configuration/relationship_steps.h"
 #include "configuration/resolution.h"
 
@@ -41,7 +42,7 @@ bool ResolveField(Resolution& resolution, std::int32_t format, std::int32_t fiel
 bool RunRelationshipPass(MemoryResidentData& store) {
     Resolution resolution(store);
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        const std::int32_t fields = FieldsOf(store, format);
+        const std::int32_t fields = FieldCount(store, format);
         for (std::int32_t field = 0; field < fields; ++field) {
             if (!ResolveField(resolution, format, field)) {
                 return false;

@@ -6,10 +6,6 @@
 
 #include <kestrona/store.h>
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-
 namespace Kestrona::Configuration {
 
 // What one pass over the definition carries along.
@@ -25,12 +21,5 @@ struct Resolution {
     ClassificationFinder finder;
     AutoListChain chain;
 };
-
-// The fields of a format that can be resolved, whatever count a host has set.
-inline std::int32_t FieldsOf(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format) {
-    const Data::MemoryResident::formats_info* info = store.GetFormatInfo(format);
-    const std::size_t records = info == nullptr ? 0 : info->fields.size();
-    return std::min(store.GetDbFields(format), static_cast<std::int32_t>(records));
-}
 
 } // namespace Kestrona::Configuration

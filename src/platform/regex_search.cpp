@@ -6,6 +6,7 @@
 #include <iterator>
 #include <locale>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace Kestrona::Platform {
@@ -82,6 +83,29 @@ std::optional<PatternSpan> SpanOf(const CountedMatch& found, std::size_t group, 
                        static_cast<std::size_t>(part.second - part.first)};
 }
 
+// The engine's own '.' stops at form feeds too, and at every character whose low 16 bits are those of a line separator,
+// some of them letters.
+constexpr std::wstring_view kDot = L"[^\n\r\u2028\u2029]";
+
+std::wstring SpellDotsOut(std::wstring_view pattern) {
+    std::wstring spelled;
+    bool in_set = false;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        const wchar_t c = pattern[i];
+        if (c == L'.' && !in_set) {
+            spelled += kDot;
+            continue;
+        }
+        spelled += c;
+        if (c == L'\\' && i + 1 < pattern.size()) {
+            spelled += pattern[++i];
+        } else {
+            in_set = in_set ? c != L']' : c == L'[';
+        }
+    }
+    return spelled;
+}
+
 } // namespace
 
 struct WidePattern::Compiled {
@@ -92,7 +116,7 @@ WidePattern::WidePattern(std::wstring_view pattern) {
     auto compiled = std::make_unique<Compiled>();
     compiled->regex.imbue(std::locale::classic());
     try {
-        compiled->regex.assign(pattern.begin(), pattern.end(), boost::wregex::ECMAScript);
+        compiled->regex.assign(SpellDotsOut(pattern), boost::wregex::ECMAScript);
     } catch (const std::runtime_error&) {
         return;
     }
@@ -111,9 +135,9 @@ bool WidePattern::Search(std::wstring_view text, std::size_t start, PatternMatch
     const CountedIterator begin(text.data(), &looks_left);
     CountedMatch found;
     try {
-        const auto flags = boost::match_not_dot_newline | boost::match_single_line;
         if (!boost::regex_search(begin + static_cast<std::ptrdiff_t>(start),
-                                 begin + static_cast<std::ptrdiff_t>(text.size()), found, compiled_->regex, flags)) {
+                                 begin + static_cast<std::ptrdiff_t>(text.size()), found, compiled_->regex,
+                                 boost::match_single_line)) {
             return false;
         }
     } catch (const SearchExhausted&) {

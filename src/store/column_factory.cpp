@@ -3,8 +3,8 @@
 
 #include "platform/numbers.h"
 
+#include <kestrona/built_in_tables.h>
 #include <kestrona/classes.h>
-#include <kestrona/classification_readers.h>
 #include <kestrona/concrete_columns.h>
 #include <kestrona/record_search.h>
 #include <kestrona/record_state.h>

@@ -27,7 +27,7 @@ std::int32_t AnyRecord(std::mt19937& random) {
                                          kFirstScratchRecord,
                                          std::numeric_limits<std::int32_t>::min() + 70,
                                          std::numeric_limits<std::int32_t>::max() - 70};
-    return kBorders[random() % std::size(kBorders)] + static_cast<std::int32_t>(random() % 140) - 70;
+    return kBorders[random() % std::size(kBorders)] + (static_cast<std::int32_t>(random() % 140) - 70);
 }
 
 TEST(ChangedRecords, BehavesAsAMapFromRecordToFlag) {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
 #include <memory>
 
 namespace Kestrona::Testing {
@@ -89,12 +89,13 @@ TEST(ColumnFile, NumbersStandAsTheyLieInMemory) {
 
 TEST(ColumnFile, ReadingReplacesNumbersAndTheirSize) {
     for (const NumberCase& c : kNumberCases) {
-        const std::unique_ptr<IColumn<double>> column(c.make());
+        IColumn<double>* const column = c.make();
+        const std::unique_ptr<IColumn<double>> top(column->CreateIndexedColumn());
         for (std::int32_t i = 0; i < 5; ++i) {
             column->SetValue(i, 1.0);
         }
         column->FindMaxValue();
-        column->CreateIndexedColumn();
+        EXPECT_EQ(top->Find(1.0), 0);
         const File file = FileOf(c.bytes + "more");
         column->ReadFromFile(file.get());
         EXPECT_EQ(std::fgetc(file.get()), 'm') << c.name;
@@ -103,6 +104,7 @@ TEST(ColumnFile, ReadingReplacesNumbersAndTheirSize) {
             EXPECT_EQ(column->GetValue(static_cast<std::int32_t>(i)), c.values[i]) << c.name;
         }
         EXPECT_EQ(column->FindMaxValue(), *std::max_element(c.values.begin(), c.values.end())) << c.name;
+        EXPECT_EQ(top->Find(c.values[1]), 1) << c.name;
     }
 }
 

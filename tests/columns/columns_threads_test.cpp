@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <latch>
 #include <memory>
 #include <random>
 #include <thread>
@@ -28,8 +29,9 @@ std::unique_ptr<IColumn<double>> MakeColumn() {
     return std::unique_ptr<IColumn<double>>(column.release()->CreateIndexedColumn());
 }
 
-void Search(IColumn<double>& column, unsigned seed, std::atomic<bool>& done) {
+void Search(IColumn<double>& column, unsigned seed, std::latch& started, std::atomic<bool>& done) {
     std::mt19937 random(seed);
+    started.count_down();
     while (!done.load()) {
         EXPECT_EQ(column.Find(0.0), 0);
         EXPECT_EQ(column.Find(-7.0), -1);
@@ -50,12 +52,14 @@ void Search(IColumn<double>& column, unsigned seed, std::atomic<bool>& done) {
 TEST(IndexedColumnThreads, SearchesRunBesideAWriter) {
     const auto column = MakeColumn();
     std::atomic<bool> done = false;
+    std::latch started(kSearchers);
     std::vector<std::thread> searchers;
     for (unsigned i = 0; i < kSearchers; ++i) {
-        searchers.emplace_back([&, i] { Search(*column, i, done); });
+        searchers.emplace_back([&, i] { Search(*column, i, started, done); });
     }
+    started.wait();
     std::mt19937 random(77);
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const auto record = static_cast<std::int32_t>(1 + random() % (kRecords - 1));
         column->SetValue(record, static_cast<double>(random() % 2));
         if (i % 500 == 499) {

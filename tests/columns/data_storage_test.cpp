@@ -123,13 +123,5 @@ TEST(DataStorage, ExtremesOfAnEmptyColumnAreRefusedWithTheirTexts) {
     EXPECT_EQ(message([&] { column.FindMinValue(true); }), "Cannot find min value when column is empty.");
 }
 
-TEST(DataStorage, ScratchCellsSurviveClearing) {
-    StringColumn column(L"none", new NullRecordStateStrategy);
-    EXPECT_EQ(column.GetValue(kLastScratchRecord), L"none");
-    column.SetValue(kLastScratchRecord, L"held aside");
-    column.Clear(true);
-    EXPECT_EQ(column.GetValue(kLastScratchRecord), L"held aside");
-}
-
 } // namespace
 } // namespace Kestrona::Testing

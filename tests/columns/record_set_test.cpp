@@ -59,5 +59,24 @@ INSTANTIATE_TEST_SUITE_P(Shapes, RecordSetShapes,
                                          Shape{"wide_apart", 5000, 400000, 3000}),
                          [](const auto& shape) { return std::string(shape.param.name); });
 
+// 1024 notes are worked in at the next one: here they leave 1024 records, and then take away every one of them.
+TEST(RecordSet, RefillsAfterItsNotesEmptiedIt) {
+    constexpr std::int32_t kRecords = 1026;
+    RecordSet set;
+    set.AddRange(0, kRecords);
+    for (std::int32_t i = 0; i < 511; ++i) {
+        set.Remove(i);
+        set.Add(i);
+    }
+    for (std::int32_t record = 0; record < kRecords; ++record) {
+        set.Remove(record);
+    }
+    ASSERT_EQ(set.Size(), 0U);
+    set.Add(5);
+    set.Settle();
+    ASSERT_EQ(set.Rows().size(), 1U);
+    EXPECT_EQ(set.Rows().front(), 5);
+}
+
 } // namespace
 } // namespace Kestrona::Data::MemoryResident

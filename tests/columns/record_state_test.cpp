@@ -163,14 +163,5 @@ TEST(RecordStateStrategy, SuspendedTimestampsStandStillWhileMarksGoOn) {
     EXPECT_TRUE(format.erasedKeys.contains(8.0));
 }
 
-TEST(RecordStateStrategy, UntrackedColumnsNeverChange) {
-    DoubleColumn column(new NullRecordStateStrategy, 0.0);
-    column.StartTransaction("id");
-    column.SetValue(3, 1.0);
-    column.Clear(true);
-    EXPECT_FALSE(column.HasColumnChanged());
-    EXPECT_EQ(column.GetRecordState(3), 0);
-}
-
 } // namespace
 } // namespace Kestrona::Testing

@@ -53,6 +53,15 @@ TEST_F(DatabaseAccess, MissesAPrimaryKeyWhenEverythingElseIsDone) {
     EXPECT_EQ(feedback_, L"stage 17138 50% ");
 }
 
+TEST_F(DatabaseAccess, CountsOnNoFieldThatIsNotThere) {
+    Add(L"Orders", {Fixtures::Number(L"Key")}, 7);
+    store_.SetDbFields(0, 9);
+    EXPECT_EQ(check_database_access(store_, true, nullptr), -1);
+    EXPECT_EQ(Boxes(), L"<21039|Orders>");
+    store_.SetDbFields(0, -9);
+    EXPECT_EQ(check_database_access(store_, true, nullptr), -1);
+}
+
 TEST_F(DatabaseAccess, StopsAtTheFirstFailureOfEachPass) {
     Add(L"Orders", {Fixtures::Number(L"Key"), Real(L"X", L"RELATED FIELD(None)"), Real(L"Y", L"SWITCH(None)")});
     EXPECT_EQ(check_database_access(store_, true, this), -1);

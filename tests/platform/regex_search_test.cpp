@@ -66,7 +66,7 @@ Groups SearchTheirs(const std::wregex& pattern, const std::wstring& text, std::s
 }
 
 TEST(WidePattern, FindsWhatTheStandardLibraryFinds) {
-    const std::wstring alphabet = L"()\"\"  :->.-1AEX\n\xe4\x1d11e";
+    const std::wstring alphabet = L"()\"\"  :->.-1AEX\n\f\xe4\x2028\x1d11e\x22028";
     RandomSource random(41);
     for (const PatternCase& c : kPatterns) {
         const std::wregex theirs(c.pattern);

@@ -178,10 +178,10 @@ TEST_F(Cells, ADefaultMayBeGivenByItsText) {
     };
 
     for (const auto& [classification, expected] :
-         {Case{L"SUBSTITUTE(1.5,\"Half past\") SUBSTITUTE(3,\"Three\") STRING_DEF \"Three\"", 3.0},
-          {L"SUBSTITUTE(1.5,\"Half past\") STRING_DEF \"Half past\"", 1.5},
-          {L"SUBSTITUTE(1.5,\"Half past\") STRING_DEF \"Unknown\"", 8.0},
-          {L"SUBSTITUTE(1.5,\"\") STRING_DEF \"\"", 8.0},
+         {Case{L"SUBSTITUTE(1.5->\"Half past\") SUBSTITUTE(3->\"Three\") STRING_DEF \"Three\"", 3.0},
+          {L"SUBSTITUTE(1.5->\"Half past\") STRING_DEF \"Half past\"", 1.5},
+          {L"SUBSTITUTE(1.5->\"Half past\") STRING_DEF \"Unknown\"", 8.0},
+          {L"SUBSTITUTE(1.5->\"\") STRING_DEF \"\"", 8.0},
           {L"STRING_DEF", 8.0},
           {L"", 8.0}}) {
         Field field = Number(L"Field", 8.0);
@@ -190,7 +190,7 @@ TEST_F(Cells, ADefaultMayBeGivenByItsText) {
         const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), field}, 1);
         EXPECT_EQ(store->GetDbDefaultValue(format, 1), expected) << classification;
         EXPECT_EQ(store->GetDbValue(format, 1, 0), expected) << classification;
-        store->SetDbClassString(format, 1, L"SUBSTITUTE(4,\"New\") STRING_DEF \"New\""); // what was parsed is stale
+        store->SetDbClassString(format, 1, L"SUBSTITUTE(4->\"New\") STRING_DEF \"New\""); // what was parsed is stale
         EXPECT_EQ(store->GetDbDefaultValue(format, 1), 4.0) << classification;
         store->RemoveDbClass(format, 1, Classes::kStringDefault);
         EXPECT_EQ(store->GetDbDefaultValue(format, 1), 8.0) << classification;

@@ -9,8 +9,9 @@ namespace Kestrona::Configuration::Parsers {
 
 namespace {
 
-bool StandsForItself(std::wstring_view keyword) {
-    return keyword.find_first_of(L"\\^$.|?*+()[]{}") == std::wstring_view::npos;
+std::optional<KeywordSearch> SearchFor(std::wstring_view keyword) {
+    const bool stands_for_itself = keyword.find_first_of(L"\\^$.|?*+()[]{}") == std::wstring_view::npos;
+    return stands_for_itself && !keyword.empty() ? std::optional<KeywordSearch>(keyword) : std::nullopt;
 }
 
 class PatternCache {
@@ -50,21 +51,21 @@ std::optional<std::wstring_view> PatternGroups::At(std::size_t group) const {
 
 ClassificationPattern::ClassificationPattern(const PatternText& text)
     : pattern_(text.pattern),
-      keyword_(StandsForItself(text.keyword) ? text.keyword : std::wstring_view()),
+      keyword_(SearchFor(text.keyword)),
       outline_(text.outline),
       lead_(text.lead) {}
 
 bool ClassificationPattern::Search(std::wstring_view text, std::size_t start, Platform::PatternMatch& out) const {
-    if (keyword_.empty()) {
+    if (!keyword_) {
         return pattern_.Search(text, start, out);
     }
-    std::size_t keyword = text.find(keyword_, start);
+    std::size_t keyword = keyword_->Find(text, start);
     if (keyword == std::wstring_view::npos) {
         return false;
     }
     OutlineScan scan(outline_, text);
-    while (!scan.FitsAt(keyword + keyword_.size())) {
-        keyword = text.find(keyword_, keyword + 1);
+    while (!scan.FitsAt(keyword + keyword_->Length())) {
+        keyword = keyword_->Find(text, keyword + 1);
         if (keyword == std::wstring_view::npos) {
             return false;
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "configuration/parsers/keyword_search.h"
 #include "configuration/parsers/pattern_outline.h"
 #include "platform/regex_search.h"
 
@@ -46,7 +47,7 @@ public:
 
 private:
     Platform::WidePattern pattern_;
-    std::wstring keyword_; // empty when nothing is known
+    std::optional<KeywordSearch> keyword_;
     PatternOutline outline_;
     std::size_t lead_;
 };

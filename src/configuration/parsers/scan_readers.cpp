@@ -53,9 +53,17 @@ bool ParseHELPFILE(const wchar_t* text, std::wstring* out) {
 }
 
 std::int32_t Parse1StringParameter(const wchar_t* text, const wchar_t* format, std::wstring* a) {
-    return ScanWide(ViewOf(text), format, a).items;
+    std::wstring first; // `text` may be the text of the output
+    const std::int32_t items = ScanWide(ViewOf(text), format, &first).items;
+    *a = std::move(first);
+    return items;
 }
 
 std::int32_t Parse2StringParameters(const wchar_t* text, const wchar_t* format, std::wstring* a, std::wstring* b) {
-    return ScanWide(ViewOf(text), format, a, b).items;
+    std::wstring first;
+    std::wstring second;
+    const std::int32_t items = ScanWide(ViewOf(text), format, &first, &second).items;
+    *a = std::move(first);
+    *b = std::move(second);
+    return items;
 }

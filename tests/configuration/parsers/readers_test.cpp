@@ -106,6 +106,9 @@ TEST(ClassificationReaders, HelpTextsAndScans) {
     EXPECT_EQ(Parse1StringParameter(L"RULE(", L"RULE ( %[^)]", &a), -1);
     EXPECT_EQ(a, L"");
     EXPECT_EQ(Parse1StringParameter(L"RULE)", L"RULE ( %[^)]", &b), 0);
+    a = L"RULE(A)";
+    EXPECT_EQ(Parse1StringParameter(a.c_str(), L"RULE ( %[^)]", &a), 1);
+    EXPECT_EQ(a, L"A");
 }
 
 TEST_F(Readers, SubstitutesOfAFieldNeedTheClass) {

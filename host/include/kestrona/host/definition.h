@@ -137,8 +137,8 @@ struct ParseOptions {
 
 struct ParseResult {
     Definition definition;
-    std::vector<Diagnostic>
-        diagnostics;         ///< In reading order; at most 100 errors and 100 warnings, then one that says so.
+    /// By file, line and column; at most 100 errors and 100 warnings, each then followed by one that says so.
+    std::vector<Diagnostic> diagnostics;
     bool unreadable = false; ///< The main file or an included one could not be read.
 
     [[nodiscard]] bool HasErrors() const;
