@@ -74,7 +74,7 @@ struct formats_info {
     OwnedText name;                   ///< Null where no format stands.
     OwnedText extension;              ///< A format with one is loadable.
     OwnedText defaultDatasetName;
-    std::array<wchar_t, kMaxDatasetName + 1> currentDatasetName{};
+    std::unique_ptr<std::array<wchar_t, kMaxDatasetName + 1>> currentDatasetName; ///< Null stands for "".
     std::int32_t minimumLength = 0;
     std::vector<field_info> fields;
     std::int32_t fieldCount = 0; ///< What `GetDbFields` tells; `fields` may hold more or fewer.

@@ -79,6 +79,7 @@ private:
 
     static bool EqualsItself(const T& value);
     void Clear();
+    Groups Group(const IColumn<T>& column);
     void GroupBlock(Groups& groups, std::span<const T> values, std::int32_t record);
     void MakeSets(const Groups& groups);
     RecordSet& NeedSet(Entry& entry);

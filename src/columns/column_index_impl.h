@@ -52,19 +52,31 @@ void ColumnIndex<T>::Clear() {
 // They come out ascending, and no value costs an allocation of its own.
 template <typename T>
 void ColumnIndex<T>::Build(const IColumn<T>& column) {
+    if (map_.size() > column.GetCurrentSize()) {
+        map_ = Map(); // too much room to keep
+    }
     Clear();
+    try {
+        MakeSets(Group(column));
+    } catch (...) {
+        Clear(); // the entries name sets that were not made
+        throw;
+    }
+}
+
+template <typename T>
+typename ColumnIndex<T>::Groups ColumnIndex<T>::Group(const IColumn<T>& column) {
     Groups groups;
     std::vector<T> block(kBlock);
     for (std::int32_t first = 0;; first += kBlock) {
         const std::int32_t left = static_cast<std::int32_t>(column.GetCurrentSize()) - first;
         if (left <= 0) {
-            break;
+            return groups;
         }
         const std::int32_t count = std::min(left, kBlock);
         column.ReadBlock(first, count, block.data());
         GroupBlock(groups, std::span(block).first(static_cast<std::size_t>(count)), first);
     }
-    MakeSets(groups);
 }
 
 template <typename T>

@@ -93,8 +93,8 @@ void DataStorage<T>::SetValue(std::int32_t record, const T& value) {
 }
 
 // Nearly every write meets a record that is held and a column that nobody watches. That way is kept free of calls to
-// come back from, so that it needs no stack frame: on random cells of a large table the processor can then work on
-// twice as many writes at once.
+// come back from, so that it needs no stack frame: fewer stores for each write let the processor work on more of them
+// at once, which decides the speed of writes to random cells of a large table.
 template <typename T>
 template <typename Equal>
 void DataStorage<T>::Write(std::int32_t record, const T& value, Equal equal) {

@@ -20,6 +20,11 @@ std::uint64_t KeyOf(TableColumn place) {
            static_cast<std::uint32_t>(place.field);
 }
 
+const ClassificationParser_AUTO_LIST& Parser() {
+    static const ClassificationParser_AUTO_LIST parser;
+    return parser;
+}
+
 } // namespace
 
 std::wstring AutoListContext(IMemoryResidentData& store, TableColumn place) {
@@ -28,47 +33,81 @@ std::wstring AutoListContext(IMemoryResidentData& store, TableColumn place) {
 }
 
 bool AutoListChain::FindEnd(TableColumn place, TableColumn& end) {
-    ++walk_;
-    while (true) {
-        const auto [entry, is_new] = links_.try_emplace(KeyOf(place));
-        Link& link = entry->second;
-        if (is_new && !Follow(place, link)) {
-            links_.erase(entry);
-            return false;
-        }
-        link.walk = walk_;
-        if (!link.leads_on || WasPassed(link.next)) {
-            end = place;
-            return true;
-        }
-        place = link.next;
+    std::vector<Step> steps;
+    Link* last = nullptr;
+    const bool resolved = Walk(place, steps, last);
+    if (resolved) {
+        Finish(steps, *last);
     }
+    for (const Step& step : steps) {
+        step.link->position = -1;
+    }
+    if (resolved) {
+        end = LinkAt(place)->end;
+    }
+    return resolved;
 }
 
 void AutoListChain::Changed(TableColumn place) {
-    links_.erase(KeyOf(place));
+    const auto entry = links_.find(KeyOf(place));
+    if (entry != links_.end() &&
+        Parser().MatchFirst(store_.GetDbClassString(place.format, place.field)).Text != entry->second.written) {
+        links_.clear();
+    }
+}
+
+// Goes from link to link, up to one whose end is known or that the walk has passed: `last`.
+bool AutoListChain::Walk(TableColumn place, std::vector<Step>& steps, Link*& last) {
+    while (true) {
+        last = LinkAt(place);
+        if (last == nullptr) {
+            return false;
+        }
+        if (last->end.format >= 0 || last->position >= 0) {
+            return true;
+        }
+        last->position = static_cast<std::ptrdiff_t>(steps.size());
+        steps.push_back({place, last});
+        place = last->next;
+    }
+}
+
+// Sets the end of every link of the walk. All of them share the end of `last` if that is known; else `last` is the
+// first repeat, and the links from there on are a ring, in which each one's end is the link before it.
+void AutoListChain::Finish(const std::vector<Step>& steps, const Link& last) {
+    const std::ptrdiff_t ring = last.position;
+    const TableColumn end = ring < 0 ? last.end : steps.back().place;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const bool is_inside = ring >= 0 && static_cast<std::ptrdiff_t>(i) > ring;
+        steps[i].link->end = is_inside ? steps[i - 1].place : end;
+    }
+}
+
+// The link of the place, looked up when it is new; null when that failed.
+AutoListChain::Link* AutoListChain::LinkAt(TableColumn place) {
+    const auto [entry, is_new] = links_.try_emplace(KeyOf(place));
+    if (is_new && !Follow(place, entry->second)) {
+        links_.erase(entry);
+        return nullptr;
+    }
+    return &entry->second;
 }
 
 bool AutoListChain::Follow(TableColumn place, Link& link) {
-    static const ClassificationParser_AUTO_LIST parser;
     const std::wstring text = store_.GetDbClassString(place.format, place.field);
-    const ClassificationMatch match = parser.MatchFirst(text);
-    link.leads_on = match.Matched;
+    const ClassificationMatch match = Parser().MatchFirst(text);
     if (!match.Matched) {
+        link.end = place;
         return true;
     }
+    link.written = match.Text;
     const auto context = [this, &place] {
         return AutoListContext(store_, place);
     };
     KSDLL_WriteDebug(context());
     return lookup_.FindReferenceFormatField(
-        match.Values.at(parser.get_TableNameKey()), match.Values.at(parser.get_FieldNameKey()), context, Datasets::Own,
-        ClassificationAt(text, static_cast<std::size_t>(match.Start)), place.format, link.next);
-}
-
-bool AutoListChain::WasPassed(TableColumn place) const {
-    const auto found = links_.find(KeyOf(place));
-    return found != links_.end() && found->second.walk == walk_;
+        match.Values.at(Parser().get_TableNameKey()), match.Values.at(Parser().get_FieldNameKey()), context,
+        Datasets::Own, ClassificationAt(text, static_cast<std::size_t>(match.Start)), place.format, link.next);
 }
 
 } // namespace Kestrona::Configuration

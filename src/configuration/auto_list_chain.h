@@ -5,9 +5,11 @@
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/types.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace Kestrona::Configuration {
 
@@ -15,7 +17,8 @@ namespace Kestrona::Configuration {
 std::wstring AutoListContext(Data::MemoryResident::IMemoryResidentData& store, TableColumn place);
 
 // Follows AUTO LIST classifications from field to field, for one pass over the definition. Each link is looked up, and
-// its context written to the debug log, the first time that it is followed.
+// its context written to the debug log, the first time that it is followed; the ends that are found are kept, so that
+// long chains cost no more than short ones.
 class AutoListChain {
 public:
     AutoListChain(Data::MemoryResident::IMemoryResidentData& store, ReferenceLookup& lookup)
@@ -31,18 +34,25 @@ public:
 
 private:
     struct Link {
-        bool leads_on = false;
+        std::wstring written; // the keyword as it is matched; empty for a field without AUTO LIST
         TableColumn next;
-        std::int32_t walk = 0; // the last walk that passed here
+        TableColumn end;              // unset while `end.format` is -1
+        std::ptrdiff_t position = -1; // in the walk under way
     };
 
+    struct Step {
+        TableColumn place;
+        Link* link = nullptr;
+    };
+
+    Link* LinkAt(TableColumn place);
     bool Follow(TableColumn place, Link& link);
-    [[nodiscard]] bool WasPassed(TableColumn place) const;
+    bool Walk(TableColumn place, std::vector<Step>& steps, Link*& last);
+    static void Finish(const std::vector<Step>& steps, const Link& last);
 
     Data::MemoryResident::IMemoryResidentData& store_;
     ReferenceLookup& lookup_;
     std::unordered_map<std::uint64_t, Link> links_; // by place
-    std::int32_t walk_ = 0;
 };
 
 } // namespace Kestrona::Configuration

@@ -62,6 +62,12 @@ void FieldScope::SetSlots(std::int32_t format_slot, std::int32_t field_slot, Tab
     SetSlot(field_slot, target.field);
 }
 
+void FieldScope::ReferTo(std::int32_t table, std::int32_t source) const {
+    Store().SetDbTable(Format(), Field(), table);
+    Store().SetDbSource(Format(), Field(), source);
+    resolution_.choosers.Changed(Format(), Field());
+}
+
 bool FieldScope::ScanField(std::wstring_view keyword, std::wstring_view pattern, Reference& out) const {
     out.position = Text().find(keyword);
     return out.position != std::wstring::npos &&

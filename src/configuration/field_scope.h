@@ -31,7 +31,7 @@ public:
 
     [[nodiscard]] Data::MemoryResident::MemoryResidentData& Store() const { return resolution_.store; }
 
-    [[nodiscard]] AutoListChain& Chain() const { return resolution_.chain; }
+    [[nodiscard]] Resolution& Pass() const { return resolution_; }
 
     [[nodiscard]] std::int32_t Format() const { return place_.format; }
 
@@ -57,6 +57,9 @@ public:
     [[nodiscard]] std::int32_t Slot(std::int32_t slot) const;
     void SetSlot(std::int32_t slot, std::int32_t value) const;
     void SetSlots(std::int32_t format_slot, std::int32_t field_slot, TableColumn target) const;
+
+    // Sets table and source.
+    void ReferTo(std::int32_t table, std::int32_t source) const;
 
     // Scans from the first place where the keyword stands. False when it stands nowhere or nothing was read.
     bool ScanField(std::wstring_view keyword, std::wstring_view pattern, Reference& out) const;

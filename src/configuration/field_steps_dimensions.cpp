@@ -51,8 +51,7 @@ bool FindAxis(const FieldScope& scope, Axis& axis) {
 
 void SetAxes(FieldScope& scope, const Axis& x, const Axis& y) {
     IMemoryResidentData& store = scope.Store();
-    store.SetDbTable(scope.Format(), scope.Field(), x.target.format);
-    store.SetDbSource(scope.Format(), scope.Field(), x.target.field);
+    scope.ReferTo(x.target.format, x.target.field);
     store.SetDbTableY(scope.Format(), scope.Field(), y.target.format);
     store.SetDbSourceY(scope.Format(), scope.Field(), y.target.field);
     if (field_info* info = store.GetFieldInfo(scope.Format(), scope.Field())) {

@@ -18,8 +18,7 @@ void SetList(FieldScope& scope, TableColumn first, TableColumn last) {
     IMemoryResidentData& store = scope.Store();
     store.SetDbTableY(scope.Format(), scope.Field(), first.format);
     store.SetDbSourceY(scope.Format(), scope.Field(), first.field);
-    store.SetDbTable(scope.Format(), scope.Field(), last.format);
-    store.SetDbSource(scope.Format(), scope.Field(), last.field);
+    scope.ReferTo(last.format, last.field);
     scope.Add(Classes::kList);
 }
 
@@ -41,7 +40,7 @@ bool ResolveAutoList(FieldScope& scope) {
                               static_cast<std::size_t>(match.Start)};
     TableColumn first;
     TableColumn last;
-    if (!scope.Find(reference, context, Datasets::Own, first) || !scope.Chain().FindEnd(first, last)) {
+    if (!scope.Find(reference, context, Datasets::Own, first) || !scope.Pass().chain.FindEnd(first, last)) {
         return false;
     }
     SetList(scope, first, last);

@@ -122,8 +122,7 @@ bool ResolveDatabase(FieldScope& scope) {
         return false;
     }
     IMemoryResidentData& store = scope.Store();
-    store.SetDbTable(scope.Format(), scope.Field(), target.format);
-    store.SetDbSource(scope.Format(), scope.Field(), target.field);
+    scope.ReferTo(target.format, target.field);
     if (scope.IsMatrix()) {
         scope.SetSlots(DataSlot::kMatrixFormat, DataSlot::kMatrixField, target);
     }

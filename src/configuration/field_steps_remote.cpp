@@ -11,7 +11,11 @@
 #include <kestrona/definition_load.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace Kestrona::Configuration {
@@ -31,6 +35,10 @@ bool FindRemote(const FieldScope& scope, const Parser& parser, const Classificat
     return scope.Find(reference, scope.Context(context), Datasets::Any, target);
 }
 
+constexpr std::wstring_view kEntryStart = L" | SUBSTITUTX(";
+constexpr std::wstring_view kEntryValueEnd = L"->";
+constexpr std::size_t kMaxHeading = 40;
+
 // The entries that let the value be shown and read as the field's name.
 std::wstring SubstitutesFor(const FieldScope& scope, const Reference& reference, TableColumn target) {
     static const Parsers::ClassificationParser_SUBSTITUTX by_column_name;
@@ -41,21 +49,48 @@ std::wstring SubstitutesFor(const FieldScope& scope, const Reference& reference,
            by_dialog_name.BuildClassification(value, GetDialogFieldName(scope.Store(), target.format, target.field));
 }
 
-// A compiled definition holds the entries already, and so does one that is resolved again.
-void AppendSubstitutes(const FieldScope& scope, const Reference& reference, TableColumn target, std::wstring& text) {
-    if (FromCompiled()) {
-        return;
+// Collects the entries that a classification string needs and does not hold. A definition that is resolved again holds
+// them already.
+class MissingSubstitutes {
+public:
+    // `text` is viewed.
+    explicit MissingSubstitutes(std::wstring_view text) : text_(text) {
+        for (std::size_t at = text.find(kEntryStart); at != std::wstring_view::npos;
+             at = text.find(kEntryStart, at + 1)) {
+            held_.emplace(Heading(text.substr(at)), at);
+        }
     }
-    const std::wstring entries = SubstitutesFor(scope, reference, target);
-    if (text.find(entries) == std::wstring::npos) {
-        text += entries;
+
+    // Entries with the same value are the same.
+    void Need(const std::wstring& entries) {
+        if (!settled_.insert(std::wstring(Heading(entries))).second) {
+            return;
+        }
+        const auto [first, last] = held_.equal_range(Heading(entries));
+        if (std::none_of(first, last,
+                         [&](const auto& held) { return text_.substr(held.second).starts_with(entries); })) {
+            added_ += entries;
+        }
     }
-}
+
+    [[nodiscard]] const std::wstring& Added() const { return added_; }
+
+private:
+    // An entry up to its value, or as much as any entry has before that.
+    static std::wstring_view Heading(std::wstring_view entry) {
+        const std::wstring_view beginning = entry.substr(0, kMaxHeading);
+        return beginning.substr(0, beginning.find(kEntryValueEnd));
+    }
+
+    std::wstring_view text_;
+    std::unordered_multimap<std::wstring_view, std::size_t> held_; // positions by heading
+    std::unordered_set<std::wstring> settled_;                     // headings
+    std::wstring added_;
+};
 
 bool CheckDefault(FieldScope& scope, const std::vector<double>& values) {
     const double value = scope.Store().GetDbDefaultValue(scope.Format(), scope.Field());
-    if (values.empty() || value >= kAboveRemoteDefaults ||
-        std::find(values.begin(), values.end(), value) != values.end()) {
+    if (value >= kAboveRemoteDefaults || std::find(values.begin(), values.end(), value) != values.end()) {
         return true;
     }
     return Fail(Platform::FormatText(Message(kMsgDefaultNotRemote), Platform::DoubleToText17(value), scope.FormatName(),
@@ -80,9 +115,13 @@ bool ResolveRemoteDefault(FieldScope& scope) {
 
 bool ResolveRemote(FieldScope& scope) {
     static const Parsers::ClassificationParser_REMOTE parser;
+    const std::vector<ClassificationMatch> matches = parser.MatchAll(scope.Text());
+    if (matches.empty()) {
+        return true;
+    }
     std::vector<double> values;
-    std::wstring text = scope.Text();
-    for (const ClassificationMatch& match : parser.MatchAll(scope.Text())) {
+    MissingSubstitutes missing(scope.Text());
+    for (const ClassificationMatch& match : matches) {
         Reference reference;
         TableColumn target;
         if (!FindRemote(scope, parser, match, kMsgInRemote, reference, target)) {
@@ -91,10 +130,11 @@ bool ResolveRemote(FieldScope& scope) {
         values.push_back(ConvertTableColumnIndexToRemoteValue(target.format, target.field));
         scope.Add(Classes::kSubstitute);
         scope.Add(Classes::kSubstitutx);
-        AppendSubstitutes(scope, reference, target, text);
+        missing.Need(SubstitutesFor(scope, reference, target));
     }
-    if (text.size() != scope.Text().size()) {
-        scope.SetText(text);
+    // A compiled definition holds the entries as they were made.
+    if (!missing.Added().empty() && !FromCompiled()) {
+        scope.SetText(scope.Text() + missing.Added());
     }
     return CheckDefault(scope, values);
 }

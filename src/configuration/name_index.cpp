@@ -23,6 +23,10 @@ std::int32_t NameIndex::NextOfSameName(std::int32_t format) const {
     return formats_[static_cast<std::size_t>(format)].next_of_same_name;
 }
 
+bool NameIndex::HasExtension(std::int32_t format) const {
+    return formats_[static_cast<std::size_t>(format)].has_extension;
+}
+
 std::int32_t NameIndex::FieldNamed(std::int32_t format, std::wstring_view name) {
     if (format < 0 || static_cast<std::size_t>(format) >= formats_.size()) {
         return -1;
@@ -35,6 +39,7 @@ std::int32_t NameIndex::FieldNamed(std::int32_t format, std::wstring_view name) 
 // Goes from the last format to the first, so that each finds the next of its name in the index.
 void NameIndex::EnterFormats() {
     for (auto format = static_cast<std::int32_t>(formats_.size()) - 1; format >= 0; --format) {
+        formats_[static_cast<std::size_t>(format)].has_extension = store_.GetDbExtension(format) != nullptr;
         if (const wchar_t* name = store_.GetDbName(format)) {
             const auto [entry, is_first] = by_name_.try_emplace(name, format);
             if (!is_first) {

@@ -13,8 +13,8 @@ namespace Kestrona::Configuration {
 
 // Formats and fields by exact name, for one pass over the definition.
 //
-// Names are views of the store's own texts, so no name may change and no format or field may come or go while the index
-// is in use. The fields of a format are entered when one of them is first asked for.
+// Names are views of the store's own texts, so no name or extension may change and no format or field may come or go
+// while the index is in use. The fields of a format are entered when one of them is first asked for.
 class NameIndex {
 public:
     explicit NameIndex(Data::MemoryResident::IMemoryResidentData& store);
@@ -24,6 +24,10 @@ public:
     // The next format of the same name, -1 for none.
     std::int32_t NextOfSameName(std::int32_t format) const;
 
+    // Whether the format has an extension, so that it belongs to a dataset.
+    // Requires: a format that was found by its name.
+    bool HasExtension(std::int32_t format) const;
+
     // The first field of this name, -1 for none or for a format out of range.
     std::int32_t FieldNamed(std::int32_t format, std::wstring_view name);
 
@@ -32,6 +36,7 @@ private:
 
     struct Format {
         std::int32_t next_of_same_name = -1;
+        bool has_extension = false;
         bool entered = false;
         ByName fields;
     };

@@ -43,7 +43,7 @@ bool ReferenceLookup::FindReferenceFormatField(const std::wstring& format_name, 
 }
 
 bool ReferenceLookup::IsCandidate(std::int32_t format, Datasets datasets, std::int32_t current_format) {
-    if (datasets == Datasets::Any || format == current_format || store_.GetDbExtension(format) == nullptr) {
+    if (datasets == Datasets::Any || format == current_format || !names_.HasExtension(format)) {
         return true;
     }
     const std::int32_t parent = ParentOf(current_format);

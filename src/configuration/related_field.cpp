@@ -5,16 +5,14 @@
 
 #include <kestrona/classes.h>
 
+#include <iterator>
+
 namespace Kestrona::Configuration {
 
 using Data::MemoryResident::field_info;
 using Data::MemoryResident::IMemoryResidentData;
 
 namespace {
-
-bool HasMatrixType(IMemoryResidentData& store, TableColumn place) {
-    return (store.GetDbType(place.format, place.field) & TypeBit::kMatrix) != 0;
-}
 
 // The list or matrix that the field refers to; -1 in either number when it refers to none.
 TableColumn TargetOf(const FieldScope& scope) {
@@ -25,15 +23,9 @@ TableColumn TargetOf(const FieldScope& scope) {
     return {store.GetDbTable(scope.Format(), scope.Field()), store.GetDbSource(scope.Format(), scope.Field())};
 }
 
-// A single reference to a UNIQUE field of the target's format tells one record of it.
-bool ChoosesRecord(const FieldScope& scope, std::int32_t field, std::int32_t target_format) {
-    IMemoryResidentData& store = scope.Store();
-    const TableColumn place{scope.Format(), field};
-    return store.ClassDefined(place.format, place.field, Classes::kDatabase) && !HasMatrixType(store, place) &&
-           !(scope.Format() != target_format &&
-             store.ClassDefined(place.format, place.field, Classes::kAdditionalReference)) &&
-           store.GetDbTable(place.format, place.field) == target_format &&
-           store.ClassDefined(target_format, store.GetDbSource(place.format, place.field), Classes::kUnique);
+bool RefersToMatrix(IMemoryResidentData& store, TableColumn target) {
+    return target.format != -1 && target.field != -1 &&
+           (store.GetDbType(target.format, target.field) & TypeBit::kMatrix) != 0;
 }
 
 bool RefuseAmbiguity(const FieldScope& scope, std::int32_t target_format, std::int32_t field, std::int32_t earlier) {
@@ -43,49 +35,35 @@ bool RefuseAmbiguity(const FieldScope& scope, std::int32_t target_format, std::i
         store.GetColumnName(scope.Format(), field), store.GetColumnName(scope.Format(), earlier), scope.FieldName()));
 }
 
-struct Search {
-    std::int32_t target_format = -1;
-    bool skip_unchecked = true;     // leave out fields of the class kUnchecked
-    bool ambiguity_is_error = true; // else the first hit stays
-};
+bool RefuseUnrelated(const FieldScope& scope, std::int32_t target_format) {
+    return Fail(Platform::FormatText(JoinedMessages({kMsgNoRelated, kMsgNoRelatedTail}),
+                                     scope.Store().GetDbName(target_format), scope.FormatName(), scope.FieldName()));
+}
 
-bool SearchFields(const FieldScope& scope, const Search& search, std::int32_t& related) {
-    IMemoryResidentData& store = scope.Store();
-    const std::int32_t fields = store.GetDbFields(scope.Format());
-    for (std::int32_t field = 0; field < fields; ++field) {
-        if (!ChoosesRecord(scope, field, search.target_format) ||
-            (search.skip_unchecked && store.ClassDefined(scope.Format(), field, Classes::kUnchecked))) {
-            continue;
-        }
-        if (related == -1) {
-            related = field;
-        } else if (search.ambiguity_is_error) {
-            return RefuseAmbiguity(scope, search.target_format, field, related);
-        }
+// Takes the first field. More than one is ambiguous, except among the unchecked ones of the target's own format.
+bool TakeChooser(const FieldScope& scope, std::int32_t target_format, std::int32_t& related) {
+    const RecordChoosers::Choosers& choosers = scope.Pass().choosers.Of(scope.Format(), target_format);
+    const bool is_checked = !choosers.checked.empty();
+    const RecordChoosers::Fields& fields = is_checked ? choosers.checked : choosers.unchecked;
+    if (fields.empty()) {
+        return true;
     }
+    if (fields.size() > 1 && (is_checked || scope.Format() != target_format)) {
+        return RefuseAmbiguity(scope, target_format, *std::next(fields.begin()), *fields.begin());
+    }
+    related = *fields.begin();
     return true;
 }
 
 // Leaves `related` at -1 when no field of the format chooses the record.
 bool SearchRelated(const FieldScope& scope, std::int32_t target_format, std::int32_t& related) {
-    const bool is_here = scope.Format() == target_format;
-    if (!scope.Is(Classes::kRelatedField)) {
-        if (!SearchFields(scope, {target_format, true, true}, related)) {
-            return false;
-        }
-        if (related == -1 && !SearchFields(scope, {target_format, false, !is_here}, related)) {
-            return false;
-        }
+    if (!scope.Is(Classes::kRelatedField) && !TakeChooser(scope, target_format, related)) {
+        return false;
     }
-    if (related == -1 && is_here) {
+    if (related == -1 && scope.Format() == target_format) {
         related = scope.Store().GetDbKey(scope.Format());
     }
     return true;
-}
-
-bool RefuseUnrelated(const FieldScope& scope, std::int32_t target_format) {
-    return Fail(Platform::FormatText(JoinedMessages({kMsgNoRelated, kMsgNoRelatedTail}),
-                                     scope.Store().GetDbName(target_format), scope.FormatName(), scope.FieldName()));
 }
 
 // The field's own source lives on as its matrix field.
@@ -94,8 +72,7 @@ void TakeOverDimensions(FieldScope& scope, TableColumn target) {
     if (field_info* info = store.GetFieldInfo(scope.Format(), scope.Field())) {
         info->matrixField = info->source;
     }
-    store.SetDbTable(scope.Format(), scope.Field(), store.GetDbTable(target.format, target.field));
-    store.SetDbSource(scope.Format(), scope.Field(), store.GetDbSource(target.format, target.field));
+    scope.ReferTo(store.GetDbTable(target.format, target.field), store.GetDbSource(target.format, target.field));
 }
 
 } // namespace
@@ -106,7 +83,7 @@ bool FindRelatedField(FieldScope& scope) {
     }
     IMemoryResidentData& store = scope.Store();
     const TableColumn target = TargetOf(scope);
-    if (target.format == -1 || target.field == -1 || !HasMatrixType(store, target)) {
+    if (!RefersToMatrix(store, target)) {
         return true;
     }
     std::int32_t related = store.GetDbRelated(scope.Format(), scope.Field());

@@ -40,8 +40,7 @@ void DimensionByList(FieldScope& scope, std::int32_t list) {
     }
     IMemoryResidentData& store = scope.Store();
     const std::int32_t listed = store.GetDbTable(scope.Format(), list);
-    store.SetDbTable(scope.Format(), scope.Field(), scope.Format());
-    store.SetDbSource(scope.Format(), scope.Field(), store.GetDbKey(scope.Format()));
+    scope.ReferTo(scope.Format(), store.GetDbKey(scope.Format()));
     store.SetDbTableY(scope.Format(), scope.Field(), listed);
     store.SetDbSourceY(scope.Format(), scope.Field(), store.GetDbKey(listed)); // -1 for a list of plain values
 }
@@ -119,7 +118,7 @@ bool ResolveFamily(FieldScope& scope) {
     }
     IMemoryResidentData& store = scope.Store();
     scope.Add(Classes::kFamily);
-    store.SetDbTable(scope.Format(), scope.Field(), -1);
+    scope.ReferTo(-1, store.GetDbSource(scope.Format(), scope.Field()));
     if (store.GetDbKey(scope.Format()) == -1) {
         return scope.Refuse(JoinedMessages({kMsgFamilyKey, kMsgFamilyKeyTail}));
     }
@@ -127,7 +126,8 @@ bool ResolveFamily(FieldScope& scope) {
     if (shown < 0) {
         return false;
     }
-    store.SetDbTable(scope.Format(), scope.Field(), shown); // a field of this format, not a format
+    // The table of a FAMILY field is a field of its own format.
+    scope.ReferTo(shown, store.GetDbSource(scope.Format(), scope.Field()));
     store.AddDbClass(scope.Format(), shown, Classes::kInheritFromParent);
     store.AddDbClass(scope.Format(), shown, Classes::kFamilyTarget);
     return true;

@@ -1,4 +1,5 @@
 // Fields that share, override or update another field of their format.
+#include "configuration/field_count.h"
 #include "configuration/messages.h"
 #include "configuration/relationship_steps.h"
 #include "configuration/report.h"
@@ -23,19 +24,6 @@ bool ReadName(const FieldScope& scope, const Parser& parser, Reference& out) {
         out.position = static_cast<std::size_t>(match.Start);
     }
     return match.Matched || Parser::HasKeyword(scope.Text());
-}
-
-// Whether the field shares its own column, by way of others. Only the fields up to this one know by now whose column
-// they share, so the last field of a ring finds it.
-bool SharesItself(const FieldScope& scope, std::int32_t shared) {
-    IMemoryResidentData& store = scope.Store();
-    for (std::int32_t steps = store.GetDbFields(scope.Format());
-         steps > 0 && shared < scope.Field() &&
-         store.ClassDefined(scope.Format(), shared, Classes::kAdditionalReference);
-         --steps) {
-        shared = store.GetDbTableY(scope.Format(), shared);
-    }
-    return shared == scope.Field();
 }
 
 // 0 when the field may override the other one, else the number of the text that tells why not.
@@ -72,7 +60,9 @@ bool ResolveAdditionalReference(FieldScope& scope) {
     if (target < 0) {
         return false;
     }
-    if (SharesItself(scope, target)) {
+    ColumnSharing& sharing = scope.Pass().sharing;
+    sharing.Begin(scope.Format(), FieldCount(scope.Store(), scope.Format()));
+    if (!sharing.Enter(scope.Field(), target)) {
         return RefuseNamed(scope, kMsgSharesItself, target);
     }
     scope.Store().SetDbTableY(scope.Format(), scope.Field(), target);

@@ -10,9 +10,18 @@ namespace Kestrona::Data::MemoryResident {
 
 namespace {
 
+// The buffer is made for formats that need one: in the record itself it would push the formats apart that every cell
+// access reads.
+wchar_t* DatasetNameBuffer(formats_info& format) {
+    if (format.currentDatasetName == nullptr) {
+        format.currentDatasetName = std::make_unique<std::array<wchar_t, kMaxDatasetName + 1>>();
+    }
+    return format.currentDatasetName->data();
+}
+
 void StoreDatasetName(formats_info& format, std::wstring_view name) {
     const std::wstring_view kept = CutUtf16(name, kMaxDatasetName);
-    const auto end = std::ranges::copy(kept, format.currentDatasetName.begin()).out;
+    wchar_t* const end = std::ranges::copy(kept, DatasetNameBuffer(format)).out;
     *end = L'\0';
 }
 
@@ -38,7 +47,7 @@ void MemoryResidentData::SetDefaultDatasetName(std::int32_t format, wchar_t* nam
 
 wchar_t* MemoryResidentData::GetDbCurrentDatasetName(std::int32_t format) {
     formats_info* const info = FindFormat(format);
-    return info != nullptr ? info->currentDatasetName.data() : nullptr;
+    return info != nullptr ? DatasetNameBuffer(*info) : nullptr;
 }
 
 void MemoryResidentData::SetDatasetName(std::int32_t format, const wchar_t* name) {
@@ -47,7 +56,7 @@ void MemoryResidentData::SetDatasetName(std::int32_t format, const wchar_t* name
         return;
     }
     const std::wstring wanted = name != nullptr ? name : L""; // the name may stand in the buffer that is written
-    if (!EqualIgnoringCase(wanted, info->currentDatasetName.data())) {
+    if (!EqualIgnoringCase(wanted, DatasetNameBuffer(*info))) {
         StoreDatasetName(*info, wanted);
     }
     info->changed = true;

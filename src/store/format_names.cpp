@@ -3,13 +3,27 @@
 
 #include <kestrona/store.h>
 
+#include <algorithm>
+
 namespace Kestrona::Data::MemoryResident {
+
+namespace {
+
+bool HasName(const formats_info& format, std::wstring_view name) {
+    return format.name && format.name.get() == name;
+}
+
+} // namespace
 
 std::int32_t FormatNames::Find(std::span<const formats_info> formats, std::int32_t count, std::wstring_view name) {
     if (!valid_) {
         Build(formats, count);
     }
-    const auto found = numbers_.find(name);
+    auto found = numbers_.find(name);
+    if (found != numbers_.end() && !HasName(formats[static_cast<std::size_t>(found->second)], name)) {
+        Build(formats, count); // names are handed out for writing
+        found = numbers_.find(name);
+    }
     return found != numbers_.end() ? found->second : -1;
 }
 

@@ -1,6 +1,8 @@
 #include "configuration/auto_list_chain.h"
 #include "configuration/classification_finder.h"
+#include "configuration/column_sharing.h"
 #include "configuration/definition_fixture.h"
+#include "configuration/record_choosers.h"
 #include "configuration/reference_lookup.h"
 
 #include <kestrona/record_search.h>
@@ -15,6 +17,8 @@
 namespace Kestrona::Configuration {
 
 namespace {
+
+using Data::MemoryResident::MemoryResidentData;
 
 class Lookup : public ConfigurationTest::DefinitionFixture {
 protected:
@@ -127,6 +131,80 @@ TEST_F(Lookup, FollowsListsAsFarAsASlowWalkDoes) {
             store_.SetDbClassString(0, changed, L"");
             next[static_cast<std::size_t>(changed)] = -1;
             chain.Changed({0, changed});
+        }
+    }
+}
+
+// The rule for the fields that choose a record, told by a plain walk.
+std::set<std::int32_t> WalkChoosers(MemoryResidentData& store, std::int32_t format, std::int32_t target,
+                                    bool unchecked) {
+    std::set<std::int32_t> found;
+    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+        const auto is = [&](Class c) {
+            return store.ClassDefined(format, field, c);
+        };
+        if ((store.GetDbType(format, field) & TypeBit::kMatrix) == 0 && is(Classes::kDatabase) &&
+            !(is(Classes::kAdditionalReference) && format != target) && is(Classes::kUnchecked) == unchecked &&
+            store.GetDbTable(format, field) == target &&
+            store.ClassDefined(target, store.GetDbSource(format, field), Classes::kUnique)) {
+            found.insert(field);
+        }
+    }
+    return found;
+}
+
+TEST_F(Lookup, KeepsTheFieldsThatChooseARecordWhileTheirReferencesChange) {
+    const auto maybe = [&](std::vector<Class>& classes, Class c) {
+        if (Pick(2) == 0) {
+            classes.push_back(c);
+        }
+    };
+    for (std::int32_t format = 0; format < 4; ++format) {
+        std::vector<Fixtures::Field> fields;
+        for (std::int32_t field = 0; field < 20; ++field) {
+            Fixtures::Field each{.name = L"F", .type = Pick(4) == 0 ? TypeBit::kMatrix : TypeBit::kReal};
+            for (const Class c :
+                 {Classes::kDatabase, Classes::kUnique, Classes::kUnchecked, Classes::kAdditionalReference}) {
+                maybe(each.classes, c);
+            }
+            each.table = Pick(5) - 1;
+            each.source = Pick(21) - 1;
+            fields.push_back(each);
+        }
+        Add(L"T", fields);
+    }
+    RecordChoosers choosers(store_);
+    for (int i = 0; i < 2000; ++i) {
+        const std::int32_t format = i / 500;
+        const std::int32_t field = Pick(20);
+        store_.SetDbTable(format, field, Pick(5) - 1);
+        store_.SetDbSource(format, field, Pick(21) - 1);
+        choosers.Changed(format, field);
+        const std::int32_t target = Pick(4);
+        ASSERT_EQ(choosers.Of(format, target).checked, WalkChoosers(store_, format, target, false));
+        ASSERT_EQ(choosers.Of(format, target).unchecked, WalkChoosers(store_, format, target, true));
+    }
+}
+
+TEST_F(Lookup, FindsTheFieldThatClosesARingOfSharedColumns) {
+    constexpr std::int32_t kFields = 12;
+    for (std::int32_t format = 0; format < 300; ++format) {
+        ColumnSharing sharing;
+        sharing.Begin(format, kFields);
+        std::vector<std::int32_t> targets(kFields, -1);
+        for (std::int32_t field = 0; field < kFields; ++field) {
+            if (Pick(3) == 0) {
+                continue;
+            }
+            std::int32_t owner = Pick(kFields);
+            const std::int32_t target = owner;
+            while (targets[static_cast<std::size_t>(owner)] >= 0) {
+                owner = targets[static_cast<std::size_t>(owner)];
+            }
+            ASSERT_EQ(sharing.Enter(field, target), owner != field);
+            if (owner != field) {
+                targets[static_cast<std::size_t>(field)] = target;
+            }
         }
     }
 }

@@ -72,6 +72,10 @@ TEST_F(Search, FormatNamesFollowEveryChange) {
     EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Far"), -1); // behind the first unused format
     store->SetFormatCount(3);                            // counts the unused one in
     EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Far"), 3);
+    store->GetDbName(3)[0] = L'C'; // written in place
+    EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Far"), -1);
+    EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Car"), 3);
+    store->GetDbName(3)[0] = L'F';
     store->SetFormatCount(0);
     EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Far"), -1);
 
