@@ -1,7 +1,8 @@
 // Cells and key lookups through the shared library, each beside the same access written out by hand.
 //
 // "ByHand" takes two array steps and one virtual call into another library; "Vector" reads or writes a bare vector.
-// The random order of cells is over all formats, fields and records; every figure is the time of one access.
+// Patterns: one column of a million records in order, the same at random, and cells at random over eight formats of ten
+// fields. Every figure "each" is the time of one access.
 #include "peer_column.h"
 
 #include <kestrona/classes.h>
@@ -20,12 +21,32 @@ namespace {
 using namespace Kestrona;
 using namespace Kestrona::Data::MemoryResident;
 
-constexpr std::int32_t kFormats = 8;
-constexpr std::int32_t kFields = 10;
-constexpr std::int32_t kRecords = 20000;
-constexpr std::int32_t kUntracked = 0; // formats of the store
-constexpr std::int32_t kTracked = kFormats;
+enum class Pattern {
+    InOrder,
+    RandomRecords,
+    RandomCells
+};
+
+// One format with a long column, then the small formats.
+constexpr std::int32_t kSmallFormats = 8;
+constexpr std::int32_t kSmallFields = 10;
+constexpr std::int32_t kSmallRecords = 20000;
+constexpr std::int32_t kLongFields = 2;
+constexpr std::int32_t kLongRecords = 1000000;
+constexpr std::int32_t kFormats = 1 + kSmallFormats;
 constexpr std::size_t kAccesses = std::size_t{1} << 18;
+
+// Where the formats of the store begin that are not tracked, and those that are.
+constexpr std::int32_t kUntracked = 0;
+constexpr std::int32_t kTracked = kFormats;
+
+std::int32_t FieldsOf(std::int32_t format) {
+    return format == 0 ? kLongFields : kSmallFields;
+}
+
+std::int32_t RecordsOf(std::int32_t format) {
+    return format == 0 ? kLongRecords : kSmallRecords;
+}
 
 struct Cell {
     std::int32_t format;
@@ -33,20 +54,35 @@ struct Cell {
     std::int32_t record;
 };
 
-std::vector<Cell> Cells(bool random) {
+std::vector<Cell> Cells(Pattern pattern) {
     std::mt19937 generator(7);
+    const auto draw = [&](std::int32_t bound) {
+        return static_cast<std::int32_t>(generator() % static_cast<std::uint32_t>(bound));
+    };
     std::vector<Cell> cells(kAccesses);
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        const auto record = static_cast<std::int32_t>(i % kRecords);
-        cells[i] = {0, 1, record};
-        if (random) {
-            cells[i] = {static_cast<std::int32_t>(generator() % kFormats),
-                        static_cast<std::int32_t>(1 + generator() % (kFields - 1)),
-                        static_cast<std::int32_t>(generator() % kRecords)};
+        if (pattern == Pattern::InOrder) {
+            cells[i] = {0, 1, static_cast<std::int32_t>(i)};
+        } else if (pattern == Pattern::RandomRecords) {
+            cells[i] = {0, 1, draw(kLongRecords)};
+        } else {
+            cells[i] = {1 + draw(kSmallFormats), 1 + draw(kSmallFields - 1), draw(kSmallRecords)};
         }
     }
     return cells;
 }
+
+// The place of a cell in one long vector of all cells.
+std::size_t PlaceOf(const Cell& cell) {
+    const std::int32_t place = cell.format == 0
+                                   ? cell.field * kLongRecords + cell.record
+                                   : kLongFields * kLongRecords +
+                                         ((cell.format - 1) * kSmallFields + cell.field) * kSmallRecords + cell.record;
+    return static_cast<std::size_t>(place);
+}
+
+constexpr std::size_t kAllCells =
+    std::size_t{kLongFields} * kLongRecords + std::size_t{kSmallFormats} * kSmallFields * kSmallRecords;
 
 void AddFormat(MemoryResidentData& store, std::int32_t fields, std::int32_t records, bool tracked) {
     const std::int32_t format = store.GetFormatCount();
@@ -67,15 +103,16 @@ void AddFormat(MemoryResidentData& store, std::int32_t fields, std::int32_t reco
     store.SetCurrentDbSize(format, records);
 }
 
-// Untracked formats first, then as many tracked ones; every cell but the keys holds 1.0.
+// The untracked formats first, then the tracked ones; every cell but the keys holds 1.0.
 MemoryResidentData& Store() {
     static const std::unique_ptr<MemoryResidentData> store = [] {
         auto made = CreateMemoryResidentData();
-        for (std::int32_t format = 0; format < 2 * kFormats; ++format) {
-            AddFormat(*made, kFields, kRecords, format >= kTracked);
-            for (std::int32_t field = 1; field < kFields; ++field) {
-                for (std::int32_t record = 0; record < kRecords; ++record) {
-                    made->SetDbValue(format, field, record, 1.0);
+        for (std::int32_t number = 0; number < 2 * kFormats; ++number) {
+            const std::int32_t format = number % kFormats;
+            AddFormat(*made, FieldsOf(format), RecordsOf(format), number >= kTracked);
+            for (std::int32_t field = 1; field < FieldsOf(format); ++field) {
+                for (std::int32_t record = 0; record < RecordsOf(format); ++record) {
+                    made->SetDbValue(number, field, record, 1.0);
                 }
             }
         }
@@ -86,11 +123,12 @@ MemoryResidentData& Store() {
 
 std::vector<PeerFormat> MakePeers(std::unique_ptr<PeerColumn> (*make)()) {
     std::vector<PeerFormat> formats(static_cast<std::size_t>(kFormats));
-    for (PeerFormat& format : formats) {
-        for (std::int32_t field = 0; field < kFields; ++field) {
-            format.fields.push_back(make());
-            for (std::int32_t record = 0; record < kRecords; ++record) {
-                format.fields.back()->SetValue(record, 1.0);
+    for (std::int32_t format = 0; format < kFormats; ++format) {
+        PeerFormat& peer = formats[static_cast<std::size_t>(format)];
+        for (std::int32_t field = 0; field < FieldsOf(format); ++field) {
+            peer.fields.push_back(make());
+            for (std::int32_t record = 0; record < RecordsOf(format); ++record) {
+                peer.fields.back()->SetValue(record, 1.0);
             }
         }
     }
@@ -101,16 +139,14 @@ PeerColumn& At(const std::vector<PeerFormat>& formats, const Cell& cell) {
     return *formats[static_cast<std::size_t>(cell.format)].fields[static_cast<std::size_t>(cell.field)];
 }
 
-void CountAccesses(benchmark::State& state) {
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kAccesses));
-    state.counters["each"] =
-        benchmark::Counter(static_cast<double>(kAccesses),
-                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+void CountAccesses(benchmark::State& state, std::size_t accesses = kAccesses) {
+    state.counters["each"] = benchmark::Counter(
+        static_cast<double>(accesses), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void ReadStore(benchmark::State& state, bool random) {
+void ReadStore(benchmark::State& state, Pattern pattern) {
     MemoryResidentData& store = Store();
-    const std::vector<Cell> cells = Cells(random);
+    const std::vector<Cell> cells = Cells(pattern);
     for (auto _ : state) {
         double sum = 0.0;
         for (const Cell& cell : cells) {
@@ -121,9 +157,9 @@ void ReadStore(benchmark::State& state, bool random) {
     CountAccesses(state);
 }
 
-void ReadByHand(benchmark::State& state, bool random) {
+void ReadByHand(benchmark::State& state, Pattern pattern) {
     const std::vector<PeerFormat> formats = MakePeers(MakePeerColumn);
-    const std::vector<Cell> cells = Cells(random);
+    const std::vector<Cell> cells = Cells(pattern);
     for (auto _ : state) {
         double sum = 0.0;
         for (const Cell& cell : cells) {
@@ -134,13 +170,13 @@ void ReadByHand(benchmark::State& state, bool random) {
     CountAccesses(state);
 }
 
-void ReadVector(benchmark::State& state, bool random) {
-    const std::vector<double> values(static_cast<std::size_t>(kFormats * kFields * kRecords), 1.0);
-    const std::vector<Cell> cells = Cells(random);
+void ReadVector(benchmark::State& state, Pattern pattern) {
+    const std::vector<double> values(kAllCells, 1.0);
+    const std::vector<Cell> cells = Cells(pattern);
     for (auto _ : state) {
         double sum = 0.0;
         for (const Cell& cell : cells) {
-            sum += values[static_cast<std::size_t>((cell.format * kFields + cell.field) * kRecords + cell.record)];
+            sum += values[PlaceOf(cell)];
         }
         benchmark::DoNotOptimize(sum);
     }
@@ -148,9 +184,9 @@ void ReadVector(benchmark::State& state, bool random) {
 }
 
 // Every write changes its cell: the value differs from round to round.
-void WriteStore(benchmark::State& state, bool random, std::int32_t first_format) {
+void WriteStore(benchmark::State& state, Pattern pattern, std::int32_t first_format) {
     MemoryResidentData& store = Store();
-    const std::vector<Cell> cells = Cells(random);
+    const std::vector<Cell> cells = Cells(pattern);
     static double value = 1.0;
     for (auto _ : state) {
         value += 1.0;
@@ -161,9 +197,9 @@ void WriteStore(benchmark::State& state, bool random, std::int32_t first_format)
     CountAccesses(state);
 }
 
-void WriteByHand(benchmark::State& state, bool random, std::unique_ptr<PeerColumn> (*make)()) {
+void WriteByHand(benchmark::State& state, Pattern pattern, std::unique_ptr<PeerColumn> (*make)()) {
     const std::vector<PeerFormat> formats = MakePeers(make);
-    const std::vector<Cell> cells = Cells(random);
+    const std::vector<Cell> cells = Cells(pattern);
     double value = 1.0;
     for (auto _ : state) {
         value += 1.0;
@@ -174,36 +210,37 @@ void WriteByHand(benchmark::State& state, bool random, std::unique_ptr<PeerColum
     CountAccesses(state);
 }
 
-void WriteVector(benchmark::State& state, bool random) {
-    std::vector<double> values(static_cast<std::size_t>(kFormats * kFields * kRecords), 1.0);
-    const std::vector<Cell> cells = Cells(random);
+void WriteVector(benchmark::State& state, Pattern pattern) {
+    std::vector<double> values(kAllCells, 1.0);
+    const std::vector<Cell> cells = Cells(pattern);
     double value = 1.0;
     for (auto _ : state) {
         value += 1.0;
         for (const Cell& cell : cells) {
-            values[static_cast<std::size_t>((cell.format * kFields + cell.field) * kRecords + cell.record)] = value;
+            values[PlaceOf(cell)] = value;
         }
         benchmark::ClobberMemory();
     }
     CountAccesses(state);
 }
 
-BENCHMARK_CAPTURE(ReadStore, sequential, false);
-BENCHMARK_CAPTURE(ReadByHand, sequential, false);
-BENCHMARK_CAPTURE(ReadVector, sequential, false);
-BENCHMARK_CAPTURE(ReadStore, random, true);
-BENCHMARK_CAPTURE(ReadByHand, random, true);
-BENCHMARK_CAPTURE(ReadVector, random, true);
-BENCHMARK_CAPTURE(WriteStore, untracked_sequential, false, kUntracked);
-BENCHMARK_CAPTURE(WriteStore, tracked_sequential, false, kTracked);
-BENCHMARK_CAPTURE(WriteByHand, sequential, false, MakePeerColumn);
-BENCHMARK_CAPTURE(WriteByHand, marking_sequential, false, MakeMarkingPeerColumn);
-BENCHMARK_CAPTURE(WriteVector, sequential, false);
-BENCHMARK_CAPTURE(WriteStore, untracked_random, true, kUntracked);
-BENCHMARK_CAPTURE(WriteStore, tracked_random, true, kTracked);
-BENCHMARK_CAPTURE(WriteByHand, random, true, MakePeerColumn);
-BENCHMARK_CAPTURE(WriteByHand, marking_random, true, MakeMarkingPeerColumn);
-BENCHMARK_CAPTURE(WriteVector, random, true);
+#define KS_READS(name, pattern)                                                                                        \
+    BENCHMARK_CAPTURE(ReadStore, name, pattern);                                                                       \
+    BENCHMARK_CAPTURE(ReadByHand, name, pattern);                                                                      \
+    BENCHMARK_CAPTURE(ReadVector, name, pattern)
+#define KS_WRITES(name, pattern)                                                                                       \
+    BENCHMARK_CAPTURE(WriteStore, untracked_##name, pattern, kUntracked);                                              \
+    BENCHMARK_CAPTURE(WriteStore, tracked_##name, pattern, kTracked);                                                  \
+    BENCHMARK_CAPTURE(WriteByHand, name, pattern, MakePeerColumn);                                                     \
+    BENCHMARK_CAPTURE(WriteByHand, marking_##name, pattern, MakeMarkingPeerColumn);                                    \
+    BENCHMARK_CAPTURE(WriteVector, name, pattern)
+
+KS_READS(in_order, Pattern::InOrder);
+KS_READS(random_records, Pattern::RandomRecords);
+KS_READS(random_cells, Pattern::RandomCells);
+KS_WRITES(in_order, Pattern::InOrder);
+KS_WRITES(random_records, Pattern::RandomRecords);
+KS_WRITES(random_cells, Pattern::RandomCells);
 
 // Changes n records of one field in random order, from a state without marks.
 void MarkRecords(benchmark::State& state) {
@@ -236,11 +273,6 @@ std::vector<double> KeysInRandomOrder(std::int32_t count) {
     return keys;
 }
 
-void CountLookups(benchmark::State& state, std::size_t count) {
-    state.counters["each"] = benchmark::Counter(
-        static_cast<double>(count), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void LookupKey(benchmark::State& state) {
     const auto count = static_cast<std::int32_t>(state.range(0));
     const std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
@@ -257,7 +289,7 @@ void LookupKey(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountLookups(state, keys.size());
+    CountAccesses(state, keys.size());
 }
 
 void LookupFlatMap(benchmark::State& state) {
@@ -274,7 +306,7 @@ void LookupFlatMap(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountLookups(state, keys.size());
+    CountAccesses(state, keys.size());
 }
 
 BENCHMARK(LookupKey)->Arg(10000)->Arg(100000)->Arg(1000000);
