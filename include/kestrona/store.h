@@ -203,6 +203,7 @@ private:
     [[nodiscard]] TableInfo* FindTable(std::int32_t table);
     [[nodiscard]] TableEntry* FindTableEntry(std::int32_t table, std::int32_t index);
     double ReadBeyondRecords(std::int32_t format, std::int32_t field, std::int32_t record);
+    void WriteElsewhere(std::int32_t format, std::int32_t field, std::int32_t record, double value);
     void ReportBadRead(std::int32_t format, std::int32_t field, std::int32_t record);
     void ReportBadWrite(std::int32_t format, std::int32_t record);
     void ResetFormat(std::int32_t format);

@@ -58,12 +58,12 @@ void MemoryResidentData::SetDbValue(std::int32_t format, std::int32_t field, std
     assert(FindField(format, field) != nullptr);
     IColumn<double>* const column =
         formats_[static_cast<std::size_t>(format)].fields[static_cast<std::size_t>(field)].column;
-    if (static_cast<std::uint32_t>(record) > static_cast<std::uint32_t>(kLastScratchRecord)) [[unlikely]] {
-        ReportBadWrite(format, record);
+    // Nothing is needed any more after the test, so that the good way saves no registers.
+    if (static_cast<std::uint32_t>(record) > static_cast<std::uint32_t>(kLastScratchRecord) || column == nullptr)
+        [[unlikely]] {
+        return WriteElsewhere(format, field, record, value);
     }
-    if (column != nullptr) [[likely]] {
-        column->SetValue(record, value);
-    }
+    column->SetValue(record, value);
 }
 
 [[gnu::noinline]] double MemoryResidentData::ReadBeyondRecords(std::int32_t format, std::int32_t field,
@@ -74,6 +74,16 @@ void MemoryResidentData::SetDbValue(std::int32_t format, std::int32_t field, std
     // Looked up again: a message box may have run anything.
     const IColumn<double>* const column = GetDbColumn(format, field);
     return column != nullptr ? column->GetValue(record) : GetDbDefaultValue(format, field);
+}
+
+[[gnu::noinline]] void MemoryResidentData::WriteElsewhere(std::int32_t format, std::int32_t field, std::int32_t record,
+                                                          double value) {
+    if (static_cast<std::uint32_t>(record) > static_cast<std::uint32_t>(kLastScratchRecord)) {
+        ReportBadWrite(format, record);
+    }
+    if (IColumn<double>* const column = GetDbColumn(format, field)) {
+        column->SetValue(record, value);
+    }
 }
 
 [[gnu::cold]] void MemoryResidentData::ReportBadRead(std::int32_t format, std::int32_t field, std::int32_t record) {
