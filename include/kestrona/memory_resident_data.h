@@ -222,8 +222,8 @@ public:
     /// Makes the value column that the type code asks for. Like the other operations that make columns, it frees the
     /// column that it replaces, and fields that share that column share the new one.
     virtual void CreateSpecialisedDataStorage(std::int32_t format, std::int32_t field) = 0;
-    /// Makes the value column of a field; that of a key field gets an index at once. A calculated field is left
-    /// without a column, see `HasStorage`.
+    /// Makes the value column of a field; that of a key field gets an index at once. That of a calculated field keeps
+    /// nothing: it evaluates the field's expression at each read.
     virtual void CreateDbValues(std::int32_t format, std::int32_t field) = 0;
     /// Makes the string column of a field.
     virtual void CreateDbStrings(std::int32_t format, std::int32_t field) = 0;
@@ -318,8 +318,8 @@ public:
     // Beyond the table of operations. `MemoryResidentData` is the only implementation of this interface; these reach
     // into it.
 
-    /// Tells whether reads and writes of the field reach a column that keeps values. False for a calculated field, for
-    /// a matrix field, and while the columns have not been made: such a field reads as its default.
+    /// Tells whether reads and writes of the field reach a column that keeps values. False for a calculated field,
+    /// which drops writes, for a matrix field, and while the columns have not been made.
     [[nodiscard]] bool HasStorage(std::int32_t format, std::int32_t field);
     /// Returns the value column, null for none. The store keeps it; valid until the column is made anew or indexed.
     [[nodiscard]] IColumn<double>* GetDbColumn(std::int32_t format, std::int32_t field);

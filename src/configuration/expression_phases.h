@@ -6,12 +6,10 @@
 namespace Kestrona::Configuration {
 
 // Clears the compiled expressions of every field and compiles those of EVALUATE and HIDDEN IF. False when one cannot be
-// compiled and that was reported. The module has no compiler yet: every expression stays empty, and a debug line for
-// each says that its text is kept.
+// compiled; that was reported and `ErrorExit` called. What was compiled before stays.
 bool CompileExpressions(Data::MemoryResident::IMemoryResidentData& store);
 
-// Whether all compiled EVALUATE expressions are sound; the first fault is reported. Without compiled expressions there
-// is nothing to find.
+// Whether all compiled EVALUATE expressions are sound. The first fault is reported and `ErrorExit` called.
 bool ValidateExpressions(Data::MemoryResident::IMemoryResidentData& store);
 
 } // namespace Kestrona::Configuration
