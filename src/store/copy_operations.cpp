@@ -1,4 +1,4 @@
-// Implements: EraseDbRow, EraseDbRows, CreateDuplicateFormat, and the copying, swapping and comparing of rows and
+// Implements: CreateDuplicateFormat, and the copying, swapping and comparing of rows and
 // matrices. All of them stand or fall with the matrices of records, which this version lacks (record_matrices.h), so
 // each refuses.
 #include <kestrona/owned_text.h>
@@ -8,19 +8,10 @@ namespace Kestrona::Data::MemoryResident {
 
 namespace {
 
-constexpr const wchar_t* kNoErase = L"Erasing rows is not available in this version";
 constexpr const wchar_t* kNoCopies = L"Row copies are not available in this version";
 constexpr const wchar_t* kNoDuplicates = L"Duplicate formats are not available in this version";
 
 } // namespace
-
-void MemoryResidentData::EraseDbRows(std::int32_t /*format*/, std::vector<std::int32_t> /*records*/) {
-    throw kNoErase;
-}
-
-void MemoryResidentData::EraseDbRow(std::int32_t /*format*/, std::int32_t /*record*/) {
-    throw kNoErase;
-}
 
 void MemoryResidentData::CopyMatrix(std::int32_t /*source_format*/, std::int32_t /*source_field*/,
                                     std::int32_t /*source_record*/, std::int32_t /*target_format*/,
