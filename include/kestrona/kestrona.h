@@ -23,9 +23,11 @@
 #include <kestrona/expression_tree.h>
 #include <kestrona/expression_validation.h>
 #include <kestrona/find_result.h>
+#include <kestrona/free_strings.h>
 #include <kestrona/host_interfaces.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/indexed_column.h>
+#include <kestrona/matrices.h>
 #include <kestrona/matrix_column.h>
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/owned_text.h>

@@ -24,11 +24,6 @@ class ExpressionPhase {
 public:
     explicit ExpressionPhase(IMemoryResidentData& store) : store_(store), names_(store) {}
 
-    bool CompileField(std::int32_t format, std::int32_t field) {
-        return CompileEvaluate(format, field) && CompileHiddenIf(format, field);
-    }
-
-private:
     bool CompileEvaluate(std::int32_t format, std::int32_t field) {
         store_.SetDbEvaluateExpression(format, field, nullptr);
         if (!store_.ClassDefined(format, field, Classes::kEvaluate)) {
@@ -52,6 +47,7 @@ private:
         return compiled;
     }
 
+private:
     // A blank expression is compiled as an empty one.
     std::unique_ptr<INativeExpression> Compile(std::int32_t format, std::int32_t field,
                                                wchar_t* (*read)(const wchar_t*), bool is_string) {
@@ -68,12 +64,20 @@ private:
 
 } // namespace
 
+void CompileExpressionsOf(IMemoryResidentData& store, std::int32_t format) {
+    ExpressionPhase phase(store);
+    for (std::int32_t field = 0; field < Expressions::ExistingFields(store, format); ++field) {
+        phase.CompileEvaluate(format, field);
+        phase.CompileHiddenIf(format, field);
+    }
+}
+
 bool CompileExpressions(IMemoryResidentData& store) {
     ExpressionPhase phase(store);
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
         const std::int32_t fields = Expressions::ExistingFields(store, format);
         for (std::int32_t field = 0; field < fields; ++field) {
-            if (!phase.CompileField(format, field)) {
+            if (!phase.CompileEvaluate(format, field) || !phase.CompileHiddenIf(format, field)) {
                 ErrorExit();
                 return false;
             }
