@@ -32,4 +32,5 @@ set_target_properties(libcsv::libcsv PROPERTIES
 if(KESTRONA_DEVELOPER)
     find_package(GTest CONFIG REQUIRED)
     find_package(benchmark CONFIG REQUIRED)
+    pkg_check_modules(sqlite3 REQUIRED IMPORTED_TARGET sqlite3)
 endif()

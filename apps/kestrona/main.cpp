@@ -54,6 +54,16 @@ int Run(int argc, char** argv) {
         ->required()
         ->option_text("FOLDER")
         ->allow_extra_args(false);
+    show_command
+        ->add_option(
+            "--where", show.conditions,
+            "Print only records with FIELD=VALUE; the sign may be = < <= > >=; may be repeated, and all must hold")
+        ->option_text("CONDITION")
+        ->allow_extra_args(false);
+    show_command->add_option("--columns", show.columns, "Fields to print, divided by commas, in this order")
+        ->delimiter(',')
+        ->option_text("FIELD,...")
+        ->allow_extra_args(false);
     show_command->add_option("--limit", show.limit, "Print at most this many records")->option_text("N");
     AddOutputForm(*show_command, show.form);
     show_command->callback([&] { code = RunShow(show); });

@@ -96,10 +96,90 @@ TEST_F(Commands, ShowPrintsWhatTheFilesHold) {
     WriteFile(folder_ + "/Products.csv", "Number,Name\n2,Wheel\n");
     const ToolRun run = Show("Orders");
     EXPECT_EQ(run.exit_code, 0) << run.err;
-    EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note\n"
-                       "10,2026-11-21 07:30:00,2,1.25,first\n"
-                       "11,,,1,\"a \"\"b\"\"\"\n");
-    EXPECT_NE(run.err.find("Twice"), std::string::npos) << "the calculated field is left out without a word";
+    EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note,Twice\n"
+                       "10,2026-11-21 07:30:00,2,1.25,first,2.5\n"
+                       "11,,,1,\"a \"\"b\"\"\",2\n");
+}
+
+// One format of every matrix shape; the machines' list runs beside a list of numbers.
+constexpr const char* kMatrices = R"(format Machines {
+    key Number
+    field Number   : INTEGER | UNIQUE
+    field Setup    : MATRIX | REAL | AUTO DIMENSION(From,Jobs(Number),To,Jobs(Number))
+}
+format Jobs {
+    key Number
+    field Number   : INTEGER | UNIQUE
+    field On       : MATRIX | REFERENCE | AUTO LIST(Machines(Number)) | DATABASE(Machines(Number))
+    field After    : MATRIX | REAL | AUTO DIMENSION(From,Jobs(Number),To,Jobs(Number))
+}
+)";
+
+TEST_F(Commands, ListsAndMatricesComeBackAsTheyWere) {
+    WriteFile(definition_, kMatrices);
+    const std::string machines = "Number,Setup\n1,0;5|7;0\n2,0;0|0;0\n";
+    const std::string jobs = "Number,On,After\n1,1;2;-1,0;4\n2,,3;0\n";
+    WriteFile(folder_ + "/Machines.csv", machines);
+    WriteFile(folder_ + "/Jobs.csv", jobs);
+    EXPECT_EQ(Show("Machines").out, machines);
+    EXPECT_EQ(Show("Jobs").out, jobs);
+    EXPECT_EQ(nlohmann::json::parse(Show("Machines", "json").out)[0]["Setup"], nlohmann::json::parse("[[0,5],[7,0]]"));
+    EXPECT_EQ(nlohmann::json::parse(Show("Jobs", "json").out)[1]["On"], nlohmann::json::array());
+}
+
+TEST_F(Commands, MatricesThatDoNotFitAreToldAndStayAtTheirDefaults) {
+    WriteFile(definition_, kMatrices);
+    WriteFile(folder_ + "/Machines.csv", "Number,Setup\n1,0;5;7|0;0;0\n");
+    WriteFile(folder_ + "/Jobs.csv", "Number,On\n1,x\n2,1\n");
+    const ToolRun run = Show("Machines");
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(run.out, "Number,Setup\n1,0;0|0;0\n");
+    EXPECT_NE(run.err.find("Machines.csv:2: rejected: column 'Setup': '0;5;7|0;0;0' row 1 has 3 values and not 2"),
+              std::string::npos)
+        << run.err;
+    EXPECT_NE(run.err.find("Jobs.csv:2: rejected: column 'On'"), std::string::npos) << run.err;
+}
+
+TEST_F(Commands, ConditionsAndColumnsChooseWhatIsShown) {
+    WriteFile(folder_ + "/Orders.csv", "Number,Due,Product,Note,Quantity\n"
+                                       "10,2026-11-21,2,b,1.25\n"
+                                       "11,,,a,3\n"
+                                       "12,2026-11-22,2,,3\n"
+                                       "13,2026-12-01,3,b,4\n");
+
+    struct Case {
+        std::vector<std::string> arguments;
+        const char* out; // nullptr: wrong usage
+    };
+
+    const Case cases[] = {
+        {{"--where", "Quantity=3"}, "Number\n11\n12\n"},
+        {{"--where", "Quantity>=3", "--where", "Product=2"}, "Number\n12\n"},
+        {{"--where", "Due<2026-12-01"}, "Number\n10\n12\n"}, // not the unset one
+        {{"--where", "Due="}, "Number\n11\n"},
+        {{"--where", "Note = b"}, "Number\n10\n13\n"},
+        {{"--where", "Note>a"}, "Number\n10\n13\n"},
+        {{"--where", "Number<=99", "--limit", "1"}, "Number\n10\n"},
+        {{"--where", "Number>99"}, "Number\n"},
+        {{"--where", "Twice=6"}, "Number\n11\n12\n"},
+        {{"--where", "Colour=3"}, nullptr},
+        {{"--where", "Quantity=many"}, nullptr},
+        {{"--where", "Quantity"}, nullptr},
+    };
+    for (const Case& c : cases) {
+        std::vector<std::string> arguments{"show", definition_, "--data",    folder_, "Orders",
+                                           "-o",   "csv",       "--columns", "Number"};
+        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+        const ToolRun run = RunTool(arguments);
+        EXPECT_EQ(run.exit_code, c.out != nullptr ? 0 : 2) << c.arguments[1] << run.err;
+        EXPECT_EQ(run.out, c.out != nullptr ? c.out : "") << c.arguments[1];
+    }
+    const auto columns = [&](const char* names) {
+        return RunTool(
+            {"show", definition_, "--data", folder_, "Orders", "-o", "csv", "--limit", "1", "--columns", names});
+    };
+    EXPECT_EQ(columns("Note,Number").out, "Note,Number\nb,10\n");
+    EXPECT_EQ(columns("Note,Nmber").exit_code, 2);
 }
 
 TEST_F(Commands, EveryRejectedRowIsToldWithItsPlace) {
@@ -116,7 +196,7 @@ TEST_F(Commands, EveryRejectedRowIsToldWithItsPlace) {
                                        "6,8,last,red\n");
     const ToolRun run = Show("Orders");
     EXPECT_EQ(run.exit_code, 1);
-    EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note\n1,,,5,ok\n6,,,8,last\n");
+    EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note,Twice\n1,,,5,ok,10\n6,,,8,last,16\n");
     for (const char* told :
          {":3: rejected: column 'Quantity': 'many'", ":5: rejected: column 'Note': 'too long'",
           ":6: rejected: column 'Number': '1'", ":7: rejected: row", ":8: rejected: column 'Number': 'x'",
@@ -130,7 +210,7 @@ TEST_F(Commands, DamagedFilesKeepTheirSoundRows) {
     WriteFile(folder_ + "/Orders.csv", "Number,Note\n1,ok\n2,\"open\n");
     const ToolRun run = Show("Orders");
     EXPECT_EQ(run.exit_code, 4) << run.err;
-    EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note\n1,,,1,ok\n");
+    EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note,Twice\n1,,,1,ok,2\n");
 }
 
 TEST_F(Commands, ReferencesWithoutTargetAreCounted) {

@@ -32,7 +32,9 @@ struct ShowOptions {
     std::vector<std::string> folders;
     std::string table;
     OutputForm form = OutputForm::Table;
-    std::size_t limit = 0; ///< Most rows to print; 0 for all.
+    std::vector<std::string> conditions; ///< `FIELD=VALUE` and the like; all must hold.
+    std::vector<std::string> columns;    ///< Fields to print, in this order; empty for all.
+    std::size_t limit = 0;               ///< Most rows to print; 0 for all.
 };
 
 /// Loads a definition and folders of CSV files, and prints one format's records.

@@ -1,135 +1,74 @@
 #include "commands/commands.h"
+#include "commands/import_folders.h"
+#include "commands/record_source.h"
 #include "commands/session.h"
-#include "data/cell_text.h"
-#include "data/data_import.h"
+#include "data/record_condition.h"
 #include "exit_codes.h"
 
 #include <kestrona/unicode.h>
 
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 
-#include <algorithm>
-#include <chrono>
-#include <limits>
+#include <map>
+#include <numeric>
+#include <optional>
+#include <ranges>
 
 namespace Kestrona::Tool {
 namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-/// Rejections that are told one by one for each file; the rest is counted.
-constexpr std::size_t kMostRejectionsTold = 50;
-
-/// The records of a format, straight from the store.
-class RecordSource : public TableSource {
-public:
-    RecordSource(IMemoryResidentData& store, std::int32_t format, std::size_t limit) : store_(store), format_(format) {
-        for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-            if (!KeepsCells(store, format, field)) {
-                left_out_ += (left_out_.empty() ? "" : ", ") + ToUtf8(store.GetColumnName(format, field));
-                continue;
-            }
-            const ValueForm form = FormOfField(store, format, field);
-            const bool is_text = form == ValueForm::Text || form == ValueForm::Date;
-            fields_.push_back({field, form});
-            columns_.push_back(
-                {ToUtf8(store.GetColumnName(format, field)), is_text ? CellKind::Text : CellKind::Number});
-        }
-        const auto records = static_cast<std::size_t>(store.GetCurrentDbSize(format));
-        rows_ = limit == 0 ? records : std::min(limit, records);
-    }
-
-    [[nodiscard]] const std::vector<OutputColumn>& Columns() const override { return columns_; }
-
-    [[nodiscard]] std::size_t RowCount() const override { return rows_; }
-
-    [[nodiscard]] std::string Cell(std::size_t row, std::size_t column) const override {
-        const auto& [field, form] = fields_[column];
-        return CellText(store_, format_, field, static_cast<std::int32_t>(row), form);
-    }
-
-    /// Names of the fields without values of their own.
-    [[nodiscard]] const std::string& LeftOut() const { return left_out_; }
-
-private:
-    struct Field {
-        std::int32_t field;
-        ValueForm form;
-    };
-
-    IMemoryResidentData& store_;
-    std::int32_t format_;
-    std::vector<Field> fields_;
-    std::vector<OutputColumn> columns_;
-    std::size_t rows_ = 0;
-    std::string left_out_;
-};
-
-void TellRejections(const ImportedFile& file, const std::vector<Rejection>& rejections) {
-    std::size_t told = 0;
-    std::size_t all = 0;
-    for (const Rejection& rejection : rejections) {
-        if (rejection.file != file.file || ++all > kMostRejectionsTold) {
-            continue;
-        }
-        ++told;
-        const std::string column = rejection.column.empty() ? "row" : fmt::format("column '{}'", rejection.column);
-        fmt::print(stderr, "{}:{}: rejected: {}: '{}' {}\n", rejection.file, rejection.line, column, rejection.value,
-                   rejection.reason);
-    }
-    if (all > told) {
-        fmt::print(stderr, "{}: {} more rejected cells of the same file\n", file.file, all - told);
-    }
+std::vector<std::int32_t> AllRecords(IMemoryResidentData& store, std::int32_t format) {
+    std::vector<std::int32_t> records(static_cast<std::size_t>(store.GetCurrentDbSize(format)));
+    std::iota(records.begin(), records.end(), 0);
+    return records;
 }
 
-/// Prints what became of each file. Returns the worst exit code.
-int TellImport(IMemoryResidentData& store, const std::string& folder, const ImportReport& report) {
-    if (!report.error.empty()) {
-        fmt::print(stderr, "kestrona: error: {}: {}\n", folder, report.error);
-        return kExitUnreadableInput;
-    }
-    if (report.files.empty()) {
-        fmt::print(stderr, "kestrona: warning: {}: no file bears the name of a format\n", folder);
-    }
-    int code = kExitGood;
-    for (const ImportedFile& file : report.files) {
-        for (const std::string& note : file.notes) {
-            fmt::print(stderr, "{}: {}\n", file.file, note);
-        }
-        TellRejections(file, report.rejections);
-        fmt::print(stderr, "{}: {} records into {}, {} rows rejected\n", file.file, file.rows,
-                   ToUtf8(store.GetDbName(file.format)), file.rejected_rows);
-        if (!file.error.empty()) {
-            fmt::print(stderr, "kestrona: error: {}: {}\n", file.file, file.error);
-            code = std::max<int>(code, file.unreadable ? kExitUnreadableInput : kExitDamagedInput);
-        } else if (file.rejected_rows > 0) {
-            code = std::max<int>(code, kExitFindings);
+/// The fields to show; an empty list of names stands for all that have something to print.
+std::optional<std::vector<std::int32_t>> ChooseFields(IMemoryResidentData& store, std::int32_t format,
+                                                      const std::vector<std::string>& names, std::string& left_out) {
+    std::vector<std::int32_t> fields;
+    std::map<std::string, std::int32_t> known;
+    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+        std::string name = ToUtf8(store.GetColumnName(format, field));
+        if (IsShown(store, format, field)) {
+            fields.push_back(field);
+            known.emplace(std::move(name), field);
+        } else {
+            left_out += (left_out.empty() ? "" : ", ") + name;
         }
     }
-    return code;
+    if (names.empty()) {
+        return fields;
+    }
+    fields.clear();
+    for (const std::string& name : names) {
+        const auto found = known.find(name);
+        if (found == known.end()) {
+            fmt::print(stderr, "kestrona: error: '{}' is no field with values to show; there are {}\n", name,
+                       fmt::join(std::views::keys(known), ", "));
+            return std::nullopt;
+        }
+        fields.push_back(found->second);
+    }
+    left_out.clear();
+    return fields;
 }
 
-void TellReferences(IMemoryResidentData& store) {
-    for (const DanglingReferences& result : CheckReferences(store)) {
-        if (result.dangling > 0) {
-            fmt::print(stderr, "{}.{}: {} of {} references have no target in {}\n",
-                       ToUtf8(store.GetDbName(result.format)), ToUtf8(store.GetColumnName(result.format, result.field)),
-                       result.dangling, result.set,
-                       ToUtf8(store.GetDbName(store.GetDbTable(result.format, result.field))));
+std::optional<std::vector<RecordCondition>> ParseConditions(IMemoryResidentData& store, std::int32_t format,
+                                                            const std::vector<std::string>& texts) {
+    std::vector<RecordCondition> conditions;
+    for (const std::string& text : texts) {
+        std::string problem;
+        std::optional<RecordCondition> condition = ParseCondition(store, format, text, problem);
+        if (!condition) {
+            fmt::print(stderr, "kestrona: error: --where '{}' {}\n", text, problem);
+            return std::nullopt;
         }
+        conditions.push_back(std::move(*condition));
     }
-}
-
-int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders) {
-    const auto start = std::chrono::steady_clock::now();
-    int code = kExitGood;
-    for (const std::string& folder : folders) {
-        code = std::max(code, TellImport(store, folder, ImportFolder(store, folder)));
-    }
-    TellReferences(store);
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-    fmt::print(stderr, "read in {:.2f} s\n", seconds.count());
-    return code;
+    return conditions;
 }
 
 } // namespace
@@ -144,20 +83,33 @@ int RunShow(const ShowOptions& options) {
     if (format < 0) {
         return kExitUsage;
     }
+    std::string left_out;
+    const auto fields = ChooseFields(store, format, options.columns, left_out);
+    const auto conditions = ParseConditions(store, format, options.conditions);
+    if (!fields || !conditions) {
+        return kExitUsage;
+    }
     const int code = ImportFolders(store, options.folders);
     if (code == kExitUnreadableInput) {
         return code;
     }
-    const RecordSource source(store, format, options.limit);
+    std::vector<std::int32_t> records =
+        conditions->empty() ? AllRecords(store, format) : FindRecords(store, format, *conditions);
+    const std::size_t found = records.size();
+    if (options.limit > 0 && options.limit < found) {
+        records.resize(options.limit);
+    }
+    const RecordSource source(store, format, *fields, std::move(records));
     if (!WriteTable(source, options.form, stdout)) {
         fmt::print(stderr, "kestrona: error: the output cannot be written\n");
         return kExitUnreadableInput;
     }
-    if (!source.LeftOut().empty()) {
-        fmt::print(stderr, "fields without stored values of their own are left out: {}\n", source.LeftOut());
+    if (!left_out.empty()) {
+        fmt::print(stderr, "fields without values are left out: {}\n", left_out);
     }
-    fmt::print(stderr, "{} of {} records of {}; peak memory {:.1f} MB\n", source.RowCount(),
-               store.GetCurrentDbSize(format), options.table, static_cast<double>(PeakMemory()) / 1.0e6);
+    const std::string matching = conditions->empty() ? "" : fmt::format(" ({} match)", found);
+    fmt::print(stderr, "{} of {} records of {}{}; peak memory {:.1f} MB\n", source.RowCount(),
+               store.GetCurrentDbSize(format), options.table, matching, static_cast<double>(PeakMemory()) / 1.0e6);
     return code;
 }
 

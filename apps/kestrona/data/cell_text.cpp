@@ -136,12 +136,23 @@ bool KeepsCells(Data::MemoryResident::IMemoryResidentData& store, std::int32_t f
     return (store.GetDbType(format, field) & TypeBit::kMatrix) == 0 && store.HasStorage(format, field);
 }
 
+bool HasCells(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    if ((store.GetDbType(format, field) & (TypeBit::kMatrix | TypeBit::kFreeString)) != 0) {
+        return false;
+    }
+    return FormOfField(store, format, field) == ValueForm::Text ? store.GetDbStringArray(format, field) != nullptr
+                                                                : store.GetDbColumn(format, field) != nullptr;
+}
+
 std::string CellText(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field,
                      std::int32_t record, ValueForm form) {
     if (form == ValueForm::Text) {
         return ToUtf8(store.GetDbString(format, field, record));
     }
-    const double value = store.GetDbValue(format, field, record);
+    return ValueText(store.GetDbValue(format, field, record), form);
+}
+
+std::string ValueText(double value, ValueForm form) {
     if (HasUnset(form) && value == kUnset) {
         return {};
     }

@@ -35,9 +35,15 @@ enum class ValueForm {
 [[nodiscard]] bool KeepsCells(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                               std::int32_t field);
 
+/// Tells whether each record has one value of the field, stored or calculated.
+[[nodiscard]] bool HasCells(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field);
+
 /// Returns the cell as UTF-8.
 [[nodiscard]] std::string CellText(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                    std::int32_t field, std::int32_t record, ValueForm form);
+
+/// Returns a value of a form other than `Text`, "" for an unset one.
+[[nodiscard]] std::string ValueText(double value, ValueForm form);
 
 /// Reads a value of a form other than `Text`. An empty text is unset (-1.0) for dates, durations and references and
 /// nothing for the others. Returns what is wrong through `problem` with an empty result.

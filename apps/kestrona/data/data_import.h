@@ -21,12 +21,21 @@ struct Rejection {
     std::string reason;
 };
 
+/// A list or a matrix that a file holds for a record.
+struct MatrixCell {
+    std::int32_t record = -1;
+    std::int32_t field = -1;
+    std::size_t line = 0;
+    std::string text; ///< Not empty.
+};
+
 /// What became of one file.
 struct ImportedFile {
     std::string file;
     std::int32_t format = -1;
-    std::size_t rows = 0;          ///< Records made.
-    std::size_t rejected_rows = 0; ///< Rows left out.
+    std::size_t rows = 0;             ///< Records made.
+    std::size_t rejected_rows = 0;    ///< Rows left out.
+    std::vector<MatrixCell> matrices; ///< Waiting for the formats that dimension them.
     std::vector<std::string> notes;
     std::string error; ///< Not empty when the file ended early or could not be read.
     bool unreadable = false;
@@ -44,6 +53,12 @@ struct ImportReport {
 /// fields. A row with a cell that does not fit its field, with too few or too many cells, or with a key that an earlier
 /// row has, is left out whole and reported. A key column that the file does not have is numbered from 1.
 ImportReport ImportFolder(Data::MemoryResident::IMemoryResidentData& store, const std::string& folder);
+
+/// Gives the records of the imported formats their lists and matrices, once all formats hold their records: the sizes
+/// depend on them. Of several files of a format the last one counts. A cell that does not fit is returned; its matrix
+/// keeps the default values.
+std::vector<Rejection> FillMatrices(Data::MemoryResident::IMemoryResidentData& store,
+                                    const std::vector<ImportedFile>& files);
 
 /// References of a field that no record of the format referred to has.
 struct DanglingReferences {

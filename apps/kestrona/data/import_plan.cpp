@@ -1,5 +1,7 @@
 #include "data/import_plan.h"
 
+#include "data/matrix_text.h"
+
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
 
@@ -21,9 +23,14 @@ std::unordered_map<std::string, std::int32_t> FieldsByName(IMemoryResidentData& 
     return fields;
 }
 
+bool IsImported(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return KeepsCells(store, format, field) || KeepsMatrices(store, format, field);
+}
+
 PlannedColumn ColumnFor(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     PlannedColumn column{field, FormOfField(store, format, field), 0, ToUtf8(store.GetColumnName(format, field))};
-    if (column.form == ValueForm::Text) {
+    column.matrix = KeepsMatrices(store, format, field);
+    if (column.form == ValueForm::Text && !column.matrix) {
         column.max_length =
             static_cast<std::size_t>(std::max(0, store.GetDbData(format, field, DataSlot::kMaxTextLength)));
     }
@@ -41,7 +48,7 @@ void PlanByHeading(IMemoryResidentData& store, std::int32_t format, const std::v
         } else if (taken[static_cast<std::size_t>(found->second)]) {
             plan.columns.push_back({-1, ValueForm::Text, 0, name});
             plan.notes.push_back(fmt::format("column '{}' stands twice; the first one is taken", name));
-        } else if (!KeepsCells(store, format, found->second)) {
+        } else if (!IsImported(store, format, found->second)) {
             plan.columns.push_back({-1, ValueForm::Text, 0, name});
             plan.notes.push_back(fmt::format("field '{}' keeps no value of its own; the column is left out", name));
         } else {
@@ -51,7 +58,7 @@ void PlanByHeading(IMemoryResidentData& store, std::int32_t format, const std::v
     }
 }
 
-/// A file with one column less than the fields is taken to have no key column.
+/// Lists and matrices need a heading. A file with one column less than the fields is taken to have no key column.
 void PlanByOrder(IMemoryResidentData& store, std::int32_t format, std::size_t cells, ImportPlan& plan) {
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
         if (KeepsCells(store, format, field)) {

@@ -16,6 +16,7 @@ struct PlannedColumn {
     ValueForm form = ValueForm::Text;
     std::size_t max_length = 0; ///< UTF-16 units of a text; 0 for no limit.
     std::string name;
+    bool matrix = false; ///< The cells are lists or matrices.
 };
 
 struct ImportPlan {

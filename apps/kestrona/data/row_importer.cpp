@@ -36,7 +36,7 @@ void RowImporter::Take(const CsvRow& row) {
         }
     }
     if (Check(row)) {
-        Write();
+        Write(row);
     } else {
         ++file_.rejected_rows;
     }
@@ -70,6 +70,9 @@ bool RowImporter::Check(const CsvRow& row) {
 
 bool RowImporter::CheckCell(const CsvRow& row, std::size_t column) {
     const PlannedColumn& plan = plan_.columns[column];
+    if (plan.matrix) {
+        return true;
+    }
     if (plan.form == ValueForm::Text) {
         return CheckText(row, column);
     }
@@ -123,12 +126,16 @@ bool RowImporter::Reject(const CsvRow& row, const std::string& column, const std
     return false;
 }
 
-void RowImporter::Write() {
+void RowImporter::Write(const CsvRow& row) {
     const auto record = static_cast<std::int32_t>(file_.rows);
     GrowTo(record + 1);
     for (std::size_t column = 0; column < values_.size(); ++column) {
         const PlannedColumn& plan = plan_.columns[column];
         const Value& value = values_[column];
+        if (plan.matrix) {
+            KeepMatrix(row, column, record);
+            continue;
+        }
         if (plan.field < 0 || !value.present) {
             continue;
         }
@@ -142,6 +149,13 @@ void RowImporter::Write() {
         store_.SetDbKeyValue(file_.format, record, record + 1.0);
     }
     ++file_.rows;
+}
+
+void RowImporter::KeepMatrix(const CsvRow& row, std::size_t column, std::int32_t record) {
+    const std::string& cell = row.cells[column];
+    if (cell.find_first_not_of(" \t\r") != std::string::npos) {
+        file_.matrices.push_back({record, plan_.columns[column].field, row.line, cell});
+    }
 }
 
 void RowImporter::GrowTo(std::int32_t records) {

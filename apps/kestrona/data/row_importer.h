@@ -38,7 +38,8 @@ private:
     [[nodiscard]] bool CheckText(const CsvRow& row, std::size_t column);
     [[nodiscard]] bool CheckKey(const CsvRow& row, std::size_t column);
     bool Reject(const CsvRow& row, const std::string& column, const std::string& value, std::string reason);
-    void Write();
+    void Write(const CsvRow& row);
+    void KeepMatrix(const CsvRow& row, std::size_t column, std::int32_t record);
     void GrowTo(std::int32_t records);
 
     Data::MemoryResident::IMemoryResidentData& store_;

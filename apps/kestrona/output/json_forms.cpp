@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 namespace Kestrona::Tool {
 namespace {
@@ -27,12 +28,50 @@ Json NumberCell(const std::string& cell) {
     return value;
 }
 
+Json RowCell(std::string_view text) {
+    Json values = Json::array();
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+        end = text.find(';');
+        values.push_back(NumberCell(std::string(text.substr(0, end))));
+        text.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
+    }
+    return values;
+}
+
+// One row makes an array of values, several an array of arrays.
+Json MatrixCell(std::string_view text) {
+    if (text.empty()) {
+        return Json::array();
+    }
+    if (text.find('|') == std::string_view::npos) {
+        return RowCell(text);
+    }
+    Json rows = Json::array();
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+        end = text.find('|');
+        rows.push_back(RowCell(text.substr(0, end)));
+        text.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
+    }
+    return rows;
+}
+
+Json CellValue(CellKind kind, std::string cell) {
+    switch (kind) {
+    case CellKind::Number:
+        return NumberCell(cell);
+    case CellKind::Matrix:
+        return MatrixCell(cell);
+    case CellKind::Text:
+        break;
+    }
+    return cell;
+}
+
 std::string Object(const TableSource& source, std::size_t row) {
     Json object = Json::object();
     for (std::size_t c = 0; c < source.Columns().size(); ++c) {
         const OutputColumn& column = source.Columns()[c];
-        std::string cell = source.Cell(row, c);
-        object[column.name] = column.kind == CellKind::Number ? NumberCell(cell) : Json(std::move(cell));
+        object[column.name] = CellValue(column.kind, source.Cell(row, c));
     }
     return object.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

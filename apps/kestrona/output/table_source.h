@@ -12,7 +12,8 @@ namespace Kestrona::Tool {
 /// What a cell holds, as far as an output form cares.
 enum class CellKind {
     Text,
-    Number
+    Number,
+    Matrix, ///< Values divided by semicolons, rows of them by bars.
 };
 
 struct OutputColumn {

@@ -1,0 +1,105 @@
+#include "commands/import_folders.h"
+
+#include "data/data_import.h"
+#include "exit_codes.h"
+
+#include <kestrona/unicode.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+
+namespace Kestrona::Tool {
+namespace {
+
+using Data::MemoryResident::IMemoryResidentData;
+
+/// Rejections that are told one by one for each file; the rest is counted.
+constexpr std::size_t kMostRejectionsTold = 50;
+
+void TellRejections(const ImportedFile& file, const std::vector<Rejection>& rejections) {
+    std::size_t told = 0;
+    std::size_t all = 0;
+    for (const Rejection& rejection : rejections) {
+        if (rejection.file != file.file || ++all > kMostRejectionsTold) {
+            continue;
+        }
+        ++told;
+        const std::string column = rejection.column.empty() ? "row" : fmt::format("column '{}'", rejection.column);
+        fmt::print(stderr, "{}:{}: rejected: {}: '{}' {}\n", rejection.file, rejection.line, column, rejection.value,
+                   rejection.reason);
+    }
+    if (all > told) {
+        fmt::print(stderr, "{}: {} more rejected cells of the same file\n", file.file, all - told);
+    }
+}
+
+/// Prints what became of each file. Returns the worst exit code.
+int TellImport(IMemoryResidentData& store, const std::string& folder, const ImportReport& report) {
+    if (!report.error.empty()) {
+        fmt::print(stderr, "kestrona: error: {}: {}\n", folder, report.error);
+        return kExitUnreadableInput;
+    }
+    if (report.files.empty()) {
+        fmt::print(stderr, "kestrona: warning: {}: no file bears the name of a format\n", folder);
+    }
+    int code = kExitGood;
+    for (const ImportedFile& file : report.files) {
+        for (const std::string& note : file.notes) {
+            fmt::print(stderr, "{}: {}\n", file.file, note);
+        }
+        TellRejections(file, report.rejections);
+        fmt::print(stderr, "{}: {} records into {}, {} rows rejected\n", file.file, file.rows,
+                   ToUtf8(store.GetDbName(file.format)), file.rejected_rows);
+        if (!file.error.empty()) {
+            fmt::print(stderr, "kestrona: error: {}: {}\n", file.file, file.error);
+            code = std::max<int>(code, file.unreadable ? kExitUnreadableInput : kExitDamagedInput);
+        } else if (file.rejected_rows > 0) {
+            code = std::max<int>(code, kExitFindings);
+        }
+    }
+    return code;
+}
+
+/// Prints the matrices that did not fit. Returns whether there are any.
+bool TellMatrices(const std::vector<ImportedFile>& files, const std::vector<Rejection>& rejections) {
+    for (const ImportedFile& file : files) {
+        TellRejections(file, rejections);
+    }
+    return !rejections.empty();
+}
+
+void TellReferences(IMemoryResidentData& store) {
+    for (const DanglingReferences& result : CheckReferences(store)) {
+        if (result.dangling > 0) {
+            fmt::print(stderr, "{}.{}: {} of {} references have no target in {}\n",
+                       ToUtf8(store.GetDbName(result.format)), ToUtf8(store.GetColumnName(result.format, result.field)),
+                       result.dangling, result.set,
+                       ToUtf8(store.GetDbName(store.GetDbTable(result.format, result.field))));
+        }
+    }
+}
+
+} // namespace
+
+int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders) {
+    const auto start = std::chrono::steady_clock::now();
+    int code = kExitGood;
+    std::vector<ImportedFile> files;
+    for (const std::string& folder : folders) {
+        ImportReport report = ImportFolder(store, folder);
+        code = std::max(code, TellImport(store, folder, report));
+        std::ranges::move(report.files, std::back_inserter(files));
+    }
+    if (TellMatrices(files, FillMatrices(store, files))) {
+        code = std::max<int>(code, kExitFindings);
+    }
+    TellReferences(store);
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    fmt::print(stderr, "read in {:.2f} s\n", seconds.count());
+    return code;
+}
+
+} // namespace Kestrona::Tool
