@@ -1,6 +1,7 @@
 #include "printable.h"
 
 #include <kestrona/host/console_messages.h>
+#include <kestrona/host/expression_excerpt.h>
 #include <kestrona/host/message_catalogue.h>
 
 #include <utility>
@@ -10,6 +11,9 @@ namespace Kestrona::Host {
 namespace {
 
 constexpr std::string_view kIndent = "    ";
+
+// Caption of the boxes about expressions.
+constexpr std::wstring_view kParseError = L"Parse Error!";
 
 // The icon of a message box stands in these bits of its style.
 constexpr std::int32_t kIconMask = 0xf0;
@@ -94,7 +98,8 @@ void ConsoleMessages::Print(const ShownMessage& message) const {
     if (!message.caption.empty()) {
         line += PrintableLine(message.caption) + ": ";
     }
-    line += PrintableLines(message.text, kIndent);
+    line +=
+        message.caption == kParseError ? ExplainParseBox(message.text, kIndent) : PrintableLines(message.text, kIndent);
     line += '\n';
     sink_(line);
 }

@@ -27,6 +27,22 @@ void AddDefinition(CLI::App& command, std::string& definition) {
     command.add_option("DEFINITION", definition, "Definition file")->required();
 }
 
+/// The switches of every command that prints records of a format.
+template <typename Options>
+void AddRecordChoice(CLI::App& command, Options& options) {
+    command.add_option("--data", options.folders, "Folder of CSV files, one for each format; may be repeated")
+        ->required()
+        ->option_text("FOLDER")
+        ->allow_extra_args(false);
+    command
+        .add_option("--where", options.conditions,
+                    "Print only records with FIELD=VALUE (the sign may be = < <= > >=), or for which an expression is "
+                    "not 0; may be repeated, and all must hold")
+        ->option_text("CONDITION")
+        ->allow_extra_args(false);
+    command.add_option("--limit", options.limit, "Print at most this many records")->option_text("N");
+}
+
 int Run(int argc, char** argv) {
     CLI::App app{"Looks at plant definitions and their data."};
     app.footer(kFooter);
@@ -50,23 +66,29 @@ int Run(int argc, char** argv) {
     CLI::App* show_command = app.add_subcommand("show", "Load CSV files and print a format's records");
     AddDefinition(*show_command, show.definition);
     show_command->add_option("TABLE", show.table, "Format to print")->required();
-    show_command->add_option("--data", show.folders, "Folder of CSV files, one for each format; may be repeated")
-        ->required()
-        ->option_text("FOLDER")
-        ->allow_extra_args(false);
-    show_command
-        ->add_option(
-            "--where", show.conditions,
-            "Print only records with FIELD=VALUE; the sign may be = < <= > >=; may be repeated, and all must hold")
-        ->option_text("CONDITION")
-        ->allow_extra_args(false);
+    AddRecordChoice(*show_command, show);
     show_command->add_option("--columns", show.columns, "Fields to print, divided by commas, in this order")
         ->delimiter(',')
         ->option_text("FIELD,...")
         ->allow_extra_args(false);
-    show_command->add_option("--limit", show.limit, "Print at most this many records")->option_text("N");
+    show_command
+        ->add_option("--add", show.added, "Print a further column NAME with the value of EXPRESSION; may be repeated")
+        ->option_text("NAME=EXPRESSION")
+        ->allow_extra_args(false);
     AddOutputForm(*show_command, show.form);
     show_command->callback([&] { code = RunShow(show); });
+
+    EvalOptions eval;
+    CLI::App* eval_command =
+        app.add_subcommand("eval", "Load CSV files and print an expression's value for each record");
+    AddDefinition(*eval_command, eval.definition);
+    eval_command->add_option("TABLE", eval.table, "Format of the records")->required();
+    eval_command->add_option("EXPRESSION", eval.expression, "Expression; put -- before one that begins with a minus")
+        ->required();
+    eval_command->add_flag("--text", eval.inside_of_text, "The expression is the inside of a text with fields in it");
+    AddRecordChoice(*eval_command, eval);
+    AddOutputForm(*eval_command, eval.form);
+    eval_command->callback([&] { code = RunEval(eval); });
 
     try {
         app.parse(argc, argv);

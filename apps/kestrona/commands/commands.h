@@ -32,12 +32,27 @@ struct ShowOptions {
     std::vector<std::string> folders;
     std::string table;
     OutputForm form = OutputForm::Table;
-    std::vector<std::string> conditions; ///< `FIELD=VALUE` and the like; all must hold.
+    std::vector<std::string> conditions; ///< `FIELD=VALUE` and the like, or expressions; all must hold.
     std::vector<std::string> columns;    ///< Fields to print, in this order; empty for all.
+    std::vector<std::string> added;      ///< `NAME=EXPRESSION`: columns behind the fields.
     std::size_t limit = 0;               ///< Most rows to print; 0 for all.
 };
 
 /// Loads a definition and folders of CSV files, and prints one format's records.
 int RunShow(const ShowOptions& options);
+
+struct EvalOptions {
+    std::string definition;
+    std::vector<std::string> folders;
+    std::string table;
+    std::string expression;
+    bool inside_of_text = false; ///< The expression is the inside of a text.
+    OutputForm form = OutputForm::Table;
+    std::vector<std::string> conditions; ///< Like those of `ShowOptions`.
+    std::size_t limit = 0;               ///< Most rows to print; 0 for all.
+};
+
+/// Loads a definition and folders of CSV files, and prints an expression's value for each record of a format.
+int RunEval(const EvalOptions& options);
 
 } // namespace Kestrona::Tool

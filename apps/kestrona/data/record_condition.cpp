@@ -74,6 +74,10 @@ bool IsUnsetMatch(IMemoryResidentData& store, std::int32_t format, const RecordC
 
 } // namespace
 
+bool ComparesField(IMemoryResidentData& store, std::int32_t format, std::string_view text) {
+    return Cut(store, format, text).has_value();
+}
+
 std::optional<RecordCondition> ParseCondition(IMemoryResidentData& store, std::int32_t format, std::string_view text,
                                               std::string& problem) {
     const std::optional<Parts> parts = Cut(store, format, text);

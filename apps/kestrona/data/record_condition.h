@@ -23,6 +23,10 @@ struct RecordCondition {
     std::wstring text;
 };
 
+/// Tells whether the text begins with the name of a field and a sign, so that `ParseCondition` is to read it.
+[[nodiscard]] bool ComparesField(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
+                                 std::string_view text);
+
 /// Reads `FIELD=VALUE`; the sign may be `=`, `<`, `<=`, `>` or `>=`, and blanks may stand around it. An empty value
 /// stands for an unset date, duration or reference, or for an empty text. Returns what is wrong through `problem` with
 /// an empty result.

@@ -24,7 +24,7 @@ struct ShownMessage {
 
 /// Prints messages as "PROGRAM: error: TEXT" ("warning" for `kMessageStyleWarning`, "note" for styles that are neither)
 /// and keeps them. A caption stands before the text; further lines of a text are indented; control characters are shown
-/// as escapes. Numbered texts are those of `MessageText`.
+/// as escapes, and a caret stands under the place where an expression fails. Numbered texts are those of `MessageText`.
 class ConsoleMessages : public CoreMessage {
 public:
     /// Messages that are kept; later ones are printed and counted only.

@@ -1,0 +1,81 @@
+#include "commands/record_filter.h"
+
+#include <fmt/format.h>
+
+#include <numeric>
+#include <utility>
+
+namespace Kestrona::Tool {
+namespace {
+
+using Data::MemoryResident::IMemoryResidentData;
+
+std::vector<std::int32_t> AllRecords(IMemoryResidentData& store, std::int32_t format) {
+    std::vector<std::int32_t> records(static_cast<std::size_t>(store.GetCurrentDbSize(format)));
+    std::iota(records.begin(), records.end(), 0);
+    return records;
+}
+
+/// Keeps the records for which the expression is not 0, which a NaN is not.
+std::vector<std::int32_t> Kept(const std::vector<std::int32_t>& records, const RecordExpression& expression) {
+    const std::vector<double> numbers = expression.Numbers(records);
+    std::vector<std::int32_t> kept;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (numbers[i] != 0.0) {
+            kept.push_back(records[i]);
+        }
+    }
+    return kept;
+}
+
+} // namespace
+
+std::optional<RecordFilter> RecordFilter::Parse(IMemoryResidentData& store, std::int32_t format,
+                                                const std::vector<std::string>& texts) {
+    RecordFilter filter(store, format);
+    for (const std::string& text : texts) {
+        std::string problem;
+        if (!filter.Add(text, problem)) {
+            fmt::print(stderr, "kestrona: error: --where '{}' {}\n", text, problem);
+            return std::nullopt;
+        }
+    }
+    return filter;
+}
+
+bool RecordFilter::Add(const std::string& text, std::string& problem) {
+    if (!ComparesField(*store_, format_, text)) {
+        return AddExpression(text, problem);
+    }
+    std::optional<RecordCondition> condition = ParseCondition(*store_, format_, text, problem);
+    if (condition) {
+        conditions_.push_back(std::move(*condition));
+    }
+    return condition.has_value();
+}
+
+bool RecordFilter::AddExpression(const std::string& text, std::string& problem) {
+    std::optional<RecordExpression> expression =
+        RecordExpression::Parse(*store_, format_, text, ExpressionText::Expression, problem);
+    if (!expression) {
+        problem = "does not begin with the name of a field and one of = < <= > >=, and is no expression: " + problem;
+        return false;
+    }
+    if (expression->IsText()) {
+        problem = "is a text, which is never true; compare it with another text";
+        return false;
+    }
+    expressions_.push_back(std::move(*expression));
+    return true;
+}
+
+std::vector<std::int32_t> RecordFilter::Find() const {
+    std::vector<std::int32_t> records =
+        conditions_.empty() ? AllRecords(*store_, format_) : FindRecords(*store_, format_, conditions_);
+    for (const RecordExpression& expression : expressions_) {
+        records = Kept(records, expression);
+    }
+    return records;
+}
+
+} // namespace Kestrona::Tool

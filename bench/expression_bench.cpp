@@ -1,0 +1,407 @@
+// Expressions over a million records, each beside a loop written by hand and SQLite in memory; and parse times.
+//
+// "Single" evaluates record by record, "Block" a whole column at once, "Field" and "FieldBlock" read a calculated
+// field. SQLite steps through a SELECT of the same expression over the same values. "each" is the time of one record,
+// or of one parse.
+#include <kestrona/classes.h>
+#include <kestrona/expression_parsing.h>
+#include <kestrona/process.h>
+#include <kestrona/store.h>
+
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Kestrona;
+using Data::MemoryResident::CreateMemoryResidentData;
+using Data::MemoryResident::MemoryResidentData;
+
+constexpr std::int32_t kRecords = 1000000;
+constexpr std::int32_t kChain = 10;
+
+// The fields: a key, four numbers, a text, then the calculated ones.
+constexpr std::int32_t kNumbers = 4;
+constexpr std::int32_t kText = 1 + kNumbers;
+constexpr std::int32_t kFirstCalculated = kText + 1;
+
+enum Case : std::int32_t {
+    kArithmetic,
+    kLogic,
+    kChained,
+    kTextComparison,
+};
+
+struct Subject {
+    const wchar_t* expression;
+    const char* sql;
+};
+
+// The chained one is the tenth field of a row that starts with {#A}.
+constexpr Subject kSubjects[] = {
+    {L"({#A} + {#B}) * 2 - {#C} / 4", "(a + b) * 2 - c / 4"},
+    {L"(({#A} > 40) && ({#B} <= {#C})) || ({#D} == 3)", "((a > 40) and (b <= c)) or (d = 3)"},
+    {nullptr, "((((((((((a + b) + b) + b) + b) + b) + b) + b) + b) + b) + b)"},
+    {L"\"{$Name}\" == \"part 17\"", "name = 'part 17'"},
+};
+
+std::int32_t FieldOf(Case subject) {
+    return kFirstCalculated + kChain - 1 + (subject == kChained ? 0 : 1 + subject);
+}
+
+constexpr std::int32_t kFields = kFirstCalculated + kChain + 4;
+
+struct Values {
+    std::vector<double> numbers[kNumbers];
+    std::vector<std::wstring> names;
+};
+
+const Values& TheValues() {
+    static const Values values = [] {
+        Values made;
+        std::mt19937 random(11);
+        for (std::vector<double>& column : made.numbers) {
+            column.resize(kRecords);
+            for (double& value : column) {
+                value = static_cast<double>(random() % 100);
+            }
+        }
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            made.names.push_back(L"part " + std::to_wstring(random() % 100));
+        }
+        return made;
+    }();
+    return values;
+}
+
+void NameField(MemoryResidentData& store, std::int32_t field, const std::wstring& name, std::uint32_t type) {
+    store.SetColumnName(0, field, name);
+    store.SetDbType(0, field, type);
+}
+
+void Calculate(MemoryResidentData& store, std::int32_t field, const std::wstring& expression) {
+    INativeExpression* const compiled = KSDLL_CreateFieldExpression(store, 0, field, expression, false, nullptr);
+    if (compiled == nullptr) {
+        throw std::runtime_error("an expression of the benchmark does not compile");
+    }
+    store.SetDbEvaluateExpression(0, field, compiled);
+}
+
+void DeclareFields(MemoryResidentData& store) {
+    store.SetFormatCount(1);
+    store.SetDbName(0, KSDLL_AddText(L"Parts"));
+    store.SetDbFields(0, kFields);
+    store.CreateDbFieldInfo(0, kFields);
+    store.SetDbKey(0, 0);
+    NameField(store, 0, L"Key", TypeBit::kReal);
+    for (std::int32_t number = 0; number < kNumbers; ++number) {
+        NameField(store, 1 + number, std::wstring(1, static_cast<wchar_t>(L'A' + number)), TypeBit::kReal);
+    }
+    NameField(store, kText, L"Name", TypeBit::kReference);
+    store.AddDbClass(0, kText, Classes::kFreeFormat);
+    for (std::int32_t field = kFirstCalculated; field < kFields; ++field) {
+        NameField(store, field, L"F" + std::to_wstring(field - kFirstCalculated), TypeBit::kReal);
+        store.AddDbClass(0, field, Classes::kEvaluate);
+    }
+    for (std::int32_t field = 0; field < kFields; ++field) {
+        store.AddDbClass(0, field, Classes::kExcludeFromDb);
+        if (field == kText) {
+            store.CreateDbStrings(0, field);
+        } else {
+            store.CreateDbValues(0, field);
+        }
+    }
+}
+
+void DeclareCalculations(MemoryResidentData& store) {
+    for (std::int32_t link = 0; link < kChain; ++link) {
+        const std::wstring before = link == 0 ? L"A" : L"F" + std::to_wstring(link - 1);
+        Calculate(store, kFirstCalculated + link, L"{#" + before + L"} + {#B}");
+    }
+    for (const Case subject : {kArithmetic, kLogic, kTextComparison}) {
+        Calculate(store, FieldOf(subject), kSubjects[subject].expression);
+    }
+}
+
+MemoryResidentData& Store() {
+    static const std::unique_ptr<MemoryResidentData> store = [] {
+        auto made = CreateMemoryResidentData();
+        DeclareFields(*made);
+        DeclareCalculations(*made);
+        made->SetCurrentDbSize(0, kRecords);
+        const Values& values = TheValues();
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            const auto at = static_cast<std::size_t>(record);
+            for (std::int32_t number = 0; number < kNumbers; ++number) {
+                made->SetDbValue(0, 1 + number, record, values.numbers[number][at]);
+            }
+            made->SetDbString(0, kText, record, values.names[at]);
+        }
+        return made;
+    }();
+    return *store;
+}
+
+class Database {
+public:
+    Database() {
+        Check(sqlite3_open(":memory:", &handle_));
+        Execute("create table parts (a real, b real, c real, d real, name text)");
+        Execute("begin");
+        sqlite3_stmt* const insert = Prepare("insert into parts values (?, ?, ?, ?, ?)");
+        const Values& values = TheValues();
+        for (std::size_t record = 0; record < kRecords; ++record) {
+            for (int number = 0; number < kNumbers; ++number) {
+                sqlite3_bind_double(insert, 1 + number, values.numbers[number][record]);
+            }
+            const std::string name(values.names[record].begin(), values.names[record].end());
+            sqlite3_bind_text(insert, 1 + kNumbers, name.c_str(), -1, SQLITE_TRANSIENT);
+            sqlite3_step(insert);
+            sqlite3_reset(insert);
+        }
+        sqlite3_finalize(insert);
+        Execute("commit");
+    }
+
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    ~Database() { sqlite3_close(handle_); }
+
+    sqlite3_stmt* Prepare(const std::string& sql) {
+        sqlite3_stmt* statement = nullptr;
+        Check(sqlite3_prepare_v2(handle_, sql.c_str(), -1, &statement, nullptr));
+        return statement;
+    }
+
+private:
+    void Execute(const char* sql) { Check(sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr)); }
+
+    static void Check(int code) {
+        if (code != SQLITE_OK) {
+            throw std::runtime_error(sqlite3_errstr(code));
+        }
+    }
+
+    sqlite3* handle_ = nullptr;
+};
+
+Database& TheDatabase() {
+    static Database database;
+    return database;
+}
+
+void CountEach(benchmark::State& state, std::int64_t count) {
+    state.counters["each"] = benchmark::Counter(
+        static_cast<double>(count), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+std::unique_ptr<INativeExpression> Compiled(Case subject) {
+    const wchar_t* const text = subject == kChained ? L"{#F9}" : kSubjects[subject].expression;
+    return std::unique_ptr<INativeExpression>(KSDLL_CreateExpression(Store(), 0, text, false, nullptr));
+}
+
+// The expression for one record, as a compiler sees it.
+double ByHandAt(const Values& values, Case subject, std::size_t i) {
+    const auto& [a, b, c, d] = values.numbers;
+    switch (subject) {
+    case kArithmetic:
+        return (a[i] + b[i]) * 2 - c[i] / 4;
+    case kLogic:
+        return (a[i] > 40 && b[i] <= c[i]) || d[i] == 3 ? 1.0 : 0.0;
+    case kChained:
+        return a[i] + b[i] + b[i] + b[i] + b[i] + b[i] + b[i] + b[i] + b[i] + b[i] + b[i];
+    case kTextComparison:
+        break;
+    }
+    return values.names[i] == L"part 17" ? 1.0 : 0.0;
+}
+
+template <Case kSubject>
+double SumByHand(const Values& values) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kRecords; ++i) {
+        sum += ByHandAt(values, kSubject, i);
+    }
+    return sum;
+}
+
+double Total(const std::vector<double>& values) {
+    double sum = 0.0;
+    for (const double value : values) {
+        sum += value;
+    }
+    return sum;
+}
+
+// Every road must come to the sum that the loop by hand comes to.
+template <Case kSubject, typename Road>
+void Measure(benchmark::State& state, Road road) {
+    double sum = 0.0;
+    for (auto _ : state) {
+        sum = road();
+        benchmark::DoNotOptimize(sum);
+    }
+    if (sum != SumByHand<kSubject>(TheValues())) {
+        state.SkipWithError("the sum is not that of the loop by hand");
+    }
+    CountEach(state, kRecords);
+}
+
+template <Case kSubject>
+void ByHand(benchmark::State& state) {
+    const Values& values = TheValues();
+    Measure<kSubject>(state, [&] { return SumByHand<kSubject>(values); });
+}
+
+template <Case kSubject>
+void Single(benchmark::State& state) {
+    MemoryResidentData& store = Store();
+    const std::unique_ptr<INativeExpression> expression = Compiled(kSubject);
+    Measure<kSubject>(state, [&] {
+        double sum = 0.0;
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            sum += KSDLL_EvaluateExpression(store, record, expression.get(), nullptr);
+        }
+        return sum;
+    });
+}
+
+template <Case kSubject>
+void Block(benchmark::State& state) {
+    MemoryResidentData& store = Store();
+    const std::unique_ptr<INativeExpression> expression = Compiled(kSubject);
+    std::vector<double> values(kRecords);
+    Measure<kSubject>(state, [&] {
+        expression->EvaluateBlock(store, 0, kRecords, values.data());
+        return Total(values);
+    });
+}
+
+template <Case kSubject>
+void Field(benchmark::State& state) {
+    MemoryResidentData& store = Store();
+    Measure<kSubject>(state, [&] {
+        double sum = 0.0;
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            sum += store.GetDbValue(0, FieldOf(kSubject), record);
+        }
+        return sum;
+    });
+}
+
+template <Case kSubject>
+void FieldBlock(benchmark::State& state) {
+    MemoryResidentData& store = Store();
+    std::vector<double> values(kRecords);
+    Measure<kSubject>(state, [&] {
+        store.GetDbColumn(0, FieldOf(kSubject))->ReadBlock(0, kRecords, values.data());
+        return Total(values);
+    });
+}
+
+template <Case kSubject>
+void Sqlite(benchmark::State& state) {
+    sqlite3_stmt* const select =
+        TheDatabase().Prepare("select " + std::string(kSubjects[kSubject].sql) + " from parts");
+    Measure<kSubject>(state, [&] {
+        double sum = 0.0;
+        while (sqlite3_step(select) == SQLITE_ROW) {
+            sum += sqlite3_column_double(select, 0);
+        }
+        sqlite3_reset(select);
+        return sum;
+    });
+    sqlite3_finalize(select);
+}
+
+#define KS_ROADS(subject)                                                                                              \
+    BENCHMARK_TEMPLATE(ByHand, subject);                                                                               \
+    BENCHMARK_TEMPLATE(Single, subject);                                                                               \
+    BENCHMARK_TEMPLATE(Block, subject);                                                                                \
+    BENCHMARK_TEMPLATE(Field, subject);                                                                                \
+    BENCHMARK_TEMPLATE(FieldBlock, subject);                                                                           \
+    BENCHMARK_TEMPLATE(Sqlite, subject)
+
+KS_ROADS(kArithmetic);
+KS_ROADS(kLogic);
+KS_ROADS(kChained);
+KS_ROADS(kTextComparison);
+
+// A text made of a number and of fields.
+void MakeText(benchmark::State& state) {
+    MemoryResidentData& store = Store();
+    const std::unique_ptr<INativeExpression> expression(
+        KSDLL_CreateExpression(store, 0, L"Part {#A}: {$Name} of {$Name}", true, nullptr));
+    std::wstring text;
+    for (auto _ : state) {
+        std::size_t length = 0;
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            KSDLL_EvaluateExpression(store, record, expression.get(), &text);
+            length += text.size();
+        }
+        benchmark::DoNotOptimize(length);
+    }
+    CountEach(state, kRecords);
+}
+
+BENCHMARK(MakeText);
+
+enum class ParseKind : std::int64_t {
+    Constants,
+    Fields,
+    Brackets
+};
+
+// A text of about `length` characters; the brackets are at most 100 deep.
+std::wstring ParseText(ParseKind kind, std::size_t length) {
+    std::wstring text = L"1.5";
+    if (kind == ParseKind::Fields) {
+        text = L"{#A}";
+    }
+    const std::size_t deep = kind == ParseKind::Brackets ? length / 3 : 0;
+    while (text.size() + 2 * deep < length) {
+        text += kind == ParseKind::Fields ? L" + {#B}" : L" + 22";
+    }
+    return std::wstring(deep, L'(') + text + std::wstring(deep, L')');
+}
+
+void Parse(benchmark::State& state, ParseKind kind) {
+    MemoryResidentData& store = Store();
+    const std::wstring text = ParseText(kind, static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        const std::unique_ptr<INativeExpression> expression(KSDLL_CreateExpression(store, 0, text, false, nullptr));
+        if (expression == nullptr) {
+            state.SkipWithError("an expression of the benchmark does not compile");
+            break;
+        }
+    }
+    CountEach(state, 1);
+    state.counters["characters"] = static_cast<double>(text.size());
+}
+
+BENCHMARK_CAPTURE(Parse, constants, ParseKind::Constants)->Arg(50)->Arg(500)->Arg(5000)->Arg(15000);
+BENCHMARK_CAPTURE(Parse, fields, ParseKind::Fields)->Arg(50)->Arg(500)->Arg(5000)->Arg(15000);
+BENCHMARK_CAPTURE(Parse, brackets, ParseKind::Brackets)->Arg(50)->Arg(150)->Arg(300);
+
+void ParseFromCache(benchmark::State& state) {
+    MemoryResidentData& store = Store();
+    const std::wstring text = ParseText(ParseKind::Fields, 50);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(KSDLL_CreateExpressionFromCache(store, 0, text, false, nullptr));
+    }
+    CountEach(state, 1);
+    KSDLL_FreeExpressionCache();
+}
+
+BENCHMARK(ParseFromCache);
+
+} // namespace
