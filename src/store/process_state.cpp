@@ -3,8 +3,10 @@
 
 #include "configuration/load_state.h"
 #include "store/process_services.h"
+#include "text/translation_writers.h"
 
 #include <kestrona/process.h>
+#include <kestrona/translation.h>
 
 namespace Kestrona {
 
@@ -12,6 +14,8 @@ void ResetProcessStateForTests() {
     Configuration::ResetLoadStateForTests(); // before the save variables, where it keeps a pointer
     ClearSequencerFunctions();
     FreeUserStrings();
+    Text::RemoveTranslationWriters();
+    FreeTranslationTable();
     ResetSaveVariables();
     ResetSettings();
     ResetModule();
