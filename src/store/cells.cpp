@@ -137,7 +137,8 @@ bool IMemoryResidentData::HasStorage(std::int32_t format, std::int32_t field) {
     if (info == nullptr) {
         return false;
     }
-    return (info->column != nullptr && !info->column->IsNullColumn()) || info->stringColumn != nullptr;
+    const bool keeps_values = info->column != nullptr && !info->column->IsNullColumn() && info->column->CanWrite();
+    return keeps_values || (info->stringColumn != nullptr && info->stringColumn->CanWrite());
 }
 
 } // namespace Kestrona::Data::MemoryResident

@@ -6,6 +6,7 @@
 #include <kestrona/built_in_tables.h>
 #include <kestrona/classes.h>
 #include <kestrona/concrete_columns.h>
+#include <kestrona/evaluate_columns.h>
 #include <kestrona/record_search.h>
 #include <kestrona/record_state.h>
 
@@ -68,7 +69,7 @@ std::unique_ptr<IColumn<double>> CreateValueColumn(IMemoryResidentData& store, s
                                               store.GetDbDefaultValue(format, field));
     }
     if (store.ClassDefined(format, field, Classes::kEvaluate)) {
-        return CreateCalculatedColumn(store, format, field);
+        return std::make_unique<EvaluateColumn>(format, field, store);
     }
     if (store.ClassDefined(format, field, Classes::kOverride)) {
         return std::make_unique<OverrideDoubleColumn>(CreateRecordStateStrategy(store, format, field), override_target,
@@ -80,7 +81,7 @@ std::unique_ptr<IColumn<double>> CreateValueColumn(IMemoryResidentData& store, s
 std::unique_ptr<IColumn<std::wstring>> CreateTextColumn(IMemoryResidentData& store, std::int32_t format,
                                                         std::int32_t field) {
     if (store.ClassDefined(format, field, Classes::kEvaluate)) {
-        return CreateCalculatedTextColumn(store, format, field);
+        return std::make_unique<StringEvaluateColumn>(format, field, store);
     }
     return std::make_unique<StringColumn>(KSDLL_GetDefaultFreeFormatStringValue(store, format, field),
                                           CreateRecordStateStrategy(store, format, field));
@@ -94,16 +95,6 @@ std::unique_ptr<IColumn<std::int32_t>> CreateMatrixIdentityColumn(IMemoryResiden
 
 std::unique_ptr<IColumn<std::int32_t>> CreateUpdateColumn() {
     return std::make_unique<ValueManagedDataStorage<std::int32_t>>(0, new NullRecordStateStrategy());
-}
-
-std::unique_ptr<IColumn<double>> CreateCalculatedColumn(IMemoryResidentData& /*store*/, std::int32_t /*format*/,
-                                                        std::int32_t /*field*/) {
-    return nullptr;
-}
-
-std::unique_ptr<IColumn<std::wstring>> CreateCalculatedTextColumn(IMemoryResidentData& /*store*/,
-                                                                  std::int32_t /*format*/, std::int32_t /*field*/) {
-    return nullptr;
 }
 
 } // namespace Kestrona::Data::MemoryResident

@@ -19,11 +19,11 @@ IRecordStateStrategy* CreateRecordStateStrategy(IMemoryResidentData& store, std:
 std::unique_ptr<IColumn<double>> CreateTypedColumn(IMemoryResidentData& store, std::int32_t format, std::int32_t field);
 
 // The value column that the type code and the classes ask for. `override_target` is the column that an OVERRIDE field
-// also writes to. Null for a calculated field.
+// also writes to. That of a calculated field computes it at each read.
 std::unique_ptr<IColumn<double>> CreateValueColumn(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
                                                    IColumn<double>* override_target);
 
-// The string column. Null for a calculated field.
+// The string column. That of a calculated field computes it at each read.
 std::unique_ptr<IColumn<std::wstring>> CreateTextColumn(IMemoryResidentData& store, std::int32_t format,
                                                         std::int32_t field);
 
@@ -33,12 +33,5 @@ std::unique_ptr<IColumn<std::int32_t>> CreateMatrixIdentityColumn(IMemoryResiden
 
 // The column of a format's update numbers.
 std::unique_ptr<IColumn<std::int32_t>> CreateUpdateColumn();
-
-// The columns that compute an EVALUATE field from its expression. Null: this version evaluates nothing, and a field
-// without a column reads as its default, drops what is written and says so (`HasStorage`).
-std::unique_ptr<IColumn<double>> CreateCalculatedColumn(IMemoryResidentData& store, std::int32_t format,
-                                                        std::int32_t field);
-std::unique_ptr<IColumn<std::wstring>> CreateCalculatedTextColumn(IMemoryResidentData& store, std::int32_t format,
-                                                                  std::int32_t field);
 
 } // namespace Kestrona::Data::MemoryResident

@@ -4,8 +4,8 @@
 #include "store/format_names.h"
 #include "store/process_services.h"
 #include "store/process_state.h"
-#include "store/record_matrices.h"
 
+#include <kestrona/expression_parsing.h>
 #include <kestrona/process.h>
 #include <kestrona/store.h>
 #include <kestrona/translation.h>
@@ -70,6 +70,7 @@ MemoryResidentData::MemoryResidentData(IGlobalizationHelper* globalization, IDup
 }
 
 MemoryResidentData::~MemoryResidentData() {
+    KSDLL_FreeExpressionCache(); // another store may come to stand here
     std::ranges::for_each(formats_, FreeColumns);
 }
 
@@ -111,7 +112,6 @@ void MemoryResidentData::FreeFieldMemory(std::int32_t format, std::int32_t field
 // its own are gone.
 void MemoryResidentData::ResetFormat(std::int32_t format) {
     if (formats_info* const info = FindFormat(format)) {
-        FreeMatrices(*info);
         FreeColumns(*info);
         *info = formats_info();
         names_->Forget();
@@ -122,6 +122,7 @@ void MemoryResidentData::DestroyFormat(std::int32_t format) {
     if (FindFormat(format) == nullptr) {
         return;
     }
+    KSDLL_FreeExpressionCache();
     ResetFormat(format);
     for (formats_info& other : formats_) {
         std::erase(other.childTables, format);
@@ -143,6 +144,7 @@ void MemoryResidentData::InitializeFormats() {
 
 void MemoryResidentData::FreeDbMemory() {
     FreeUserStrings();
+    KSDLL_FreeExpressionCache();
     InitializeFormats();
     tables_.reset();
     ResetStringSubstitutions();

@@ -1,9 +1,9 @@
 // Implements: the texts of durations.
-#include "platform/format_text.h"
 #include "platform/numbers.h"
 #include "text/copy_out.h"
 #include "text/date_messages.h"
 #include "text/digits.h"
+#include "text/number_format.h"
 #include "text/weekday_names.h"
 
 #include <kestrona/durations.h>
@@ -68,7 +68,7 @@ std::wstring TwoDecimals(double value) {
 // The number by the field's format; with two decimals where that gives no number at all.
 std::wstring ShowNumber(const NumberFormat& format, double value) {
     if (format.Specified) {
-        std::wstring text = Kestrona::Platform::FormatText(BuildFormat(format, value), value);
+        std::wstring text = Kestrona::Text::FormatNumber(format, value);
         std::size_t used = 0;
         Kestrona::Platform::ParseDouble(text, &used);
         if (used != 0) {

@@ -8,6 +8,7 @@
 #include <kestrona/translation_writer.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdlib>
@@ -81,7 +82,7 @@ protected:
 
     std::filesystem::path former_folder_ = std::filesystem::current_path();
     std::filesystem::path folder_ =
-        std::filesystem::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
+        std::filesystem::path(testing::TempDir()) / ("kestrona-load-" + std::to_string(getpid()));
     std::array<wchar_t, 12> title_{};
     Events events_;
     std::function<std::int32_t(MemoryResidentData&)> load_source_;

@@ -3,6 +3,7 @@
 #include "fixtures/schema.h"
 
 #include <kestrona/concrete_columns.h>
+#include <kestrona/evaluate_columns.h>
 #include <kestrona/process.h>
 #include <kestrona/store.h>
 
@@ -83,7 +84,9 @@ TEST_F(Cells, WritesAreReportedWhereNoCellStands) {
 }
 
 TEST_F(Cells, AFieldWithoutAColumnReadsAsItsDefaultAndSaysSo) {
-    const std::int32_t format = AddTable(*store, L"Orders", {Number(L"Key"), Calculated(L"Sum"), Number(L"Bare")}, 2);
+    const std::int32_t format = AddFormat(*store, L"Orders", {Number(L"Key"), Number(L"Bare"), Number(L"Held")});
+    store->CreateDbValues(format, 2);
+    store->SetCurrentDbSize(format, 2);
     store->SetDbDefaultValue(format, 1, 6.0);
     EXPECT_EQ(store->GetDbColumn(format, 1), nullptr);
     store->SetDbValue(format, 1, 0, 3.0);
@@ -102,6 +105,7 @@ TEST_F(Cells, StorageIsTheOneThatTypeAndClassesAskFor) {
         Integer,
         Toggle,
         Override,
+        Calculated,
         None
     };
 
@@ -124,8 +128,8 @@ TEST_F(Cells, StorageIsTheOneThatTypeAndClassesAskFor) {
         {TypeBit::kFreeString, {}, Kind::Null, false, false},
         {TypeBit::kMatrix | TypeBit::kInteger, {}, Kind::Null, false, false},
         {TypeBit::kMatrix, {Classes::kEvaluate}, Kind::Null, false, false},
-        {TypeBit::kReal, {Classes::kEvaluate}, Kind::None, false, false},
-        {TypeBit::kReference, {Classes::kEvaluate, Classes::kFreeFormat}, Kind::None, false, false},
+        {TypeBit::kReal, {Classes::kEvaluate}, Kind::Calculated, false, false},
+        {TypeBit::kReference, {Classes::kEvaluate, Classes::kFreeFormat}, Kind::Calculated, false, true},
         {TypeBit::kInteger, {Classes::kOverride}, Kind::Override, true, false},
         {0, {}, Kind::Double, true, false},
     };
@@ -136,6 +140,8 @@ TEST_F(Cells, StorageIsTheOneThatTypeAndClassesAskFor) {
         Kind kind = Kind::None;
         if (dynamic_cast<OverrideDoubleColumn*>(column) != nullptr) {
             kind = Kind::Override;
+        } else if (dynamic_cast<EvaluateColumn*>(column) != nullptr) {
+            kind = Kind::Calculated;
         } else if (dynamic_cast<DoubleColumn*>(column) != nullptr) {
             kind = Kind::Double;
         } else if (dynamic_cast<IntegerColumn*>(column) != nullptr) {

@@ -212,7 +212,7 @@ TEST_F(Search, RecordsAreLookedUpByValueAndText) {
     EXPECT_EQ(Take(store->DistinctRecords(format, 2)), (RecordNumbers{0, 1, 3, 4}));
     EXPECT_EQ(store->GetMaxValueForColumn(format, 1, false), 2.0);
     EXPECT_EQ(store->GetMinValueForColumn(format, 1, true), 1.0);
-    EXPECT_TRUE(Take(store->LookupRecords(format, 4, 0.0, FindOperator::Equal)).empty());
+    EXPECT_EQ(Take(store->LookupRecords(format, 4, 0.0, FindOperator::Equal)), (RecordNumbers{0, 1, 2, 3, 4, 5}));
     EXPECT_THROW(store->GetRecordsMatchingRow(format, 4, 0), const wchar_t*);
 }
 

@@ -15,7 +15,7 @@ constexpr const char* kDefinition = R"(format Orders "Works orders" {
     field Product = -1    : REFERENCE | DATABASE(Products(Number))
     field Quantity = 1    : REAL
     field Note length 5   : REFERENCE | FREE FORMAT
-    field Twice           : REAL | EVALUATE "#{Quantity} * 2"
+    field Twice           : REAL | EVALUATE "{#Quantity} * 2"
 }
 format Products {
     key Number

@@ -1,5 +1,7 @@
 #include "data/csv_reader.h"
 
+#include "tool/own_path.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -14,7 +16,7 @@ namespace {
 class CsvReader : public testing::Test {
 protected:
     CsvOutcome Read(const std::string& content) {
-        const std::string path = testing::TempDir() + "csv_reader_test.csv";
+        const std::string path = OwnPath("csv_reader_test.csv");
         std::ofstream(path, std::ios::binary) << content;
         rows_.clear();
         const CsvOutcome outcome = ReadCsv(path, [&](const CsvRow& row) {

@@ -1,6 +1,7 @@
 #include "data/csv_reader.h"
 #include "output/table_writer.h"
 #include "output/text_table.h"
+#include "tool/own_path.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -15,7 +16,7 @@ namespace Kestrona::Tool {
 namespace {
 
 std::string Written(const TableSource& source, OutputForm form) {
-    const std::string path = testing::TempDir() + "output_test.txt";
+    const std::string path = OwnPath("output_test.txt");
     std::FILE* file = std::fopen(path.c_str(), "wb");
     EXPECT_TRUE(WriteTable(source, form, file));
     std::fclose(file);
@@ -36,7 +37,7 @@ struct Awkward : ListSource {
 
 TEST(Output, CsvIsReadBackAsItWas) {
     const Awkward source;
-    const std::string path = testing::TempDir() + "output_back.csv";
+    const std::string path = OwnPath("output_back.csv");
     std::ofstream(path, std::ios::binary) << Written(source, OutputForm::Csv);
     std::vector<std::vector<std::string>> rows;
     EXPECT_EQ(ReadCsv(path,

@@ -1,4 +1,5 @@
 #include "data/csv_reader.h"
+#include "tool/own_path.h"
 #include "tool/run_tool.h"
 
 #include <gtest/gtest.h>
@@ -55,7 +56,7 @@ TEST(RealData, EveryWorkOrderAndRoutingComesBackAsItWas) {
                                      data + "/derived-csv", "--data", data + "/raw-tsv-2017", table, "-o", "csv"});
         ASSERT_EQ(run.exit_code, 0) << run.err;
         EXPECT_EQ(run.err.find("no target"), std::string::npos) << run.err;
-        const std::string path = testing::TempDir() + "real_data_" + table + ".csv";
+        const std::string path = OwnPath("real_data_" + table + ".csv");
         WriteFile(path, run.out);
         const Rows shown = ReadRows(path);
         std::filesystem::remove(path);

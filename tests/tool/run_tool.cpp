@@ -1,6 +1,7 @@
 #include "tool/run_tool.h"
 
-#include <gtest/gtest.h>
+#include "tool/own_path.h"
+
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -42,8 +43,7 @@ ToolRun RunTool(const std::vector<std::string>& arguments) {
 
 std::string FreshFolder(const std::string& name) {
     static int number = 0;
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    std::string path = testing::TempDir() + "kestrona_tool_" + test->name() + "_" + name + std::to_string(++number);
+    const std::string path = OwnPath(name + std::to_string(++number));
     std::filesystem::remove_all(path);
     std::filesystem::create_directories(path);
     return path;
