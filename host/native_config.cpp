@@ -1,5 +1,7 @@
 #include <kestrona/definition_load.h>
+#include <kestrona/execution_state.h>
 #include <kestrona/host/native_config.h>
+#include <kestrona/host/translation_list.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/services.h>
 #include <kestrona/unicode.h>
@@ -22,6 +24,9 @@ LoadOutcome FillAndCheck(const Definition& definition, MemoryResidentData& store
     if (!FillStore(definition, store)) {
         ShowError(kTooManyTables);
         return LoadOutcome::Findings;
+    }
+    if (ExecutionState::Instance().get_ExtractTranslations()) {
+        ListDefinitionTexts(store); // before the labels that the resolution lists
     }
     return check_database_access(store, true, feedback) == 0 ? LoadOutcome::Ok : LoadOutcome::Findings;
 }

@@ -66,4 +66,7 @@ class SubstituteCache : public CacheTemplate<std::vector<SubstPair>> {};
 /// A field's FORMAT classification.
 class NumberFormatCache : public CacheTemplate<NumberFormat> {};
 
+/// The name in a field's TABLE classification, "" for none.
+class StringTableNameCache : public CacheTemplate<std::wstring> {};
+
 } // namespace Kestrona

@@ -20,7 +20,10 @@
 /// is named.
 ///
 /// Compiled files can be neither read nor written yet: such a load reports the file by `DisplayGenericUnableToRead` and
-/// fails. So does one with `ExecutionState::get_ExtractTranslations`, which the debug log tells of.
+/// fails.
+///
+/// With `ExecutionState::get_ExtractTranslations` the load opens the lists of texts to translate (translation_writer.h)
+/// in the current directory.
 ///
 /// Requires: `native_config`; every other pointer may be null.
 KS_API std::int32_t KSSERVER_LoadTableDefinition(Kestrona::Data::MemoryResident::MemoryResidentData& store,

@@ -13,7 +13,9 @@
 #include <kestrona/compilation_state.h>
 #include <kestrona/concrete_columns.h>
 #include <kestrona/data_storage.h>
+#include <kestrona/dates.h>
 #include <kestrona/definition_load.h>
+#include <kestrona/durations.h>
 #include <kestrona/evaluate_columns.h>
 #include <kestrona/execution_state.h>
 #include <kestrona/export.h>
@@ -38,6 +40,10 @@
 #include <kestrona/schema_records.h>
 #include <kestrona/services.h>
 #include <kestrona/store.h>
+#include <kestrona/translation.h>
+#include <kestrona/translation_source.h>
+#include <kestrona/translation_writer.h>
 #include <kestrona/types.h>
 #include <kestrona/unicode.h>
+#include <kestrona/value_text.h>
 #include <kestrona/version.h>

@@ -40,6 +40,7 @@ struct field_info {
     std::unique_ptr<SubstituteCache> substituteCache;
     std::unique_ptr<SubstituteCache> substitutxCache;
     std::unique_ptr<NumberFormatCache> numberFormatCache;
+    std::unique_ptr<StringTableNameCache> stringTableNameCache;
     FieldHiddenInfo hiddenInfo;
     std::int32_t stringTableIndex = -1; ///< Cached number of the field's string table; -1 when not looked up.
     std::int32_t xLocation = 0;

@@ -147,11 +147,11 @@ void LocalizeHelpFile(IGlobalizationHelper* globalization) {
     }
 }
 
-bool PrepareLoad(const LoadHost& host) {
+void PrepareLoad(const LoadHost& host) {
     ResetRunState();
     SetFromCompiled(false);
-    if (ExecutionState::Instance().get_ExtractTranslations() && !InstallTranslationWriters()) {
-        return EndLoad();
+    if (ExecutionState::Instance().get_ExtractTranslations()) {
+        InstallTranslationWriters();
     }
     host.SetStage(kMsgStageDefinition);
     if (host.feedback != nullptr) {
@@ -159,7 +159,6 @@ bool PrepareLoad(const LoadHost& host) {
     }
     KSDLL_SetLongSv(kSvDefinitionEnd, 0);
     KSDLL_WriteDebug(L"Initialised String Tables.");
-    return true;
 }
 
 bool Load(MemoryResidentData& store, const wchar_t* file_name, wchar_t* title, const LoadHost& host) {
@@ -177,7 +176,8 @@ bool Load(MemoryResidentData& store, const wchar_t* file_name, wchar_t* title, c
     if (!PassFirstTimeGuard(title)) {
         return false;
     }
-    if (!PrepareLoad(host) || !LoadDefinition(store, host)) {
+    PrepareLoad(host);
+    if (!LoadDefinition(store, host)) {
         return false;
     }
     MarkStringDefaults(store);

@@ -1,14 +1,15 @@
 #include "configuration/translation_extraction.h"
 
-#include <kestrona/services.h>
+#include "text/translation_writers.h"
 
 namespace Kestrona::Configuration {
 
-bool InstallTranslationWriters() {
-    KSDLL_WriteDebug(L"The translation lists cannot be written: no writer is installed.");
-    return false;
+void InstallTranslationWriters() {
+    Text::InstallTranslationWriters();
 }
 
-void ExtractTranslation(const std::wstring&) {}
+void ExtractTranslation(const std::wstring& text) {
+    Text::DefinitionTexts().AddEntry(text);
+}
 
 } // namespace Kestrona::Configuration

@@ -1,13 +1,14 @@
 #include "expressions/text_access.h"
 
-#include "platform/numbers.h"
+#include <kestrona/value_text.h>
 
 namespace Kestrona::Expressions {
 
-// The number itself, whatever the field displays it as.
-void DisplayText(Data::MemoryResident::IMemoryResidentData& /*store*/, std::int32_t /*format*/, std::int32_t /*field*/,
-                 std::int32_t /*record*/, double value, std::int32_t /*matrix_index*/, std::wstring* text) {
-    *text = Platform::DoubleToText17(value);
+void DisplayText(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field,
+                 std::int32_t record, double value, std::int32_t matrix_index, std::wstring* text) {
+    // A field that shows nothing would leave the text of the one before.
+    text->clear();
+    KSDLL_ValueToTString(store, format, field, record, text, value, matrix_index);
 }
 
 } // namespace Kestrona::Expressions

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cstdlib>
 #include <optional>
@@ -57,6 +58,20 @@ bool FileExists(const std::wstring& path) {
     struct stat status {};
 
     return system_path && stat(system_path->c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+std::optional<std::int64_t> LastWriteTime(const std::wstring& path) {
+    const auto system_path = SystemPath(path);
+
+    struct stat status {};
+
+    if (!system_path || stat(system_path->c_str(), &status) != 0 || S_ISDIR(status.st_mode)) {
+        return std::nullopt;
+    }
+    // A file may bear any time; far beyond every date, but small enough to go on counting in milliseconds.
+    constexpr std::int64_t kFarSeconds = 1'000'000'000'000;
+    const std::int64_t seconds = std::clamp<std::int64_t>(status.st_mtim.tv_sec, -kFarSeconds, kFarSeconds);
+    return seconds * 1000 + status.st_mtim.tv_nsec / 1000000;
 }
 
 bool RemoveFile(const std::wstring& path) {

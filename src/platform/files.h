@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
 // Files and folders by wide path. A path reaches the system as UTF-8 with '/' between its parts. A path that the system
@@ -21,6 +23,9 @@ std::FILE* OpenFile(const std::wstring& path, const char* mode);
 
 // Whether the path is there and is not a folder.
 bool FileExists(const std::wstring& path);
+
+// When the file was last written: milliseconds since the beginning of 1970 in UTC. Nothing for what is no file.
+std::optional<std::int64_t> LastWriteTime(const std::wstring& path);
 
 // Removes a file, never a folder. False when it was not removed.
 bool RemoveFile(const std::wstring& path);

@@ -11,15 +11,16 @@ namespace Kestrona::Platform {
 namespace {
 
 // Boost computes widths, precisions and argument numbers in int without a bound and pads to any width. A number of more
-// than three digits in a placeholder has no honest use, so such a text is not taken for a format.
-bool HasBoundedNumbers(std::wstring_view text) {
+// than three digits in a placeholder has no honest use, so such a text is not taken for a format. Nor is one with the
+// flag '_': together with '-' and '0' it fails an assertion of Boost.
+bool HasTamePlaceholders(std::wstring_view text) {
     constexpr std::size_t kMostDigits = 3;
     constexpr std::wstring_view kBetween = L"+-#. '$|*=_<>";
     for (std::size_t i = text.find(L'%'); i != std::wstring_view::npos; i = text.find(L'%', i)) {
         std::size_t digits = 0;
         for (++i; i < text.size() && (IsDecimalDigit(text[i]) || kBetween.find(text[i]) != kBetween.npos); ++i) {
             digits = IsDecimalDigit(text[i]) ? digits + 1 : 0;
-            if (digits > kMostDigits) {
+            if (digits > kMostDigits || text[i] == L'_') {
                 return false;
             }
         }
@@ -34,7 +35,7 @@ void Feed(boost::wformat& formatter, const FormatArgument& argument) {
 } // namespace
 
 std::wstring FormatTextWith(std::wstring_view text, std::span<const FormatArgument> arguments) {
-    if (text.find(L'%') == std::wstring_view::npos || !HasBoundedNumbers(text)) {
+    if (text.find(L'%') == std::wstring_view::npos || !HasTamePlaceholders(text)) {
         return std::wstring(text);
     }
     boost::wformat formatter(L"", std::locale::classic());
@@ -49,6 +50,20 @@ std::wstring FormatTextWith(std::wstring_view text, std::span<const FormatArgume
         Feed(formatter, argument);
     }
     return formatter.str();
+}
+
+std::optional<std::wstring> TryFormatText(std::wstring_view text, const FormatArgument& argument) {
+    if (!HasTamePlaceholders(text)) {
+        return std::nullopt;
+    }
+    boost::wformat formatter(L"", std::locale::classic());
+    try {
+        formatter.parse(std::wstring(text));
+        Feed(formatter, argument);
+        return formatter.str();
+    } catch (const boost::io::format_error&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace Kestrona::Platform

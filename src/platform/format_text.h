@@ -3,6 +3,7 @@
 #include <array>
 #include <concepts>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -57,12 +58,15 @@ std::wstring FormatTextWith(std::wstring_view text, std::span<const FormatArgume
 // Fills the placeholders of `text` ("%s", "%li", "%.2lf", "%1$02i" and the like) with the arguments, numbers in the "C"
 // locale. The text comes from a host or a user, so nothing about it is an error: arguments that are left over are
 // dropped, placeholders without an argument show nothing, and a text that is no format at all (a lone '%', numbered and
-// plain placeholders mixed, a width of more than three digits) is the result itself. The placeholder's type does not
-// have to fit the argument's. Widths that are themselves arguments ("%*d") are not understood.
+// plain placeholders mixed, a width of more than three digits, the flag "_") is the result itself. The placeholder's
+// type does not have to fit the argument's. Widths that are themselves arguments ("%*d") are not understood.
 template <typename... Arguments>
 std::wstring FormatText(std::wstring_view text, const Arguments&... arguments) {
     const std::array<FormatArgument, sizeof...(Arguments)> list{FormatArgument(arguments)...};
     return FormatTextWith(text, list);
 }
+
+// Fills the one placeholder of `text` likewise. Nothing when the text is no format for exactly one argument.
+std::optional<std::wstring> TryFormatText(std::wstring_view text, const FormatArgument& argument);
 
 } // namespace Kestrona::Platform

@@ -58,6 +58,8 @@ void MemoryResidentData::SetDbClassString(std::int32_t format, std::int32_t fiel
     info->substituteCache->Invalidate();
     info->substitutxCache->Invalidate();
     info->numberFormatCache->Invalidate();
+    info->stringTableNameCache->Invalidate();
+    info->stringTableIndex = -1;
     info->current.classString = text;
 }
 

@@ -8,6 +8,7 @@
 #include <kestrona/expression_parsing.h>
 #include <kestrona/process.h>
 #include <kestrona/store.h>
+#include <kestrona/translation.h>
 
 #include <algorithm>
 
@@ -39,6 +40,7 @@ void ResetTexts(field_info& field) {
     field.substituteCache.reset();
     field.substitutxCache.reset();
     field.numberFormatCache.reset();
+    field.stringTableNameCache.reset();
     field.hiddenInfo = {};
     field.stringTableIndex = -1;
     field.matrixXLabel.Reset();
@@ -146,6 +148,7 @@ void MemoryResidentData::FreeDbMemory() {
     InitializeFormats();
     tables_.reset();
     ResetStringSubstitutions();
+    FreeTranslationTable();
     FreeProcessServices();
 }
 

@@ -4,10 +4,14 @@
 #include "columns/matrix_table.h"
 #include "configuration/load_state.h"
 #include "store/process_services.h"
+#include "text/time_seconds.h"
+#include "text/translation_writers.h"
 
 #include <kestrona/expression_parsing.h>
 #include <kestrona/matrices.h>
 #include <kestrona/process.h>
+#include <kestrona/translation.h>
+#include <kestrona/translation_source.h>
 
 namespace Kestrona {
 
@@ -15,6 +19,10 @@ void ResetProcessStateForTests() {
     Configuration::ResetLoadStateForTests(); // before the save variables, where it keeps a pointer
     ClearSequencerFunctions();
     FreeUserStrings();
+    Text::RemoveTranslationWriters();
+    Text::ResetIncludeSeconds();
+    SetResourcesModule(nullptr);
+    FreeTranslationTable();
     ResetSaveVariables();
     ResetSettings();
     ResetModule();

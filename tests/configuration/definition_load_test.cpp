@@ -5,6 +5,7 @@
 #include <kestrona/definition_load.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/process.h>
+#include <kestrona/translation_writer.h>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -202,11 +203,24 @@ TEST_F(DefinitionLoad, RaisesWhenNoCompiledFileIsNamed) {
     }
 }
 
-TEST_F(DefinitionLoad, FailsWhereTranslationListsAreWanted) {
+TEST_F(DefinitionLoad, ListsTheLabelsOfDimensionsForTranslation) {
     ExecutionState::Instance().set_ExtractTranslations(true);
-    EXPECT_EQ(Load(), -1);
-    EXPECT_EQ(events_, Events{L"stage 17135"});
-    EXPECT_EQ(log_->lines, Events{L"The translation lists cannot be written: no writer is installed."});
+    load_source_ = [](MemoryResidentData& store) {
+        Fixtures::AddFormat(store, L"Parts", {Fixtures::Number(L"Key"), Fixtures::Text(L"Name")});
+        Fixtures::AddFormat(store, L"Prices",
+                            {Fixtures::Number(L"Key"),
+                             {.name = L"Price",
+                              .type = TypeBit::kMatrix | TypeBit::kReal,
+                              .classification = L"AUTO DIMENSION(Part\x00fc, Parts(Name), To, Parts(Name))"}});
+        return check_database_access(store, false, nullptr);
+    };
+    EXPECT_EQ(Load(), 0);
+    TranslationWriter_Close();
+    std::ifstream list("KSSERVER.LST", std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(list), {});
+    const std::u16string entries = u"\"Part\u00fc\"\n\" \"\n\n\"To\"\n\" \"\n\n";
+    EXPECT_TRUE(bytes.ends_with(std::string(reinterpret_cast<const char*>(entries.data()), entries.size() * 2)));
+    EXPECT_TRUE(std::filesystem::exists("KS_PDB.LST"));
 }
 
 TEST_F(DefinitionLoad, TakesTheLocalizedHelpFileWhenItIsThere) {

@@ -28,12 +28,5 @@ NumberFormat KSDLL_GetNumberFormat(const std::wstring& classification) {
 
 NumberFormat KSDLL_GetNumberFormat(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     field_info* const info = store.GetFieldInfo(format, field);
-    if (info == nullptr) {
-        return {};
-    }
-    EnsureFieldCaches(*info);
-    if (!info->numberFormatCache->HasValue) {
-        info->numberFormatCache->Set(MatchFormat(store.GetDbClassString(format, field)));
-    }
-    return info->numberFormatCache->Get();
+    return info != nullptr ? KeptNumberFormat(*info) : NumberFormat();
 }

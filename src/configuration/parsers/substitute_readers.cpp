@@ -5,7 +5,6 @@
 #include "configuration/parsers/field_caches.h"
 #include "platform/numbers.h"
 
-#include <kestrona/classes.h>
 #include <kestrona/classification_readers.h>
 
 #include <algorithm>
@@ -42,19 +41,12 @@ const Pairs& NoPairs() {
 
 // The kept pairs stay where they are until the field's classification string is set.
 
-const Pairs& KeptSubstitutes(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    if (!store.ClassDefined(format, field, Kestrona::Classes::kSubstitute)) {
-        return NoPairs();
-    }
-    field_info& info = *store.GetFieldInfo(format, field);
-    EnsureFieldCaches(info);
-    if (!info.substituteCache->HasValue) {
-        info.substituteCache->Set(Parse_SUBSTITUTE(info.current.classString));
-    }
-    return info.substituteCache->Peek();
+const Pairs& SubstitutesOf(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    field_info* const info = store.GetFieldInfo(format, field);
+    return info != nullptr ? KeptSubstitutes(*info) : NoPairs();
 }
 
-const Pairs& KeptSubstitutx(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+const Pairs& SubstitutxOf(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     field_info* const info = store.GetFieldInfo(format, field);
     if (info == nullptr) {
         return NoPairs();
@@ -111,7 +103,7 @@ std::int32_t Check(IMemoryResidentData& store, std::int32_t format, std::int32_t
                    const wchar_t* wanted, double* value) {
     TextSearch search(wanted, list, value);
     const bool found =
-        search.Find(KeptSubstitutes(store, format, field)) || search.Find(KeptSubstitutx(store, format, field));
+        search.Find(SubstitutesOf(store, format, field)) || search.Find(SubstitutxOf(store, format, field));
     return found ? kFound : search.Missing();
 }
 
@@ -132,11 +124,11 @@ std::vector<SubstPair> Parse_SUBSTITUTX(const std::wstring& text) {
 }
 
 std::vector<SubstPair> Parse_SUBSTITUTE(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return KeptSubstitutes(store, format, field);
+    return SubstitutesOf(store, format, field);
 }
 
 std::vector<SubstPair> Parse_SUBSTITUTX(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return KeptSubstitutx(store, format, field);
+    return SubstitutxOf(store, format, field);
 }
 
 SubstPair ClassificationMatchToSubstitutePair(const SubstituteClassificationParserBase* parser,

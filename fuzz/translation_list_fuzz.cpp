@@ -1,0 +1,21 @@
+#include <kestrona/host/translation_list.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+// The reader of filled translation lists.
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const auto list = Kestrona::Host::ParseTranslationList(bytes, "list");
+    std::size_t characters = 0;
+    for (const auto& entry : list.entries) {
+        characters += entry.text.size() + entry.translation.size();
+    }
+    if (characters > size || list.diagnostics.size() > size) {
+        std::abort();
+    }
+    return 0;
+}
