@@ -14,6 +14,8 @@
 #include <kestrona/concrete_columns.h>
 #include <kestrona/data_storage.h>
 #include <kestrona/definition_load.h>
+#include <kestrona/encrypted_string_column.h>
+#include <kestrona/encryption.h>
 #include <kestrona/execution_state.h>
 #include <kestrona/export.h>
 #include <kestrona/expression.h>
