@@ -20,9 +20,12 @@
 #include <kestrona/export.h>
 #include <kestrona/expression.h>
 #include <kestrona/find_result.h>
+#include <kestrona/free_strings.h>
 #include <kestrona/host_interfaces.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/indexed_column.h>
+#include <kestrona/matrices.h>
+#include <kestrona/matrix_column.h>
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/owned_text.h>
 #include <kestrona/process.h>

@@ -232,18 +232,29 @@ public:
     virtual bool IsHiddenDialog(std::int32_t format, std::int32_t field) = 0;
     virtual void SetDbDialogLevel(std::int32_t format, std::int32_t field, std::int16_t level) = 0;
 
-    // Copying. In this version each of these, `EraseDbRow`, `EraseDbRows` and `CreateDuplicateFormat` throw a wide text
-    // (`const wchar_t*`) and change nothing.
+    // Copying. Either record may be a scratch record. A row's fields are copied, swapped and compared except matrices,
+    // free strings and calculated fields; matrices go apart.
 
+    /// Copies the matrix of a cell. Within a format a list is shared: source and target hold the same one from then on,
+    /// and the one that the target had is left to its other holders. So is a COMMON MATRIX. Any other matrix is copied
+    /// element by element. A string reference (STRING STORAGE) whose string is missing becomes 0.0, and the target
+    /// takes over the source's text. Nothing where the target is no matrix. Linear in the size.
     virtual void CopyMatrix(std::int32_t source_format, std::int32_t source_field, std::int32_t source_record,
                             std::int32_t target_format, std::int32_t target_field, std::int32_t target_record) = 0;
+    /// Exchanges which record owns which matrix; no element moves. Nothing for a COMMON MATRIX.
     virtual void SwapMatrix(std::int32_t format, std::int32_t field, std::int32_t record1, std::int32_t record2) = 0;
+    /// Copies the matrices of a row.
     virtual void CopyMatrixItemInfo(std::int32_t source_record, std::int32_t target_record, std::int32_t format) = 0;
+    /// Exchanges the matrices of two rows.
     virtual void SwapMatrixItemInfo(std::int32_t record1, std::int32_t record2, std::int32_t format) = 0;
+    /// Copies one cell, its value, or its text where it has no value; not the matrix.
     virtual void CopyField(std::int32_t format, std::int32_t field, std::int32_t source_record,
                            std::int32_t target_record) = 0;
+    /// Exchanges two rows, their matrices and update numbers included.
     virtual void SwapItemInfo(std::int32_t record1, std::int32_t record2, std::int32_t format) = 0;
+    /// Copies a row, its matrices and update number included.
     virtual void CopyItemInfo(std::int32_t source_record, std::int32_t target_record, std::int32_t format) = 0;
+    /// Tells whether two rows have equal cells. Matrices are not compared.
     virtual bool ItemInfoIsEqual(std::int32_t record1, std::int32_t record2, std::int32_t format) = 0;
     virtual bool GetParentSortEnabled(std::int32_t format, std::int32_t field) = 0;
     virtual void SetParentSortEnabled(std::int32_t format, std::int32_t field, bool enabled) = 0;
@@ -264,7 +275,11 @@ public:
     /// Frees a format and takes it out of the child lists of others. Its number becomes free for a duplicate; if it was
     /// the last one, the format count goes down by one. The duplicate handler is told.
     virtual void DestroyFormat(std::int32_t format) = 0;
-    /// Makes a format with the schema of another one and no records. Takes ownership of `name`. Returns its number.
+    /// Makes a format with the schema of another one and no records. What refers to the source itself refers to the
+    /// duplicate there. `name` is copied and may be null. Returns the duplicate's number: the first free one, or with
+    /// `at_end` the format count plus 2, where no search by name finds it and the next such duplicate replaces it.
+    /// Returns -1 and changes nothing for a source out of range, and when that number is past the last format or the
+    /// source's own. The duplicate handler is told.
     virtual std::int32_t CreateDuplicateFormat(std::int32_t format, wchar_t* name, bool at_end) = 0;
     /// Frees everything, the process-wide user strings and services included: they belong to all stores of the process.
     /// The switches that a host set stay. Callable twice.

@@ -48,7 +48,7 @@ private:
     template <typename TakeBack>
     void ReleaseTransaction(const std::string& id, TakeBack take_back);
 
-    std::string currentTransaction_;
+    std::unique_ptr<std::string> currentTransaction_; // null for none, so that small columns stay small
     formats_info* format_;
     std::int32_t formatNumber_;
     bool columnChanged_ = false;

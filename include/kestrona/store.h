@@ -207,6 +207,7 @@ private:
     void ReportBadRead(std::int32_t format, std::int32_t field, std::int32_t record);
     void ReportBadWrite(std::int32_t format, std::int32_t record);
     void ResetFormat(std::int32_t format);
+    [[nodiscard]] std::int32_t DuplicateNumber(bool at_end);
 
     std::vector<formats_info> formats_; // always kMaxFormats: columns point at the entries
     std::unique_ptr<TableInfo[]> tables_;

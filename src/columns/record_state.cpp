@@ -93,7 +93,7 @@ RecordStateStrategy::Attribution& RecordStateStrategy::NeedAttribution() {
         attribution_ = std::make_unique<Attribution>();
     }
     if (!attribution_->HasCurrent()) {
-        attribution_->Attribute(currentTransaction_);
+        attribution_->Attribute(*currentTransaction_);
     }
     return *attribution_;
 }
@@ -108,7 +108,7 @@ void RecordStateStrategy::CountChange() {
 }
 
 void RecordStateStrategy::RecordChanged(std::int32_t record) {
-    if (!currentTransaction_.empty()) [[unlikely]] {
+    if (currentTransaction_ != nullptr) [[unlikely]] {
         return RecordChangedInTransaction(record);
     }
     CountChange();
@@ -122,7 +122,7 @@ void RecordStateStrategy::RecordChanged(std::int32_t record) {
 }
 
 void RecordStateStrategy::RecordErased(double key) {
-    if (!currentTransaction_.empty()) {
+    if (currentTransaction_ != nullptr) {
         NeedAttribution().RecordErased(key);
     }
     CountChange();
@@ -135,7 +135,7 @@ void RecordStateStrategy::ColumnCleared(bool mark_changed) {
 }
 
 void RecordStateStrategy::StartTransaction(std::string id) {
-    currentTransaction_ = std::move(id);
+    currentTransaction_ = id.empty() ? nullptr : std::make_unique<std::string>(std::move(id));
     if (attribution_ != nullptr) {
         attribution_->AttributeToNone();
     }
@@ -144,7 +144,7 @@ void RecordStateStrategy::StartTransaction(std::string id) {
 // Hands what is attributed to `id` to `take_back`, drops the attribution and ends the running transaction.
 template <typename TakeBack>
 void RecordStateStrategy::ReleaseTransaction(const std::string& id, TakeBack take_back) {
-    currentTransaction_.clear();
+    currentTransaction_.reset();
     if (attribution_ == nullptr) {
         return;
     }

@@ -1,4 +1,6 @@
 // Making the columns of every field.
+#include "configuration/data_arrays.h"
+
 #include "configuration/field_count.h"
 
 #include <kestrona/classes.h>
@@ -118,10 +120,14 @@ private:
 
 } // namespace
 
+void MakeColumns(MemoryResidentData& store, std::int32_t format) {
+    ColumnMaker(store, format).MakeAll();
+}
+
 } // namespace Kestrona::Configuration
 
 void KSDLL_CreateDataArrays(Kestrona::Data::MemoryResident::MemoryResidentData& store) {
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        Kestrona::Configuration::ColumnMaker(store, format).MakeAll();
+        Kestrona::Configuration::MakeColumns(store, format);
     }
 }

@@ -3,6 +3,7 @@
 #include "store/record_matrices.h"
 
 #include <kestrona/classes.h>
+#include <kestrona/matrices.h>
 #include <kestrona/store.h>
 
 namespace Kestrona::Data::MemoryResident {
@@ -53,20 +54,6 @@ std::int32_t ChildState(const formats_info& format, const formats_info& child, s
         }
     }
     return 0;
-}
-
-void ResetMatrices(const formats_info& format, const field_info& field) {
-    if (field.matrixColumn == nullptr) {
-        return;
-    }
-    if (format.recordCount == 0) {
-        field.matrixColumn->ResetColoumnChanged();
-    }
-    for (std::int32_t record = 0; record < format.recordCount; ++record) {
-        if (IColumn<double>* const matrix = FindMatrix(field, record)) {
-            matrix->ResetColoumnChanged();
-        }
-    }
 }
 
 template <typename T>
@@ -137,7 +124,7 @@ void MemoryResidentData::ResetColumnChanged(std::int32_t format, std::int32_t fi
         return;
     }
     if (IsMatrix(*info)) {
-        ResetMatrices(*FindFormat(format), *info);
+        KSDLL_ResetMatrixChanged(*this, format, field);
     } else if (HasClass(*info, Classes::kFreeFormat)) {
         ResetCells(info->stringColumn);
     } else {

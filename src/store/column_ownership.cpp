@@ -2,6 +2,7 @@
 #include "store/column_ownership.h"
 
 #include "store/class_test.h"
+#include "store/record_matrices.h"
 
 #include <kestrona/classes.h>
 
@@ -41,6 +42,17 @@ void FreeOverridesOf(formats_info& format, const IColumn<double>* target) {
     }
 }
 
+// A column of matrix identities takes its matrices with it.
+template <typename T>
+void FreeColumn(IColumn<T>* column) {
+    if constexpr (std::is_same_v<T, std::int32_t>) {
+        if (column != nullptr) {
+            FreeOwnedMatrices(*column);
+        }
+    }
+    delete column;
+}
+
 template <typename T>
 void FreeIfUnheld(formats_info& format, ColumnSlot<T> slot, IColumn<T>* column) {
     if (column == nullptr || IsHeld(format, slot, column)) {
@@ -49,7 +61,7 @@ void FreeIfUnheld(formats_info& format, ColumnSlot<T> slot, IColumn<T>* column) 
     if constexpr (std::is_same_v<T, double>) {
         FreeOverridesOf(format, column);
     }
-    delete column;
+    FreeColumn(column);
 }
 
 // Appends the columns that the fields hold in this slot, and takes them away.
@@ -61,9 +73,7 @@ void FreeAllOf(formats_info& format, ColumnSlot<T> slot) {
     }
     std::ranges::sort(columns);
     columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
-    for (IColumn<T>* column : columns) {
-        delete column;
-    }
+    std::ranges::for_each(columns, FreeColumn<T>);
 }
 
 } // namespace

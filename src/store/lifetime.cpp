@@ -4,7 +4,6 @@
 #include "store/format_names.h"
 #include "store/process_services.h"
 #include "store/process_state.h"
-#include "store/record_matrices.h"
 
 #include <kestrona/process.h>
 #include <kestrona/store.h>
@@ -109,7 +108,6 @@ void MemoryResidentData::FreeFieldMemory(std::int32_t format, std::int32_t field
 // its own are gone.
 void MemoryResidentData::ResetFormat(std::int32_t format) {
     if (formats_info* const info = FindFormat(format)) {
-        FreeMatrices(*info);
         FreeColumns(*info);
         *info = formats_info();
         names_->Forget();

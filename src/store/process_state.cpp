@@ -1,9 +1,11 @@
 // Implements: ResetProcessStateForTests.
 #include "store/process_state.h"
 
+#include "columns/matrix_table.h"
 #include "configuration/load_state.h"
 #include "store/process_services.h"
 
+#include <kestrona/matrices.h>
 #include <kestrona/process.h>
 
 namespace Kestrona {
@@ -19,6 +21,8 @@ void ResetProcessStateForTests() {
     ResetExecutionState();
     ResetDebugLog();
     ResetLibraryEntry();
+    matrixDialogInfo = {};
+    Data::MemoryResident::MatrixTable::Instance().Reset();
     FreeProcessServices();
 }
 

@@ -1,14 +1,82 @@
-// Implements: the way from a record to its matrices.
 #include "store/record_matrices.h"
+
+#include "columns/matrix_table.h"
+
+#include <algorithm>
+#include <array>
 
 namespace Kestrona::Data::MemoryResident {
 
-IColumn<double>* FindMatrix(const field_info& /*field*/, std::int32_t /*record*/) {
-    return nullptr;
+namespace {
+
+constexpr std::int32_t kBlock = 1024;
+
+// Calls `action` with the identities of `count` records from `first` on, until it answers false.
+template <typename Action>
+void ForEachIdentity(const IColumn<std::int32_t>& identities, std::int32_t first, std::int32_t count, Action action) {
+    std::array<std::int32_t, kBlock> ids;
+    for (std::int32_t done = 0; done < count; done += kBlock) {
+        const std::int32_t length = std::min(kBlock, count - done);
+        identities.ReadBlock(first + done, length, ids.data());
+        if (!std::all_of(ids.begin(), ids.begin() + length, action)) {
+            return;
+        }
+    }
 }
 
-void EmptyMatrices(field_info& /*field*/) {}
+// The column's own size counts: it never follows the record count.
+std::int32_t Records(const IColumn<std::int32_t>& identities) {
+    return static_cast<std::int32_t>(identities.GetCurrentSize());
+}
 
-void FreeMatrices(formats_info& /*format*/) {}
+bool FreeIdentity(std::int32_t id) {
+    MatrixTable::Instance().Free(id);
+    return true;
+}
+
+} // namespace
+
+std::int32_t MatrixIdOf(const field_info& field, std::int32_t record) {
+    return field.matrixColumn != nullptr ? field.matrixColumn->GetValue(record) : MatrixTable::kNoId;
+}
+
+const MatrixEntry* FindMatrixEntry(std::int32_t id) {
+    const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
+    return entry != nullptr && entry->column != nullptr ? entry : nullptr;
+}
+
+IColumn<double>* FindMatrix(const field_info& field, std::int32_t record) {
+    const MatrixEntry* const entry = FindMatrixEntry(MatrixIdOf(field, record));
+    return entry != nullptr ? entry->column.get() : nullptr;
+}
+
+bool HasMatrixOfSize(const field_info& field, std::int32_t record, std::uint32_t size) {
+    const MatrixEntry* const entry = FindMatrixEntry(MatrixIdOf(field, record));
+    return entry != nullptr && entry->size == size;
+}
+
+void EmptyMatrices(field_info& field) {
+    if (field.matrixColumn == nullptr) {
+        return;
+    }
+    const IColumn<std::int32_t>& identities = *field.matrixColumn;
+    ForEachIdentity(identities, 0, Records(identities), [](std::int32_t id) {
+        MatrixTable::Instance().SetSize(id, 0);
+        return id >= 0;
+    });
+}
+
+void FreeMatrices(formats_info& format) {
+    for (const field_info& field : format.fields) {
+        if (field.matrixColumn != nullptr) {
+            ForEachIdentity(*field.matrixColumn, 0, Records(*field.matrixColumn), FreeIdentity);
+        }
+    }
+}
+
+void FreeOwnedMatrices(const IColumn<std::int32_t>& identities) {
+    ForEachIdentity(identities, 0, Records(identities), FreeIdentity);
+    ForEachIdentity(identities, kFirstScratchRecord, kScratchRecords, FreeIdentity);
+}
 
 } // namespace Kestrona::Data::MemoryResident

@@ -5,18 +5,32 @@
 
 #include <cstdint>
 
-// The matrices that records own through the identity columns of matrix fields. No operation of this version gives a
-// record a matrix: every identity is -1, so no record has one and there is none to empty or to free. Whoever deals with
-// the matrices of a record comes here.
+// The way from a record to its matrices, through the identity columns of matrix fields.
+//
+// An identity column owns the matrices that it names: whoever frees the column frees them first.
 namespace Kestrona::Data::MemoryResident {
+
+struct MatrixEntry;
+
+// The id of the record's matrix, -1 for none.
+std::int32_t MatrixIdOf(const field_info& field, std::int32_t record);
+
+// The entry with this id, null when it has no column. Nobody else counts as a matrix.
+const MatrixEntry* FindMatrixEntry(std::int32_t id);
 
 // The column of the record's matrix, null when the record has none.
 IColumn<double>* FindMatrix(const field_info& field, std::int32_t record);
 
-// Sets the size of every matrix of the field to 0.
+// Whether the record has a matrix of this size already, so that nothing need be made or resized.
+bool HasMatrixOfSize(const field_info& field, std::int32_t record, std::uint32_t size);
+
+// Sets the size of every matrix of the field to 0, up to the first record without one.
 void EmptyMatrices(field_info& field);
 
-// Frees every matrix of every field.
+// Frees the matrices of every record of every field. The scratch records keep theirs.
 void FreeMatrices(formats_info& format);
+
+// Frees every matrix that the column names, those of the scratch records included.
+void FreeOwnedMatrices(const IColumn<std::int32_t>& identities);
 
 } // namespace Kestrona::Data::MemoryResident

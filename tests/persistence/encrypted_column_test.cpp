@@ -1,4 +1,6 @@
 // The column of encrypted texts.
+#include "fixtures/recording_services.h"
+#include "fixtures/schema.h"
 #include "platform/user_key.h"
 
 #include <kestrona/encrypted_string_column.h>
@@ -94,6 +96,27 @@ TEST_F(EncryptedColumn, FilesHoldTheEncryptedTexts) {
     ASSERT_EQ(loaded.GetCurrentSize(), 2U);
     EXPECT_EQ(loaded.GetStoredValue(0), column.GetStoredValue(0));
     EXPECT_EQ(Trimmed(loaded.GetValue(0)), L"first");
+}
+
+TEST_F(EncryptedColumn, MovesWithItsRecordAsItIs) {
+    const Fixtures::FreshProcess process;
+    const auto store = CreateMemoryResidentData();
+    Fixtures::Field secret = Fixtures::Text(L"Secret");
+    secret.classes.push_back(Classes::kEncrypted);
+    Fixtures::AddTable(*store, L"People", {Fixtures::Number(L"Key"), secret}, 2);
+    store->SetDbString(0, 1, 0, L"first");
+    store->SetDbString(0, 1, 1, L"second");
+    const std::wstring first = KSDLL_GetEncryptedStringValue(*store, 0, 1, 0);
+    const std::wstring second = KSDLL_GetEncryptedStringValue(*store, 0, 1, 1);
+    ASSERT_NE(first, second);
+    store->SwapItemInfo(0, 1, 0);
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 0), second);
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 1), first);
+    store->CopyItemInfo(1, 0, 0);
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 0), first);
+    KSDLL_SetEncryptedStringValue(*store, 0, 1, 0, second);
+    EXPECT_EQ(Trimmed(store->GetDbString(0, 1, 0)), L"second");
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 0, 0), L"") << "a field without texts";
 }
 
 TEST_F(EncryptedColumn, IsClosedWithoutTheService) {

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <kestrona/matrix_column.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace Kestrona::Data::MemoryResident {
+
+// One matrix. Without a column the id is free, or the matrix is a calculated one that nothing computes.
+struct MatrixEntry {
+    std::unique_ptr<MatrixColumn> column;
+    std::uint32_t size = 0; // elements as announced; the column may hold more or fewer
+    bool isCalculated = false;
+};
+
+// Every matrix of the process, by id.
+//
+// The entries stand in pages of 4096. A page is made with its first entry, and goes when ids behind it have been given
+// out and none of its entries holds anything any more, since ids are not given out twice. So an entry keeps its place,
+// a far id costs one page, and matrices that came and went leave nothing behind.
+//
+// Invariant: 0 <= nextId_ <= capacity_. The capacity only tells for how many ids there is room; it holds no memory.
+class MatrixTable {
+public:
+    static constexpr std::int32_t kNoId = -1;
+    // Ids end here. The directory of pages takes at most 2 MiB.
+    static constexpr std::int32_t kMaxIds = 1 << 30;
+    // Sizes and indices end here.
+    static constexpr std::uint32_t kSizeLimit = 0x7fffffff;
+
+    static MatrixTable& Instance();
+
+    // Gives out the next id, `kNoId` when there are no more.
+    std::int32_t TakeId();
+    // An id that came from elsewhere is in use: no new one will equal it. Requires: 0 <= id < kMaxIds.
+    void NoteId(std::int32_t id);
+
+    // Null for an id that never had an entry.
+    [[nodiscard]] const MatrixEntry* Find(std::int32_t id) const { return FindEntry(id); }
+
+    // Replaces an entry. `column` may be null for a calculated matrix. Requires: 0 <= id < kMaxIds.
+    void Put(std::int32_t id, std::unique_ptr<MatrixColumn> column, std::uint32_t size, bool is_calculated);
+    // Drops what has no entry.
+    void SetSize(std::int32_t id, std::uint32_t size);
+    void Free(std::int32_t id);
+    // Frees every column; the sizes stay.
+    void FreeColumns();
+    // Back to the table of a process that has just started.
+    void Reset();
+
+    [[nodiscard]] std::int32_t Capacity() const { return capacity_; }
+
+private:
+    static constexpr std::int32_t kPageShift = 12;
+    static constexpr std::int32_t kPageEntries = 1 << kPageShift;
+    static constexpr std::int32_t kFirstCapacity = 128;
+    static constexpr std::int32_t kCapacityStep = 4096;
+
+    struct Page;
+
+    MatrixTable();
+    [[nodiscard]] MatrixEntry* FindEntry(std::int32_t id) const;
+    Page& NeedPage(std::int32_t id);
+    void ReleasePageIfSpent(std::size_t page);
+
+    std::vector<std::unique_ptr<Page>> pages_;
+    std::int32_t nextId_ = 0;
+    std::int32_t capacity_ = kFirstCapacity;
+};
+
+} // namespace Kestrona::Data::MemoryResident

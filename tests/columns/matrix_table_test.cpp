@@ -1,0 +1,118 @@
+#include "columns/matrix_table.h"
+
+#include <kestrona/record_state_strategy.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <random>
+
+namespace Kestrona::Data::MemoryResident {
+
+namespace {
+
+std::unique_ptr<MatrixColumn> Column(double default_value) {
+    return std::make_unique<MatrixColumn>(new NullRecordStateStrategy(), default_value);
+}
+
+class MatrixTableTest : public testing::Test {
+protected:
+    MatrixTableTest() { table.Reset(); }
+
+    ~MatrixTableTest() override { table.Reset(); }
+
+    // What the table tells of an id: its size and the default of its column.
+    void ExpectEntry(std::int32_t id, const std::pair<std::uint32_t, double>* expected) {
+        const MatrixEntry* const entry = table.Find(id);
+        const bool has_column = entry != nullptr && entry->column != nullptr;
+        ASSERT_EQ(has_column, expected != nullptr) << id;
+        if (expected != nullptr) {
+            EXPECT_EQ(entry->size, expected->first) << id;
+            EXPECT_EQ(entry->column->GetElement(0, 0), expected->second) << id;
+        } else if (entry != nullptr) {
+            EXPECT_EQ(entry->size, 0u) << id;
+        }
+    }
+
+    MatrixTable& table = MatrixTable::Instance();
+};
+
+TEST_F(MatrixTableTest, KeepsWhatAMapKeepsWhilePagesComeAndGo) {
+    std::mt19937 random(7);
+    std::map<std::int32_t, std::pair<std::uint32_t, double>> twin;
+    std::int32_t next = 0;
+    for (int step = 0; step < 60000; ++step) {
+        const bool frees = step % 20000 > 15000; // at times nearly all go, so that whole pages empty
+        const auto draw = static_cast<std::int32_t>(random() % static_cast<unsigned>(next + 1));
+        if (frees) {
+            table.Free(draw);
+            twin.erase(draw);
+        } else {
+            const std::int32_t id = random() % 4 == 0 && next > 0 ? draw % next : table.TakeId();
+            next = std::max(next, id + 1);
+            table.Put(id, Column(step), static_cast<std::uint32_t>(step), false);
+            twin[id] = {static_cast<std::uint32_t>(step), step};
+        }
+        if (step % 5000 == 4999) {
+            for (std::int32_t id = -1; id <= next; ++id) {
+                const auto found = twin.find(id);
+                ExpectEntry(id, found != twin.end() ? &found->second : nullptr);
+            }
+        }
+    }
+}
+
+TEST_F(MatrixTableTest, AnEntryKeepsItsPlaceWhileTheTableGrows) {
+    table.Put(table.TakeId(), Column(1.0), 5, false);
+    const MatrixEntry* const first = table.Find(0);
+    table.Put(MatrixTable::kMaxIds - 1, Column(2.0), 6, false);
+    EXPECT_EQ(table.Find(0), first);
+    EXPECT_EQ(table.Find(MatrixTable::kMaxIds - 2)->column, nullptr);
+    EXPECT_EQ(table.Find(1 << 20), nullptr); // no page in between
+}
+
+TEST_F(MatrixTableTest, IdsEndWithoutComingAgain) {
+    table.NoteId(MatrixTable::kMaxIds - 2);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kMaxIds - 1);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kNoId);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kNoId);
+    table.NoteId(3);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kNoId);
+}
+
+TEST_F(MatrixTableTest, APageStaysForItsLastEmptyMatrix) {
+    table.Put(0, Column(1.0), 0, false);
+    table.Put(1, Column(2.0), 0, false);
+    table.NoteId(10000);
+    table.Put(1, Column(3.0), 0, false); // in the place of another one
+    table.Free(0);
+    table.Free(0);
+    const std::pair<std::uint32_t, double> kept = {0, 3.0};
+    ExpectEntry(1, &kept);
+    table.Free(1);
+    EXPECT_EQ(table.Find(1), nullptr);
+}
+
+TEST_F(MatrixTableTest, ColumnsGoAndSizesStay) {
+    const std::int32_t id = table.TakeId();
+    table.Put(id, Column(1.0), 5, false);
+    table.NoteId(10000);
+    for (int i = 0; i < 2; ++i) {
+        table.FreeColumns();
+        ASSERT_NE(table.Find(id), nullptr);
+        EXPECT_EQ(table.Find(id)->column, nullptr);
+        EXPECT_EQ(table.Find(id)->size, 5u);
+    }
+    table.Put(id + 1, Column(1.0), 7, false);
+    table.Free(id + 1); // the last column of a page that still tells a size
+    ASSERT_NE(table.Find(id), nullptr);
+    EXPECT_EQ(table.Find(id)->size, 5u);
+    table.Put(id, Column(1.0), 7, false);
+    table.Free(id);
+    EXPECT_EQ(table.Find(id), nullptr);
+}
+
+} // namespace
+
+} // namespace Kestrona::Data::MemoryResident

@@ -1,0 +1,172 @@
+#include "fixtures/recording_services.h"
+#include "fixtures/schema.h"
+
+#include <kestrona/matrices.h>
+#include <kestrona/process.h>
+#include <kestrona/record_search.h>
+#include <kestrona/store.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace Kestrona {
+
+namespace {
+
+using namespace Data::MemoryResident;
+using namespace Fixtures;
+
+struct HandlerLog {
+    std::vector<std::pair<std::int32_t, std::int32_t>> duplicated;
+};
+
+class Handler : public IDuplicateFormatHandler {
+public:
+    explicit Handler(HandlerLog& log) : log_(log) {}
+
+    void FormatDuplicated(std::int32_t source, std::int32_t copy) override {
+        log_.duplicated.emplace_back(source, copy);
+    }
+
+    void FormatDestroyed(std::int32_t) override {}
+
+private:
+    HandlerLog& log_;
+};
+
+class DuplicateFormat : public testing::Test {
+protected:
+    std::int32_t Duplicate(std::int32_t format, bool at_end = false) {
+        std::wstring name = L"Copy";
+        return store->CreateDuplicateFormat(format, name.data(), at_end);
+    }
+
+    FreshProcess process;
+    HandlerLog log;
+    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData(nullptr, new Handler(log));
+};
+
+TEST_F(DuplicateFormat, TakesTheFirstFreeNumber) {
+    for (int i = 0; i < 3; ++i) {
+        AddTable(*store, L"F" + std::to_wstring(i), {Number(L"Key")}, 1);
+    }
+    EXPECT_EQ(Duplicate(0), 3);
+    EXPECT_EQ(store->GetFormatCount(), 4);
+    store->DestroyFormat(1);
+    EXPECT_EQ(Duplicate(2), 1);
+    EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Copy"), 1);
+    EXPECT_EQ(store->GetFormatCount(), 4);
+    EXPECT_EQ(Duplicate(0, true), 6);
+    EXPECT_EQ(store->GetFormatCount(), 4);
+    EXPECT_EQ(store->GetCopiedFormatSource(6), 0);
+    EXPECT_EQ(Duplicate(2, true), 6); // in the place of the former one
+    EXPECT_EQ(store->GetCopiedFormatSource(6), 2);
+    EXPECT_EQ(log.duplicated, (std::vector<std::pair<std::int32_t, std::int32_t>>{{0, 3}, {2, 1}, {0, 6}, {2, 6}}));
+}
+
+TEST_F(DuplicateFormat, RefusesWhatHasNoRoom) {
+    AddTable(*store, L"F", {Number(L"Key")});
+    EXPECT_EQ(Duplicate(-1), -1);
+    EXPECT_EQ(Duplicate(kMaxFormats), -1);
+    EXPECT_EQ(Duplicate(3, true), -1); // itself
+    EXPECT_EQ(Duplicate(5), 1);        // an empty one has no fields
+    store->SetFormatCount(kMaxFormats - 2);
+    EXPECT_EQ(Duplicate(0, true), -1);
+    store->SetFormatCount(kMaxFormats);
+    for (std::int32_t format = 0; format < kMaxFormats; ++format) {
+        store->SetDbName(format, KSDLL_AddText(L"F"));
+    }
+    EXPECT_EQ(Duplicate(0), -1);
+    EXPECT_EQ(store->GetFormatCount(), kMaxFormats);
+    EXPECT_EQ(log.duplicated.size(), 1u);
+}
+
+TEST_F(DuplicateFormat, MapsNumbersOfTheFormatButNotOfFields) {
+    AddTable(*store, L"First", {Number(L"Key")});
+    const auto field = [](Class c, std::int32_t table, std::int32_t table_y) {
+        return Field{.name = L"Field", .classes = {c}, .table = table, .source = 1, .table_y = table_y};
+    };
+    // The format and the field that is meant have the same number, 1.
+    const std::int32_t format = AddFormat(
+        *store, L"Second",
+        {Number(L"Key"), Number(L"Owner"), field(Classes::kDatabase, 1, 1), field(Classes::kFamily, 1, 1),
+         field(Classes::kDatabase, 0, 0), field(Classes::kAdditionalReference, 1, 1), field(Classes::kOverride, 1, 1),
+         field(Classes::kUpdateReference, 1, 1), field(Classes::kRelatedList, 1, 1), field(Classes::kAutoSplit, 1, 1)});
+    ASSERT_EQ(format, 1);
+    MakeColumns(*store, format);
+    const std::int32_t copy = Duplicate(format);
+    const std::vector<std::pair<std::int32_t, std::int32_t>> expected = {{copy, copy}, {1, copy}, {0, 0},    {copy, 1},
+                                                                         {copy, 1},    {copy, 1}, {copy, 1}, {copy, 1}};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const auto number = static_cast<std::int32_t>(i) + 2;
+        EXPECT_EQ(store->GetDbTable(copy, number), expected[i].first) << number;
+        EXPECT_EQ(store->GetDbTableY(copy, number), expected[i].second) << number;
+        EXPECT_EQ(store->GetDbSource(copy, number), 1) << number;
+    }
+    EXPECT_EQ(store->GetDbColumn(copy, 5), store->GetDbColumn(copy, 1)); // shared with its own field
+    store->SetCurrentDbSize(copy, 1);
+    store->SetDbValue(copy, 6, 0, 4.0);
+    EXPECT_EQ(store->GetDbValue(copy, 1, 0), 4.0);
+}
+
+TEST_F(DuplicateFormat, HasTheSchemaAndNoneOfTheData) {
+    Field list{.name = L"List", .type = TypeBit::kMatrix, .classes = {Classes::kList}, .default_value = 3.0};
+    Field shared_list = Shared(L"Same list", 2);
+    shared_list.type = TypeBit::kMatrix;
+    const std::int32_t format = AddTable(
+        *store, L"Source", {Number(L"Key", -1.0), Text(L"Text", 3), list, shared_list, Number(L"Number", 0.5)}, 2);
+    store->SetDbClassString(format, 4, L"CLASSES");
+    store->SetDbExtension(format, KSDLL_AddText(L"EXT"));
+    store->SetDefaultDatasetName(format, KSDLL_AddText(L"Set"));
+    store->SetDbDisplayName(format, L"Shown");
+    store->SetDbMinLength(format, 12);
+    store->SetDbDialogLevel(format, 4, kHiddenDialogLevel);
+    store->SetParentSortEnabled(format, 4, false);
+    KSDLL_SetMatrixXLabel(*store, format, 2, KSDLL_AddText(L"X"));
+    KSDLL_SetMatrixValue(KSDLL_CreateMatrix(*store, 2, format, 2, 0), 0, 1.0);
+    store->SetDbString(format, 1, 0, L"abc");
+
+    const std::int32_t copy = Duplicate(format);
+    store->DestroyFormat(format);
+    EXPECT_STREQ(store->GetDbName(copy), L"Copy");
+    EXPECT_STREQ(store->GetDbExtension(copy), L"EXT");
+    EXPECT_STREQ(store->GetDefaultDatasetName(copy), L"Set");
+    EXPECT_EQ(store->GetDbDisplayName(copy), L"Shown");
+    EXPECT_EQ(store->GetDbMinLength(copy), 12);
+    EXPECT_EQ(store->GetDbFields(copy), 5);
+    EXPECT_EQ(store->GetDbKey(copy), 0);
+    EXPECT_EQ(store->GetColumnName(copy, 4), L"Number");
+    EXPECT_STREQ(store->GetDbClassString(copy, 4), L"CLASSES");
+    EXPECT_TRUE(store->IsHiddenDialog(copy, 4));
+    EXPECT_FALSE(store->GetParentSortEnabled(copy, 4));
+    EXPECT_STREQ(KSDLL_GetMatrixXLabel(*store, copy, 2), L"X");
+    EXPECT_EQ(KSDLL_GetMatrixYLabel(*store, copy, 2), nullptr);
+
+    EXPECT_EQ(store->GetCurrentDbSize(copy), 0);
+    EXPECT_FALSE(store->GetDbChanged(copy));
+    store->SetCurrentDbSize(copy, 2);
+    EXPECT_EQ(store->GetDbKeyValue(copy, 0), -1.0); // the defaults stood before the columns were made
+    EXPECT_EQ(store->GetDbValue(copy, 4, 1), 0.5);
+    store->SetDbString(copy, 1, 0, L"abcdef");
+    EXPECT_EQ(store->GetDbString(copy, 1, 0), L"abc");
+    EXPECT_TRUE(store->GetDbColumn(copy, 0)->IsIndexedColumn());
+    const std::int32_t id = KSDLL_CreateMatrix(*store, 2, copy, 2, 1);
+    EXPECT_EQ(KSDLL_GetDbMatrix(*store, copy, 3, 1), id);
+    EXPECT_EQ(KSDLL_GetMatrixValueFromId(id, 1, 0), 3.0);
+}
+
+TEST_F(DuplicateFormat, IsUntrackedWhereALaterKeyFieldSaysSo) {
+    Field key = Number(L"Key");
+    key.classes = {Classes::kExcludeFromDb};
+    const std::int32_t format = AddTable(*store, L"Source", {Number(L"Number"), key}, 0, 1);
+    const std::int32_t copy = Duplicate(format);
+    store->SetCurrentDbSize(copy, 1);
+    store->SetDbValue(copy, 0, 0, 5.0);
+    EXPECT_FALSE(store->GetDbChanged(copy));
+}
+
+} // namespace
+
+} // namespace Kestrona
