@@ -3,6 +3,7 @@
 /// \file
 /// Everything that a user of the library may name.
 
+#include <kestrona/audit_log.h>
 #include <kestrona/built_in_tables.h>
 #include <kestrona/caches.h>
 #include <kestrona/change_set.h>
@@ -16,6 +17,8 @@
 #include <kestrona/dates.h>
 #include <kestrona/definition_load.h>
 #include <kestrona/durations.h>
+#include <kestrona/encrypted_string_column.h>
+#include <kestrona/encryption.h>
 #include <kestrona/evaluate_columns.h>
 #include <kestrona/execution_state.h>
 #include <kestrona/export.h>

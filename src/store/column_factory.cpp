@@ -6,6 +6,7 @@
 #include <kestrona/built_in_tables.h>
 #include <kestrona/classes.h>
 #include <kestrona/concrete_columns.h>
+#include <kestrona/encrypted_string_column.h>
 #include <kestrona/evaluate_columns.h>
 #include <kestrona/record_search.h>
 #include <kestrona/record_state.h>
@@ -83,8 +84,13 @@ std::unique_ptr<IColumn<std::wstring>> CreateTextColumn(IMemoryResidentData& sto
     if (store.ClassDefined(format, field, Classes::kEvaluate)) {
         return std::make_unique<StringEvaluateColumn>(format, field, store);
     }
-    return std::make_unique<StringColumn>(KSDLL_GetDefaultFreeFormatStringValue(store, format, field),
-                                          CreateRecordStateStrategy(store, format, field));
+    std::wstring default_text = KSDLL_GetDefaultFreeFormatStringValue(store, format, field);
+    Encryption::EncryptionService* const encryption = Encryption::EncryptionService::Instance();
+    if (store.ClassDefined(format, field, Classes::kEncrypted) && encryption->get_FullyEnabled()) {
+        return std::make_unique<EncryptedStringColumn>(std::move(default_text),
+                                                       CreateRecordStateStrategy(store, format, field), encryption);
+    }
+    return std::make_unique<StringColumn>(std::move(default_text), CreateRecordStateStrategy(store, format, field));
 }
 
 std::unique_ptr<IColumn<std::int32_t>> CreateMatrixIdentityColumn(IMemoryResidentData& store, std::int32_t format,

@@ -2,6 +2,7 @@
 #include "store/class_test.h"
 
 #include <kestrona/classes.h>
+#include <kestrona/encrypted_string_column.h>
 #include <kestrona/free_strings.h>
 #include <kestrona/store.h>
 
@@ -30,8 +31,29 @@ void SwapValues(IMemoryResidentData& store, std::int32_t format, std::int32_t fi
     store.SetDbValue(format, field, record2, value1);
 }
 
+// An encrypted text moves as it is: decrypted and encrypted again it would grow by the zeros behind it.
+EncryptedStringColumn* FindEncrypted(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return dynamic_cast<EncryptedStringColumn*>(store.GetDbStringArray(format, field));
+}
+
+void CopyText(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t source_record,
+              std::int32_t target_record) {
+    if (EncryptedStringColumn* const column = FindEncrypted(store, format, field)) {
+        const std::wstring stored = column->GetStoredValue(source_record);
+        column->SetStoredValue(target_record, stored);
+    } else {
+        KSDLL_CreateFreeString(store, format, field, target_record, store.GetDbString(format, field, source_record));
+    }
+}
+
 void SwapTexts(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record1,
                std::int32_t record2) {
+    if (EncryptedStringColumn* const column = FindEncrypted(store, format, field)) {
+        const std::wstring stored = column->GetStoredValue(record1);
+        CopyText(store, format, field, record2, record1);
+        column->SetStoredValue(record2, stored);
+        return;
+    }
     const std::wstring text1 = store.GetDbString(format, field, record1);
     const std::wstring text2 = store.GetDbString(format, field, record2);
     KSDLL_CreateFreeString(store, format, field, record1, text2);
@@ -101,7 +123,7 @@ void MemoryResidentData::CopyField(std::int32_t format, std::int32_t field, std:
     if (!HoldsText(*info)) {
         SetDbValue(format, field, target_record, GetDbValue(format, field, source_record));
     } else if (info->stringColumn != nullptr) {
-        KSDLL_CreateFreeString(*this, format, field, target_record, GetDbString(format, field, source_record));
+        CopyText(*this, format, field, source_record, target_record);
     }
 }
 

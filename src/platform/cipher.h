@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/secret_bytes.h"
+
+#include <array>
+#include <optional>
+#include <span>
+#include <vector>
+
+// The primitives of encryption. None of them throws; where one fails there is no result and `status` tells why.
+namespace Kestrona::Platform {
+
+using Bytes = std::vector<unsigned char>;
+using ByteView = std::span<const unsigned char>;
+
+constexpr std::size_t kAesBlock = 16;
+constexpr std::size_t kAes256Key = 32;
+constexpr std::size_t kGcmNonce = 12;
+constexpr std::size_t kGcmTag = 16;
+
+// What went wrong, as the provider numbers it.
+using CipherStatus = long;
+
+// PBKDF2 with HMAC-SHA1, as long as an AES-256 key.
+std::optional<SecretBytes> DeriveKey(ByteView password, ByteView salt, int rounds, CipherStatus& status);
+
+// AES-256 in CBC mode without padding. Requires: whole blocks, a key of kAes256Key and a vector of kAesBlock bytes.
+std::optional<Bytes> EncryptCbc(const SecretBytes& key, ByteView vector, ByteView plain, CipherStatus& status);
+std::optional<SecretBytes> DecryptCbc(const SecretBytes& key, ByteView vector, ByteView cipher, CipherStatus& status);
+
+// AES-256 in GCM mode: the ciphertext and its tag. Requires: a key of kAes256Key and a nonce of kGcmNonce bytes that
+// was never used with the key.
+std::optional<Bytes> Seal(const SecretBytes& key, ByteView nonce, ByteView plain);
+// Nothing for bytes that this key did not seal.
+std::optional<SecretBytes> Open(const SecretBytes& key, ByteView nonce, ByteView sealed);
+
+} // namespace Kestrona::Platform

@@ -1,0 +1,157 @@
+#include "platform/user_key.h"
+
+#include "platform/cipher.h"
+#include "platform/random.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+namespace Kestrona::Platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t kOwnerOnly = 0600;
+constexpr mode_t kOthers = 0077;
+
+std::map<std::string, SecretBytes>& KnownKeys() {
+    static std::map<std::string, SecretBytes> keys;
+    return keys;
+}
+
+// Closes at its end.
+class File {
+public:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    ~File() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+
+    [[nodiscard]] bool IsOpen() const { return descriptor_ >= 0; }
+
+    [[nodiscard]] int Descriptor() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+std::string HomeFolder() {
+    if (const char* const home = std::getenv("HOME"); home != nullptr && *home != '\0') {
+        return home;
+    }
+    const passwd* const user = getpwuid(geteuid());
+    return user != nullptr ? user->pw_dir : "/";
+}
+
+fs::path KeyPath() {
+    const char* const data = std::getenv("XDG_DATA_HOME");
+    const bool given = data != nullptr && *data == '/';
+    return (given ? fs::path(data) : fs::path(HomeFolder()) / ".local/share") / "kestrona" / "user.key";
+}
+
+// Signals and short transfers aside, read and write move all bytes.
+template <typename Move>
+bool MoveAll(Move move, std::size_t size) {
+    for (std::size_t done = 0; done < size;) {
+        const ssize_t moved = move(done, size - done);
+        if (moved < 0 && errno == EINTR) {
+            continue;
+        }
+        if (moved <= 0) {
+            errno = moved == 0 ? EBADMSG : errno;
+            return false;
+        }
+        done += static_cast<std::size_t>(moved);
+    }
+    return true;
+}
+
+bool IsOwnersAlone(int descriptor) {
+    struct stat status {};
+
+    if (fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() || (status.st_mode & kOthers) != 0) {
+        errno = EACCES;
+        return false;
+    }
+    return true;
+}
+
+// False with errno, which is ENOENT where there is no key yet.
+bool ReadKey(const fs::path& path, SecretBytes& key) {
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    return file.IsOpen() && IsOwnersAlone(file.Descriptor()) &&
+           MoveAll([&](std::size_t at, std::size_t size) { return read(file.Descriptor(), key.Data() + at, size); },
+                   key.Size());
+}
+
+bool WriteKey(const std::string& path, const SecretBytes& key) {
+    const File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
+    return file.IsOpen() &&
+           MoveAll([&](std::size_t at, std::size_t size) { return write(file.Descriptor(), key.Data() + at, size); },
+                   key.Size()) &&
+           fsync(file.Descriptor()) == 0;
+}
+
+// The key appears under its name whole or not at all. Where two processes make one, the first wins: a link never
+// replaces a file.
+bool MakeKey(const fs::path& path, SecretBytes& key) {
+    std::error_code folder_error;
+    fs::create_directories(path.parent_path(), folder_error);
+    if (folder_error) {
+        errno = folder_error.value();
+        return false;
+    }
+    SecretBytes fresh(kAes256Key);
+    if (!RandomBytes({fresh.Data(), fresh.Size()})) {
+        errno = EIO;
+        return false;
+    }
+    const std::string draft = path.string() + '.' + std::to_string(getpid());
+    unlink(draft.c_str());
+    bool made = WriteKey(draft, fresh) && (link(draft.c_str(), path.c_str()) == 0 || errno == EEXIST);
+    const int error = errno;
+    unlink(draft.c_str());
+    errno = error;
+    return made && ReadKey(path, key);
+}
+
+} // namespace
+
+std::optional<SecretBytes> UserKey(std::string& error) {
+    const fs::path path = KeyPath();
+    auto known = KnownKeys().find(path.string());
+    if (known == KnownKeys().end()) {
+        SecretBytes key(kAes256Key);
+        if (!ReadKey(path, key) && (errno != ENOENT || !MakeKey(path, key))) {
+            error = std::strerror(errno);
+            return std::nullopt;
+        }
+        known = KnownKeys().emplace(path.string(), std::move(key)).first;
+    }
+    return SecretBytes(known->second.View());
+}
+
+void ForgetUserKeys() {
+    KnownKeys().clear();
+}
+
+} // namespace Kestrona::Platform

@@ -1,0 +1,146 @@
+// The column of encrypted texts.
+#include "fixtures/recording_services.h"
+#include "fixtures/schema.h"
+#include "platform/user_key.h"
+
+#include <kestrona/encrypted_string_column.h>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+namespace Kestrona::Data::MemoryResident {
+
+namespace {
+
+using Encryption::EncryptionService;
+
+// Writes down what it is told.
+class Reports : public NullRecordStateStrategy {
+public:
+    explicit Reports(std::vector<std::int32_t>& changed) : changed_(changed) {}
+
+    void RecordChanged(std::int32_t record) override { changed_.push_back(record); }
+
+private:
+    std::vector<std::int32_t>& changed_;
+};
+
+class EncryptedColumn : public testing::Test {
+protected:
+    EncryptedColumn() {
+        std::filesystem::create_directories(folder_);
+        setenv("XDG_DATA_HOME", folder_.c_str(), 1);
+        Platform::ForgetUserKeys();
+        service.Initialise(Encryption::DataProtection().Protect(L"phrase"), true);
+    }
+
+    ~EncryptedColumn() override {
+        service.Initialise();
+        Platform::ForgetUserKeys();
+        std::filesystem::remove_all(folder_);
+    }
+
+    // Without the zeros behind a text.
+    static std::wstring Trimmed(const std::wstring& text) { return text.c_str(); }
+
+    std::filesystem::path folder_ =
+        std::filesystem::path(testing::TempDir()) / ("kestrona-column-" + std::to_string(getpid()));
+    EncryptionService& service = *EncryptionService::Instance();
+    std::vector<std::int32_t> changed;
+};
+
+TEST_F(EncryptedColumn, HoldsNothingThatCanBeRead) {
+    EncryptedStringColumn column(L"none", new Reports(changed), &service);
+    column.SetValue(3, L"secret");
+    EXPECT_EQ(column.GetCurrentSize(), 4U);
+    EXPECT_EQ(column.GetValue(3), std::wstring(L"secret\0\0", 8));
+    for (const std::int32_t record : {-1, 0, 2, 4, kFirstScratchRecord}) {
+        EXPECT_EQ(Trimmed(column.GetValue(record)), L"none") << record;
+    }
+    EXPECT_EQ(column.GetStoredValue(3).find(L"secret"), std::wstring::npos);
+    column.SetValue(3, L"secret");
+    EXPECT_EQ(changed, (std::vector<std::int32_t>{3, 3})) << "a fresh encryption is a change";
+    column.SetStoredValue(3, column.GetStoredValue(3));
+    column.SetValue(kLastScratchRecord, L"aside");
+    EXPECT_EQ(changed.size(), 2U);
+    EXPECT_EQ(Trimmed(column.GetValue(kLastScratchRecord)), L"aside");
+    column.Insert(1, L"between");
+    column.Erase(0, 7.0);
+    EXPECT_EQ(Trimmed(column.GetValue(0)), L"between");
+    EXPECT_EQ(Trimmed(column.GetValue(3)), L"secret");
+    EXPECT_EQ(column.Find(L"secret"), -1);
+    EXPECT_TRUE(std::unique_ptr<FindResult>(column.FindAll(L"secret"))->IsEmpty());
+    EXPECT_EQ(Trimmed(column.FindMaxValue(true)), L"none");
+    EXPECT_EQ(column.CreateIndexedColumn(), &column);
+    column.Resize(6);
+    EXPECT_EQ(Trimmed(column.GetValue(5)), L"none");
+    column.Resize(0);
+    EXPECT_EQ(column.GetCurrentSize(), 0U);
+}
+
+TEST_F(EncryptedColumn, FilesHoldTheEncryptedTexts) {
+    EncryptedStringColumn column(L"", new NullRecordStateStrategy(), &service);
+    column.SetValue(0, L"first");
+    column.SetValue(1, L"");
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+    column.WriteToFile(file.get());
+    std::rewind(file.get());
+    EncryptedStringColumn loaded(L"", new NullRecordStateStrategy(), &service);
+    loaded.ReadFromFile(file.get());
+    ASSERT_EQ(loaded.GetCurrentSize(), 2U);
+    EXPECT_EQ(loaded.GetStoredValue(0), column.GetStoredValue(0));
+    EXPECT_EQ(Trimmed(loaded.GetValue(0)), L"first");
+}
+
+TEST_F(EncryptedColumn, MovesWithItsRecordAsItIs) {
+    const Fixtures::FreshProcess process;
+    const auto store = CreateMemoryResidentData();
+    Fixtures::Field secret = Fixtures::Text(L"Secret");
+    secret.classes.push_back(Classes::kEncrypted);
+    Fixtures::AddTable(*store, L"People", {Fixtures::Number(L"Key"), secret}, 2);
+    store->SetDbString(0, 1, 0, L"first");
+    store->SetDbString(0, 1, 1, L"second");
+    const std::wstring first = KSDLL_GetEncryptedStringValue(*store, 0, 1, 0);
+    const std::wstring second = KSDLL_GetEncryptedStringValue(*store, 0, 1, 1);
+    ASSERT_NE(first, second);
+    store->SwapItemInfo(0, 1, 0);
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 0), second);
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 1), first);
+    store->CopyItemInfo(1, 0, 0);
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 0), first);
+    KSDLL_SetEncryptedStringValue(*store, 0, 1, 0, second);
+    EXPECT_EQ(Trimmed(store->GetDbString(0, 1, 0)), L"second");
+    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 0, 0), L"") << "a field without texts";
+}
+
+TEST_F(EncryptedColumn, IsClosedWithoutTheService) {
+    EXPECT_THROW(EncryptedStringColumn(L"", new NullRecordStateStrategy(), nullptr), const wchar_t*);
+    EncryptedStringColumn column(L"", new NullRecordStateStrategy(), &service);
+    column.SetValue(0, L"text");
+    service.Initialise(L"key", false);
+    for (const auto& action : std::initializer_list<std::function<void()>>{
+             [&] { (void)column.GetValue(0); }, [&] { column.SetValue(0, L"x"); }, [&] { column.Insert(0, L"x"); },
+             [&] { (void)column.GetDefaultValue(); },
+             [&] {
+                 (void)column.FindMinValue();
+             }}) {
+        try {
+            action();
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const wchar_t* text) {
+            EXPECT_STREQ(text, L"The Encryption Service is not enabled");
+        }
+    }
+    EXPECT_EQ(column.GetCurrentSize(), 1U);
+    EXPECT_FALSE(column.GetStoredValue(0).empty());
+}
+
+} // namespace
+
+} // namespace Kestrona::Data::MemoryResident

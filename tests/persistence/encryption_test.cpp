@@ -1,0 +1,276 @@
+// Encryption and protection, against the openssl program with the documented parameters.
+#include "platform/base64.h"
+#include "platform/cipher.h"
+#include "platform/user_key.h"
+
+#include <kestrona/encryption.h>
+#include <kestrona/unicode.h>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <span>
+
+namespace Kestrona::Encryption {
+
+namespace {
+
+using Platform::Bytes;
+using Platform::DecodeBase64;
+using Platform::EncodeBase64;
+
+constexpr const wchar_t* kPhrase = L"quiet Otter \u00fc \U0001F9A6";
+
+std::string Hexadecimal(std::span<const unsigned char> bytes) {
+    std::string text;
+    for (const unsigned char byte : bytes) {
+        std::array<char, 3> digits{};
+        std::snprintf(digits.data(), digits.size(), "%02x", byte);
+        text += digits.data();
+    }
+    return text;
+}
+
+Bytes BytesOf(const std::u16string& units) {
+    Bytes bytes;
+    for (const char16_t unit : units) {
+        bytes.push_back(static_cast<unsigned char>(unit & 0xFF));
+        bytes.push_back(static_cast<unsigned char>(unit >> 8));
+    }
+    return bytes;
+}
+
+std::string Message(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const EncryptionException& error) {
+        return error.what();
+    } catch (const DataProtectionException& error) {
+        return std::string("protection: ") + error.what();
+    }
+    return {};
+}
+
+class Encryption : public testing::Test {
+protected:
+    Encryption() {
+        std::filesystem::create_directories(folder_);
+        setenv("XDG_DATA_HOME", folder_.c_str(), 1);
+        Platform::ForgetUserKeys();
+        service.Initialise(protection.Protect(kPhrase), true);
+    }
+
+    ~Encryption() override {
+        service.Initialise();
+        Platform::ForgetUserKeys();
+        std::filesystem::remove_all(folder_);
+    }
+
+    // Runs openssl over the bytes; its output.
+    Bytes OpenSsl(const std::string& arguments, const Bytes& in) {
+        const std::string from = (folder_ / "in").string();
+        const std::string to = (folder_ / "out").string();
+        std::ofstream(from, std::ios::binary)
+            .write(reinterpret_cast<const char*>(in.data()), static_cast<std::streamsize>(in.size()));
+        const std::string command = "openssl " + arguments + " -in '" + from + "' -out '" + to + "'";
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+        std::ifstream out(to, std::ios::binary);
+        return {std::istreambuf_iterator<char>(out), std::istreambuf_iterator<char>()};
+    }
+
+    // The key as the openssl program derives it.
+    std::string KeyByOpenSsl(std::span<const unsigned char> salt) {
+        const Bytes password = BytesOf(ToUtf16(kPhrase) + u'\0');
+        const std::string out = (folder_ / "key").string();
+        const std::string command =
+            "openssl kdf -binary -keylen 32 -kdfopt digest:SHA1 -kdfopt hexpass:" + Hexadecimal(password) +
+            " -kdfopt hexsalt:" + Hexadecimal(salt) + " -kdfopt iter:100 -out '" + out + "' PBKDF2";
+        EXPECT_EQ(std::system(command.c_str()), 0) << command;
+        std::ifstream file(out, std::ios::binary);
+        return Hexadecimal(Bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()});
+    }
+
+    std::string CipherArguments(std::span<const unsigned char> block, const char* direction) {
+        return "enc -aes-256-cbc -nopad " + std::string(direction) + " -K " + KeyByOpenSsl(block.first(16)) + " -iv " +
+               Hexadecimal(block.subspan(16, 16));
+    }
+
+    std::filesystem::path folder_ =
+        std::filesystem::path(testing::TempDir()) / ("kestrona-encryption-" + std::to_string(getpid()));
+    DataProtection protection;
+    EncryptionService& service = *EncryptionService::Instance();
+};
+
+// Lengths around the block, a pair of surrogates, a lone one.
+const std::wstring kTexts[] = {L"",
+                               L"x",
+                               L"seven 7",
+                               L"eight 88",
+                               L"nine nine",
+                               std::wstring(1000, L'\u00e4'),
+                               L"otter \U0001F9A6",
+                               std::wstring(1, static_cast<wchar_t>(0xD800))};
+
+TEST_F(Encryption, TheOpensslProgramReadsWhatTheServiceWrites) {
+    for (const std::wstring& text : kTexts) {
+        const std::optional<Bytes> block = DecodeBase64(service.Encrypt(text));
+        ASSERT_TRUE(block);
+        Bytes expected = BytesOf(ToUtf16(text));
+        expected.resize(expected.size() / 16 * 16 + 16);
+        EXPECT_EQ(OpenSsl(CipherArguments(*block, "-d"), Bytes(block->begin() + 32, block->end())), expected);
+    }
+}
+
+TEST_F(Encryption, TheServiceReadsWhatTheOpensslProgramWrites) {
+    for (const std::wstring& text : kTexts) {
+        Bytes block(32);
+        for (std::size_t i = 0; i < block.size(); ++i) {
+            block[i] = static_cast<unsigned char>(i * 7 + text.size());
+        }
+        Bytes plain = BytesOf(ToUtf16(text));
+        plain.resize(plain.size() / 16 * 16 + 16);
+        const Bytes cipher = OpenSsl(CipherArguments(block, "-e"), plain);
+        block.insert(block.end(), cipher.begin(), cipher.end());
+        const std::wstring back = service.Decrypt(EncodeBase64(block));
+        EXPECT_EQ(ToUtf16(back).size() * 2, plain.size());
+        EXPECT_EQ(back.substr(0, text.size()), text);
+        EXPECT_EQ(back.find_first_not_of(L'\0', text.size()), std::wstring::npos);
+    }
+}
+
+TEST_F(Encryption, NoTwoEncryptionsAreAlike) {
+    EXPECT_NE(service.Encrypt(L"text"), service.Encrypt(L"text"));
+}
+
+TEST_F(Encryption, WhatCannotBeReadIsToldApart) {
+    const std::string too_short = "Not enough data to decrypt text";
+    const std::string no_blocks = "Invalid data supplied to decryption method";
+    const std::wstring whole = service.Encrypt(L"text");
+    Bytes damaged = *DecodeBase64(whole);
+    damaged.back() ^= 1;
+
+    EXPECT_EQ(service.Decrypt(L""), L"");
+    for (const auto& [text, message] : std::initializer_list<std::pair<std::wstring, std::string>>{
+             {L"not base64!", too_short},
+             {L"AAAA", too_short},
+             {whole + L"A", too_short},
+             {EncodeBase64(Bytes(15)), too_short},
+             {EncodeBase64(Bytes(16)), no_blocks},
+             {EncodeBase64(Bytes(31)), no_blocks},
+             {EncodeBase64(Bytes(33)), no_blocks},
+             {EncodeBase64(Bytes(32)), ""},
+             {L" " + whole.substr(0, 10) + L"\r\n" + whole.substr(10), ""},
+             {EncodeBase64(damaged), ""}}) {
+        EXPECT_EQ(Message([&] { (void)service.Decrypt(text); }), message) << ToUtf8(text);
+    }
+    // A wrong phrase gives a wrong text, never a failure; without a phrase there is none to unprotect.
+    service.Initialise(protection.Protect(L"other"), true);
+    EXPECT_NE(service.Decrypt(whole).substr(0, 4), L"text");
+    service.Initialise();
+    EXPECT_FALSE(service.get_Enabled());
+    EXPECT_NE(Message([&] { (void)service.Encrypt(L"text"); }).find("protection: "), std::string::npos);
+    service.Initialise(L"key", false);
+    EXPECT_TRUE(service.get_Enabled());
+    EXPECT_FALSE(service.get_FullyEnabled());
+}
+
+TEST_F(Encryption, ProtectedTextsComeBackAndChangesAreSeen) {
+    for (const std::wstring& text : kTexts) {
+        const std::wstring guarded = protection.Protect(text);
+        EXPECT_EQ(protection.Unprotect(guarded), text);
+        Bytes block = *DecodeBase64(guarded);
+        for (std::size_t place = 0; place < block.size(); place += 5) {
+            block[place] ^= 0x10;
+            EXPECT_NE(Message([&] { (void)protection.Unprotect(EncodeBase64(block)); }), "") << place;
+            block[place] ^= 0x10;
+        }
+        block.pop_back();
+        EXPECT_NE(Message([&] { (void)protection.Unprotect(EncodeBase64(block)); }), "");
+    }
+    EXPECT_NE(Message([&] { (void)protection.Unprotect(L""); }), "");
+    EXPECT_NE(Message([&] { (void)protection.Unprotect(L"?"); }), "");
+}
+
+TEST_F(Encryption, TheKeyFileIsForItsOwnerAlone) {
+    const std::filesystem::path file = folder_ / "kestrona" / "user.key";
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
+    EXPECT_EQ(std::filesystem::file_size(file), 32U);
+    const std::wstring guarded = protection.Protect(L"text");
+    // Another process of the same user finds the same key.
+    Platform::ForgetUserKeys();
+    EXPECT_EQ(protection.Unprotect(guarded), L"text");
+    std::filesystem::permissions(file, std::filesystem::perms(0640));
+    Platform::ForgetUserKeys();
+    EXPECT_EQ(Message([&] { (void)protection.Unprotect(guarded); }), "protection: Permission denied");
+    std::filesystem::permissions(file, std::filesystem::perms(0600));
+    std::filesystem::resize_file(file, 31);
+    EXPECT_EQ(Message([&] { (void)protection.Unprotect(guarded); }), "protection: Bad message");
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink(folder_ / "elsewhere", file);
+    EXPECT_NE(Message([&] { (void)protection.Unprotect(guarded); }), "");
+    // Another user's key reads nothing.
+    std::filesystem::remove(file);
+    EXPECT_EQ(Message([&] { (void)protection.Unprotect(guarded); }), "protection: Bad message");
+}
+
+// How often the bytes stand in the memory that this process can write. Read without a stream, whose buffer would keep a
+// copy; the shadow memory of a sanitizer is passed over.
+std::size_t CountInMemory(std::span<const unsigned char> wanted) {
+    constexpr std::size_t kLargest = std::size_t{1} << 28;
+    std::ifstream maps("/proc/self/maps");
+    const int memory = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
+    std::size_t count = 0;
+    for (std::string line; std::getline(maps, line);) {
+        std::size_t first = 0;
+        std::size_t last = 0;
+        std::array<char, 5> rights{};
+        if (std::sscanf(line.c_str(), "%zx-%zx %4s", &first, &last, rights.data()) != 3 || rights[1] != 'w' ||
+            last - first > kLargest) {
+            continue;
+        }
+        Bytes bytes(last - first);
+        const ssize_t got = pread(memory, bytes.data(), bytes.size(), static_cast<off_t>(first));
+        const auto end = bytes.begin() + std::max<ssize_t>(got, 0);
+        for (auto at = std::search(bytes.begin(), end, wanted.begin(), wanted.end()); at != end;
+             at = std::search(at + 1, end, wanted.begin(), wanted.end())) {
+            ++count;
+        }
+        Platform::Cleanse(bytes.data(), bytes.size());
+    }
+    close(memory);
+    return count;
+}
+
+TEST_F(Encryption, NoSecretStaysInMemory) {
+    // The phrase is put together where it is used, as UTF-16 bytes only for the search.
+    const std::u16string_view first = u"heron-and-h";
+    const std::u16string_view second = u"eather";
+    service.Initialise(protection.Protect(FromUtf16(first) + FromUtf16(second)), true);
+    const std::wstring cipher = service.Encrypt(L"text");
+    (void)service.Decrypt(cipher);
+
+    Platform::SecretBytes password((first.size() + second.size() + 1) * 2);
+    for (std::size_t i = 0; i < first.size() + second.size(); ++i) {
+        password.Data()[2 * i] = static_cast<unsigned char>(i < first.size() ? first[i] : second[i - first.size()]);
+    }
+    // The one copy is the test's own.
+    EXPECT_EQ(CountInMemory(password.View().first(password.Size() - 2)), 1U);
+    const Bytes block = *DecodeBase64(cipher);
+    Platform::CipherStatus status = 0;
+    const auto key = Platform::DeriveKey(password.View(), std::span(block).first(16), 100, status);
+    ASSERT_TRUE(key);
+    EXPECT_EQ(CountInMemory(key->View()), 1U);
+}
+
+} // namespace
+
+} // namespace Kestrona::Encryption
