@@ -128,7 +128,7 @@ TEST_F(AuditLog, IsSilentWhereThereIsNothingToTell) {
     KSDLL_WriteLog(*store, 1, 1, 1);
     SetAuditLogEnabled(false);
     KSDLL_WriteLog(*store, 1, -1, 0);
-    EXPECT_FALSE(std::filesystem::exists("Audit.log") && !Log().empty());
+    EXPECT_EQ(Log(), L"\uFEFF") << "the file is opened at the first call";
     SetAuditLogEnabled(true);
     std::filesystem::remove("Audit.log");
     std::filesystem::create_directory("Audit.log");
