@@ -21,6 +21,7 @@
 #include <kestrona/host_interfaces.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/indexed_column.h>
+#include <kestrona/matrix_index.h>
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/owned_text.h>
 #include <kestrona/process.h>
@@ -30,6 +31,8 @@
 #include <kestrona/schema_records.h>
 #include <kestrona/services.h>
 #include <kestrona/store.h>
+#include <kestrona/tracked_values.h>
+#include <kestrona/tracking.h>
 #include <kestrona/types.h>
 #include <kestrona/unicode.h>
 #include <kestrona/version.h>
