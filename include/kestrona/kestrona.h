@@ -34,6 +34,7 @@
 #include <kestrona/indexed_column.h>
 #include <kestrona/matrices.h>
 #include <kestrona/matrix_column.h>
+#include <kestrona/matrix_index.h>
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/owned_text.h>
 #include <kestrona/process.h>
@@ -43,6 +44,8 @@
 #include <kestrona/schema_records.h>
 #include <kestrona/services.h>
 #include <kestrona/store.h>
+#include <kestrona/tracked_values.h>
+#include <kestrona/tracking.h>
 #include <kestrona/translation.h>
 #include <kestrona/translation_source.h>
 #include <kestrona/translation_writer.h>

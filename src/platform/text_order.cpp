@@ -1,0 +1,96 @@
+#include "platform/text_order.h"
+
+#include <kestrona/unicode.h>
+
+#include <unicode/ucol.h>
+#include <unicode/uloc.h>
+
+#include <array>
+#include <map>
+#include <memory>
+
+namespace Kestrona::Platform {
+
+namespace {
+
+struct CloseCollator {
+    void operator()(UCollator* collator) const { ucol_close(collator); }
+};
+
+using Collator = std::unique_ptr<UCollator, CloseCollator>;
+
+// The default locale where the identity stands for none.
+std::string LocaleName(std::uint32_t locale) {
+    std::array<char, ULOC_FULLNAME_CAPACITY> name{};
+    UErrorCode error = U_ZERO_ERROR;
+    const std::int32_t length = uloc_getLocaleForLCID(locale, name.data(), ULOC_FULLNAME_CAPACITY, &error);
+    return U_SUCCESS(error) && length > 0 && length < ULOC_FULLNAME_CAPACITY ? name.data() : uloc_getDefault();
+}
+
+Collator OpenCollator(std::uint32_t locale) {
+    UErrorCode error = U_ZERO_ERROR;
+    Collator collator(ucol_open(LocaleName(locale).c_str(), &error));
+    if (U_FAILURE(error)) {
+        return nullptr;
+    }
+    ucol_setStrength(collator.get(), UCOL_TERTIARY);
+    ucol_setAttribute(collator.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &error);
+    ucol_setAttribute(collator.get(), UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &error);
+    return collator;
+}
+
+// Opened once: opening takes longer than many comparisons. Null where ICU has no collation.
+const UCollator* CollatorOf(std::uint32_t locale) {
+    static std::map<std::uint32_t, Collator> collators;
+    const auto found = collators.find(locale);
+    return (found != collators.end() ? found : collators.emplace(locale, OpenCollator(locale)).first)->second.get();
+}
+
+void AppendCodeUnits(std::u16string_view units, std::string& key) {
+    for (const char16_t unit : units) {
+        key += static_cast<char>(unit >> 8);
+        key += static_cast<char>(unit & 0xFF);
+    }
+}
+
+} // namespace
+
+int CompareForPeople(std::uint32_t locale, std::wstring_view left, std::wstring_view right) {
+    const UCollator* const collator = CollatorOf(locale);
+    if (collator == nullptr) {
+        return 0;
+    }
+    const std::u16string a = ToUtf16(left);
+    const std::u16string b = ToUtf16(right);
+    return ucol_strcoll(collator, a.data(), static_cast<std::int32_t>(a.size()), b.data(),
+                        static_cast<std::int32_t>(b.size()));
+}
+
+std::string SortKeyForPeople(std::uint32_t locale, std::wstring_view text) {
+    const std::u16string units = ToUtf16(text);
+    std::string key;
+    if (const UCollator* const collator = CollatorOf(locale)) {
+        key.resize(units.size() * 4 + 16);
+        const auto make = [&] {
+            return ucol_getSortKey(collator, units.data(), static_cast<std::int32_t>(units.size()),
+                                   reinterpret_cast<std::uint8_t*>(key.data()), static_cast<std::int32_t>(key.size()));
+        };
+        const auto length = static_cast<std::size_t>(make());
+        const bool fits = length <= key.size();
+        key.resize(length);
+        if (!fits) {
+            make();
+        }
+    }
+    // The key ends with a zero byte and has none inside, so the code units only decide between equal keys.
+    AppendCodeUnits(units, key);
+    return key;
+}
+
+std::string CodeUnitSortKey(std::wstring_view text) {
+    std::string key;
+    AppendCodeUnits(ToUtf16(text), key);
+    return key;
+}
+
+} // namespace Kestrona::Platform

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// The order of texts for people, with runs of digits as numbers.
+namespace Kestrona::Platform {
+
+// Negative, 0 or positive; 0 also for texts that the collation does not tell apart.
+int CompareForPeople(std::uint32_t locale, std::wstring_view left, std::wstring_view right);
+
+// Bytes whose order is that of CompareForPeople; where that finds texts equal, the order of their UTF-16 code units.
+std::string SortKeyForPeople(std::uint32_t locale, std::wstring_view text);
+
+// Bytes whose order is that of the text's UTF-16 code units.
+std::string CodeUnitSortKey(std::wstring_view text);
+
+} // namespace Kestrona::Platform

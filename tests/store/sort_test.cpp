@@ -1,0 +1,213 @@
+// Sorting: every sort against a chain of comparisons written out here, over random records with ties and families.
+#include "fixtures/recording_services.h"
+#include "fixtures/schema.h"
+
+#include <kestrona/sorting.h>
+#include <kestrona/store.h>
+#include <kestrona/unicode.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <numeric>
+#include <random>
+
+namespace Kestrona {
+
+namespace {
+
+using namespace Data::MemoryResident;
+using namespace Fixtures;
+
+using Records = std::vector<std::int32_t>;
+
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+class Sort : public testing::Test {
+protected:
+    // Fields 0 to 4: key, family, two numbers with ties, a text with ties.
+    void MakeRandomTable(std::int32_t records, std::uint32_t seed) {
+        std::mt19937 random(seed);
+        AddTable(*store, L"Plan", {Number(L"Key"), Family(L"Parent"), Number(L"A"), Number(L"B"), Text(L"Name")},
+                 records);
+        const auto draw = [&](std::int32_t bound) {
+            return static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(bound));
+        };
+        for (std::int32_t record = 0; record < records; ++record) {
+            store->SetDbValue(0, 0, record, record + 100.0);
+            // A parent is no child itself, so that a family has two generations.
+            const bool child = record % 3 != 0 && draw(2) == 0;
+            store->SetDbValue(0, 1, record, child ? 100.0 + draw((records + 2) / 3) * 3 : -1.0);
+            store->SetDbValue(0, 2, record, draw(4) - 1.5);
+            store->SetDbValue(0, 3, record, draw(3));
+            store->SetDbString(0, 4, record, (draw(2) == 0 ? L"A" : L"B") + std::to_wstring(draw(12)));
+        }
+    }
+
+    double Cell(std::int32_t field, std::int32_t record) { return store->GetDbValue(0, field, record); }
+
+    // Negative, 0 or positive.
+    int CompareField(std::int32_t field, std::int32_t a, std::int32_t b) {
+        if (field != 4) {
+            return Cell(field, a) < Cell(field, b) ? -1 : Cell(field, a) > Cell(field, b) ? 1 : 0;
+        }
+        // A letter and a number: the letter first, then the number as a number.
+        const std::wstring left = store->GetDbString(0, 4, a);
+        const std::wstring right = store->GetDbString(0, 4, b);
+        const int letters = left[0] - right[0];
+        return letters != 0 ? letters : std::stoi(left.substr(1)) - std::stoi(right.substr(1));
+    }
+
+    std::int32_t ParentOf(std::int32_t record) {
+        return Cell(1, record) < 0 ? record : static_cast<std::int32_t>(Cell(1, record)) - 100;
+    }
+
+    // `families_at` is the place of the family comparison among the fields, -1 for none.
+    Records Expected(const std::vector<SortDetails>& details, int families_at) {
+        Records records(static_cast<std::size_t>(store->GetCurrentDbSize(0)));
+        std::iota(records.begin(), records.end(), 0);
+        std::ranges::stable_sort(records, [&](std::int32_t a, std::int32_t b) {
+            for (int place = 0; place <= static_cast<int>(details.size()); ++place) {
+                if (place == families_at && ParentOf(a) != ParentOf(b)) {
+                    return ParentOf(a) < ParentOf(b);
+                }
+                if (place < static_cast<int>(details.size())) {
+                    const SortDetails& entry = details[static_cast<std::size_t>(place)];
+                    const int order = CompareField(entry.field, a, b) * (entry.ascending ? 1 : -1);
+                    if (order != 0) {
+                        return order < 0;
+                    }
+                }
+            }
+            return false;
+        });
+        return records;
+    }
+
+    Records SequenceOf(const IColumn<double>& column) {
+        Records records(static_cast<std::size_t>(store->GetCurrentDbSize(0)), -1);
+        for (std::int32_t record = 0; record < store->GetCurrentDbSize(0); ++record) {
+            records.at(static_cast<std::size_t>(column.GetValue(record))) = record;
+        }
+        return records;
+    }
+
+    FreshProcess process;
+    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
+};
+
+TEST_F(Sort, AgreesWithAChainOfComparisons) {
+    const std::vector<SortDetails> orders[] = {
+        {{2, true}},
+        {{2, false}},
+        {{4, true}},
+        {{4, false}, {2, true}},
+        {{2, true}, {-1, true}, {3, false}, {4, true}},
+        {{3, false}, {2, false}},
+    };
+    std::uint32_t seed = 0;
+    for (const std::int32_t records : {0, 1, 33, 700}) {
+        store = CreateMemoryResidentData();
+        MakeRandomTable(records, ++seed);
+        for (std::vector<SortDetails> details : orders) {
+            std::vector<SortDetails> named = details;
+            std::erase_if(named, [](const SortDetails& entry) { return entry.field < 0; });
+            Records sorted{7};
+            KSDLL_SortToVector(*store, 0, details, sorted);
+            EXPECT_EQ(sorted, Expected(named, -1)) << records;
+            // Fields with parent sort enabled go behind the families, all others before them.
+            for (std::int32_t field = 0; field < 5; ++field) {
+                store->SetParentSortEnabled(0, field, field == named.back().field);
+            }
+            const std::unique_ptr<IColumn<double>> sequence(KSDLL_CreateDisplaySequenceColumn());
+            KSDLL_MulticolumnSort(*store, 0, details, true, false, sequence.get());
+            EXPECT_EQ(SequenceOf(*sequence), Expected(named, static_cast<int>(named.size()) - 1)) << records;
+            KSDLL_MulticolumnSort(*store, 0, details, true, true, sequence.get());
+            EXPECT_EQ(SequenceOf(*sequence), Expected(named, 0)) << records;
+        }
+        EXPECT_EQ(KSDLL_SingleColumnSortVector(*store, 0, 2, true), Expected({{2, true}}, -1));
+        EXPECT_EQ(KSDLL_SingleColumnSortVector(*store, 0, 2, false), Expected({}, -1));
+    }
+    std::vector<SortDetails> none;
+    Records untouched{7};
+    KSDLL_SortToVector(*store, 0, none, untouched);
+    EXPECT_EQ(untouched, Records{7});
+}
+
+// What a row holds, in one text.
+std::wstring Row(MemoryResidentData& store, std::int32_t record) {
+    std::wstring row = store.GetDbString(0, 4, record);
+    for (std::int32_t field = 0; field < 4; ++field) {
+        row += L' ' + std::to_wstring(store.GetDbValue(0, field, record));
+    }
+    return row;
+}
+
+TEST_F(Sort, MovedRowsAreWhole) {
+    MakeRandomTable(200, 5);
+    std::vector<SortDetails> details{{4, true}, {2, false}};
+    const Records expected = Expected(details, -1);
+    std::vector<std::wstring> rows;
+    for (const std::int32_t record : expected) {
+        rows.push_back(Row(*store, record));
+    }
+    KSDLL_MulticolumnSort(*store, 0, details, false, true, nullptr);
+    for (std::int32_t record = 0; record < 200; ++record) {
+        ASSERT_EQ(Row(*store, record), rows[static_cast<std::size_t>(record)]) << record;
+    }
+}
+
+TEST_F(Sort, FamiliesComeTogetherAndANamedRecordIsFollowed) {
+    MakeRandomTable(90, 9);
+    const Records expected = Expected({}, 0);
+    const double key = Cell(0, 40);
+    std::int32_t record = 40;
+    KSDLL_ParentSort(*store, 0, &record, nullptr);
+    EXPECT_EQ(Cell(0, record), key);
+    for (std::int32_t place = 0; place < 90; ++place) {
+        ASSERT_EQ(Cell(0, place), expected[static_cast<std::size_t>(place)] + 100.0) << place;
+    }
+}
+
+TEST_F(Sort, NumbersOfEveryKindHaveAPlace) {
+    // Ties between the zeros; more than a few records, so that the other way of sorting is taken, too.
+    const std::vector<double> values{0.0,  -kInfinity, 5e-324,  kNotANumber, -0.0,
+                                     -1.5, kInfinity,  -5e-324, 1e300,       -1e300};
+    const Records ascending{1, 9, 5, 7, 0, 4, 2, 8, 6, 3};
+    for (const std::int32_t copies : {1, 100}) {
+        store = CreateMemoryResidentData();
+        AddTable(*store, L"Numbers", {Number(L"Key"), Number(L"Value")}, 10 * copies);
+        for (std::int32_t record = 0; record < 10 * copies; ++record) {
+            store->SetDbValue(0, 1, record, values[static_cast<std::size_t>(record / copies)]);
+        }
+        Records blocks;
+        for (const std::int32_t record : KSDLL_SingleColumnSortVector(*store, 0, 1, true)) {
+            blocks.push_back(record / copies);
+        }
+        blocks.erase(std::unique(blocks.begin(), blocks.end()), blocks.end());
+        EXPECT_EQ(blocks, ascending);
+    }
+}
+
+TEST(TextOrder, DigitsCountAsNumbersAndEqualTextsByCodeUnits) {
+    constexpr std::uint32_t kEnglish = 0x0409;
+    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"A9", L"A10"));
+    EXPECT_FALSE(KSDLL_FirstFilesFirst(kEnglish, L"A10", L"A9"));
+    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"a2b10", L"a2b11"));
+    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"a", L"B"));
+    // Equal to the collation: code units decide, one way only.
+    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"A010", L"A10"));
+    EXPECT_FALSE(KSDLL_FirstFilesFirst(kEnglish, L"A10", L"A010"));
+    // A locale decides about its letters; an unknown one stands for the default.
+    constexpr std::uint32_t kSwedish = 0x041D;
+    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"\u00C4", L"Z"));
+    EXPECT_FALSE(KSDLL_FirstFilesFirst(kSwedish, L"\u00C4", L"Z"));
+    EXPECT_TRUE(KSDLL_FirstFilesFirst(0xFFFFFFFF, L"A9", L"A10"));
+}
+
+} // namespace
+
+} // namespace Kestrona
