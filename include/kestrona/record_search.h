@@ -1,13 +1,18 @@
 #pragma once
 
+#include <kestrona/find_result.h>
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/types.h>
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 /// \file
-/// Finding formats and fields by name and by class.
+/// Finding formats and fields by name and by class, and records by value.
+///
+/// A search for records indexes the field that it looks at, so the first one of a field costs a pass over the column.
 
 /// Returns the format with exactly this name, -1 for none or for null. Destroyed formats leave holes that the search
 /// passes. Expected constant time.
@@ -55,3 +60,48 @@ KS_API double KSDLL_GetPrimaryKeyFromRecordNumber(Kestrona::Data::MemoryResident
                                                   std::int32_t format, std::int32_t record);
 /// Returns the associated format, or the format itself.
 KS_API std::int32_t KSDLL_GetRootTable(Kestrona::Data::MemoryResident::IMemoryResidentData& store, std::int32_t format);
+
+/// Returns the records with this text, or this value, in the field, ascending.
+KS_API std::vector<std::int32_t> KSDLL_GetRecords(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                                  std::int32_t format, std::int32_t field, const wchar_t* text);
+KS_API std::vector<std::int32_t> KSDLL_GetRecords(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                                  std::int32_t format, std::int32_t field, double value);
+/// Returns the records whose FAMILY field holds the key, ascending; nothing in a format without families.
+KS_API std::vector<std::int32_t> KSDLL_GetChildRecords(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                                       std::int32_t format, double parent_key);
+/// Returns the record with the key, followed by its children; nothing when no record has the key.
+KS_API std::vector<std::int32_t> KSDLL_GetFamilyRecords(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                                        std::int32_t format, double key);
+
+/// Returns the first record behind `record`, or the last one before it, whose value or text is the given one; -1 for
+/// none. No search goes round at the end.
+KS_API std::int32_t KSDLL_FindNextNumeric(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                          std::int32_t format, std::int32_t field, std::int32_t record, double value);
+KS_API std::int32_t KSDLL_FindPreviousNumeric(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                              std::int32_t format, std::int32_t field, std::int32_t record,
+                                              double value);
+KS_API std::int32_t KSDLL_FindNextString(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                         std::int32_t format, std::int32_t field, std::int32_t record,
+                                         const wchar_t* text);
+KS_API std::int32_t KSDLL_FindPreviousString(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                             std::int32_t format, std::int32_t field, std::int32_t record,
+                                             const wchar_t* text);
+/// The same for any of several values; -1 for none of them.
+KS_API std::int32_t KSDLL_FindNextNumericMany(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                              std::int32_t format, std::int32_t field, std::int32_t record,
+                                              std::vector<double>& values);
+KS_API std::int32_t KSDLL_FindPreviousNumericMany(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                                  std::int32_t format, std::int32_t field, std::int32_t record,
+                                                  std::vector<double>& values);
+
+/// Returns the records that fulfil every criterion, in an owned result. A criterion with several values is fulfilled by
+/// any of them. A single criterion with several values gives the records value after value, as found; every other
+/// result is ascending and tells no record twice. Without criteria the result is empty.
+KS_API Kestrona::FindResult*
+KSDLL_LookupRecordsIntersect(Kestrona::Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
+                             std::vector<std::pair<Kestrona::FieldMatchCriteria, std::vector<double>>>& numbers,
+                             std::vector<std::pair<Kestrona::FieldMatchCriteria, wchar_t*>>& texts);
+
+/// Tells whether `b` is the associated format of `a`, or a child of it, or of `a` where that has none.
+KS_API std::int32_t KSDLL_AreTablesAssociated(Kestrona::Data::MemoryResident::IMemoryResidentData& store,
+                                              std::int32_t a, std::int32_t b);

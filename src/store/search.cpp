@@ -1,8 +1,8 @@
 // Implements: the searches for records by key, value, text and row.
 #include "store/class_test.h"
-#include "store/family.h"
 
 #include <kestrona/classes.h>
+#include <kestrona/record_search.h>
 #include <kestrona/store.h>
 
 #include <algorithm>
@@ -74,7 +74,7 @@ FindResult* MemoryResidentData::GetRecordsMatchingRow(std::int32_t format, std::
     if (HasClass(*info, Classes::kFamily)) {
         const double family = GetDbValue(format, field, record);
         if (family != kNoFamily) {
-            return FamilyResult(FamilyRecords(*this, format, family));
+            return FamilyResult(KSDLL_GetFamilyRecords(*this, format, family));
         }
     }
     if (HasClass(*info, Classes::kEvaluate)) {
