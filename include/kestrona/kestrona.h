@@ -41,6 +41,7 @@
 #include <kestrona/record_search.h>
 #include <kestrona/record_state.h>
 #include <kestrona/record_state_strategy.h>
+#include <kestrona/records.h>
 #include <kestrona/schema_records.h>
 #include <kestrona/services.h>
 #include <kestrona/store.h>

@@ -4,6 +4,7 @@
 #include <kestrona/classes.h>
 #include <kestrona/record_search.h>
 #include <kestrona/store.h>
+#include <kestrona/value_text.h>
 
 #include <algorithm>
 
@@ -12,7 +13,6 @@ namespace Kestrona::Data::MemoryResident {
 namespace {
 
 constexpr double kNoFamily = -1.0;
-constexpr const wchar_t* kNoCalculatedValues = L"Calculated values are not available in this version";
 
 template <typename T>
 FindResult* FindIn(IColumn<T>* column, const T& value, FindOperator comparison) {
@@ -31,6 +31,18 @@ bool IsPlainReference(const field_info& field) {
 
 bool RefersToRecords(const field_info& field) {
     return HasClass(field, Classes::kFamily) || HasClass(field, Classes::kDatabase) || HasClass(field, Classes::kList);
+}
+
+// Calculated fields are compared by what they show.
+FindResult* RecordsShowing(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
+                           const std::wstring& text) {
+    RecordNumbers records;
+    for (std::int32_t record = 0; record < store.GetCurrentDbSize(format); ++record) {
+        if (KSDLL_FieldToTString(store, format, field, record) == text) {
+            records.push_back(record);
+        }
+    }
+    return new FindResult(std::move(records));
 }
 
 FindResult* FamilyResult(RecordNumbers records) {
@@ -78,7 +90,7 @@ FindResult* MemoryResidentData::GetRecordsMatchingRow(std::int32_t format, std::
         }
     }
     if (HasClass(*info, Classes::kEvaluate)) {
-        throw kNoCalculatedValues;
+        return RecordsShowing(*this, format, field, KSDLL_FieldToTString(*this, format, field, record));
     }
     AddIndexToColumn(format, field);
     if (IsPlainReference(*info) && !RefersToRecords(*info)) {

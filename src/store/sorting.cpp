@@ -103,7 +103,7 @@ void MoveRows(MemoryResidentData& store, std::int32_t format, const Records& sor
         }
     }
     const SequencerHooks& hooks = GetSequencerHooks();
-    if (hooks.after_sort != nullptr && IsSequencerOrderFormat(format)) {
+    if (hooks.after_sort != nullptr && HasSequencerHooks(format)) {
         Records places = Places(sorted);
         hooks.after_sort(places);
     }

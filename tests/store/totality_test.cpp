@@ -232,12 +232,6 @@ TEST_F(Totality, CountsAreKeptWithinTheirLimits) {
     EXPECT_EQ(store->GetDbFields(0), 0);
 }
 
-TEST_F(Totality, ErasingRowsRefusesAndChangesNothing) {
-    const std::wstring before = Describe();
-    EXPECT_THROW(store->EraseDbRows(0, {0, 1}), const wchar_t*);
-    EXPECT_EQ(Describe(), before);
-}
-
 } // namespace
 
 } // namespace Kestrona
