@@ -14,6 +14,7 @@
 #include <kestrona/concrete_columns.h>
 #include <kestrona/data_storage.h>
 #include <kestrona/definition_load.h>
+#include <kestrona/definition_model.h>
 #include <kestrona/execution_state.h>
 #include <kestrona/export.h>
 #include <kestrona/expression.h>
