@@ -1,6 +1,8 @@
 #include "field_description.h"
 
 #include "data/cell_text.h"
+#include "schema/class_names.h"
+#include "schema/field_links.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
@@ -13,6 +15,7 @@
 namespace Kestrona::Tool {
 namespace {
 
+using Data::MemoryResident::field_info;
 using Data::MemoryResident::IMemoryResidentData;
 
 std::string FormatName(IMemoryResidentData& store, std::int32_t format) {
@@ -20,18 +23,8 @@ std::string FormatName(IMemoryResidentData& store, std::int32_t format) {
     return name == nullptr ? std::string("?") : ToUtf8(name);
 }
 
-bool IsMatrix(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return (store.GetDbType(format, field) & TypeBit::kMatrix) != 0;
-}
-
-std::string_view PlainTypeName(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    if (IsMatrix(store, format, field)) {
-        return store.ClassDefined(format, field, Classes::kList) ? "list" : "matrix";
-    }
-    if ((store.GetDbType(format, field) & TypeBit::kFreeString) != 0) {
-        return "button";
-    }
-    switch (FormOfField(store, format, field)) {
+std::string_view NameOf(ValueForm form) {
+    switch (form) {
     case ValueForm::Text:
         return "text";
     case ValueForm::Integer:
@@ -50,10 +43,23 @@ std::string_view PlainTypeName(IMemoryResidentData& store, std::int32_t format, 
     return "number";
 }
 
+std::string PlainTypeName(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    const std::uint32_t type = store.GetDbType(format, field);
+    if ((type & TypeBit::kFreeString) != 0) {
+        return "button";
+    }
+    const std::string_view entry = NameOf(FormOfField(store, format, field));
+    if ((type & TypeBit::kMatrix) == 0) {
+        return std::string(entry);
+    }
+    const std::string_view whole = store.ClassDefined(format, field, Classes::kList) ? "list" : "matrix";
+    return type == TypeBit::kMatrix ? std::string(whole) : fmt::format("{} of {}s", whole, entry);
+}
+
 } // namespace
 
 std::string TypeName(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    std::string name(PlainTypeName(store, format, field));
+    std::string name = PlainTypeName(store, format, field);
     if (store.ClassDefined(format, field, Classes::kEvaluate)) {
         name += ", calculated";
     }
@@ -75,32 +81,62 @@ std::string DefaultText(IMemoryResidentData& store, std::int32_t format, std::in
     return form == ValueForm::Date ? IsoDate(value) : fmt::format("{}", value);
 }
 
+// Data slot 0 holds a field or a format for some keywords.
+std::string LengthText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    const std::int32_t length = store.GetDbData(format, field, DataSlot::kMaxTextLength);
+    const bool is_length = FormOfField(store, format, field) == ValueForm::Text && length > 0 &&
+                           !store.ClassDefined(format, field, Classes::kAssociate) &&
+                           !store.ClassDefined(format, field, Classes::kUpdateReference);
+    return is_length ? std::to_string(length) : std::string();
+}
+
 std::string ReferenceText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    const std::int32_t table = store.GetDbTable(format, field);
-    if (store.ClassDefined(format, field, Classes::kDatabase)) {
-        return fmt::format("{}({})", FormatName(store, table),
-                           ToUtf8(store.GetColumnName(table, store.GetDbSource(format, field))));
+    std::string text;
+    for (const FieldLink& link : FieldLinks(store, format, field)) {
+        if (link.kind == LinkKind::Reference || (link.kind == LinkKind::List && text.empty())) {
+            text = TargetText(store, link);
+        }
     }
-    if (!IsMatrix(store, format, field)) {
-        return {};
+    return text;
+}
+
+std::string DimensionText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    std::string text;
+    for (const FieldLink& link : FieldLinks(store, format, field)) {
+        if (link.kind == LinkKind::Dimension) {
+            text += (text.empty() ? "" : " x ") + TargetText(store, link);
+        }
     }
-    if (store.ClassDefined(format, field, Classes::kList)) {
-        const std::int32_t list_table = store.GetDbTableY(format, field);
-        return list_table < 0 ? std::string() : FormatName(store, list_table);
+    const field_info* info = store.GetFieldInfo(format, field);
+    if (!text.empty() && info != nullptr && info->matrixXLabel && info->matrixYLabel) {
+        text += fmt::format(" ({}, {})", ToUtf8(info->matrixXLabel.get()), ToUtf8(info->matrixYLabel.get()));
     }
-    if (store.ClassDefined(format, field, Classes::kAutoDimension)) {
-        return fmt::format("{} x {}", FormatName(store, table), FormatName(store, store.GetDbTableY(format, field)));
+    return text;
+}
+
+std::string LinksText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    std::string text;
+    for (const FieldLink& link : FieldLinks(store, format, field)) {
+        if (link.kind == LinkKind::Other) {
+            text += fmt::format("{}{} {}", text.empty() ? "" : "; ", link.keyword, TargetText(store, link, format));
+        }
     }
-    return {};
+    return text;
+}
+
+std::string ClassesText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return fmt::format("{}", fmt::join(ClassNames(store, format, field), ", "));
 }
 
 std::string ReferredFormats(IMemoryResidentData& store, std::int32_t format) {
     std::set<std::int32_t> seen;
     std::string text;
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        const std::int32_t table = store.GetDbTable(format, field);
-        if (store.ClassDefined(format, field, Classes::kDatabase) && seen.insert(table).second) {
-            text += (text.empty() ? "" : ", ") + FormatName(store, table);
+        for (const FieldLink& link : FieldLinks(store, format, field)) {
+            const bool refers = link.kind == LinkKind::Reference || link.kind == LinkKind::List;
+            if (refers && link.format != format && seen.insert(link.format).second) {
+                text += (text.empty() ? "" : ", ") + FormatName(store, link.format);
+            }
         }
     }
     return text;

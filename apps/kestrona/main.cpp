@@ -43,6 +43,10 @@ void AddRecordChoice(CLI::App& command, Options& options) {
     command.add_option("--limit", options.limit, "Print at most this many records")->option_text("N");
 }
 
+void AddFile(CLI::App& command, std::string& file) {
+    command.add_option("-f,--file", file, "File to write; stdout without it")->option_text("FILE");
+}
+
 int Run(int argc, char** argv) {
     CLI::App app{"Looks at plant definitions and their data."};
     app.footer(kFooter);
@@ -53,14 +57,35 @@ int Run(int argc, char** argv) {
     CheckOptions check;
     CLI::App* check_command = app.add_subcommand("check", "Tell what is wrong with a definition");
     AddDefinition(*check_command, check.definition);
+    check_command->add_option("-o,--output", check.form, "Output form: text, json or sarif")
+        ->transform(CLI::CheckedTransformer(Lint::ReportFormNames(), CLI::ignore_case).description(""))
+        ->option_text("FORM");
+    check_command->add_flag("--strict", check.strict, "Give exit code 1 for warnings too");
     check_command->callback([&] { code = RunCheck(check); });
 
     SchemaOptions schema;
-    CLI::App* schema_command = app.add_subcommand("schema", "List the formats of a definition, or the fields of one");
+    CLI::App* schema_command =
+        app.add_subcommand("schema", "List the formats of a definition, the fields of one, or all about one field");
     AddDefinition(*schema_command, schema.definition);
     schema_command->add_option("TABLE", schema.table, "Format whose fields to list");
+    schema_command->add_option("FIELD", schema.field, "Field of that format to describe");
     AddOutputForm(*schema_command, schema.form);
     schema_command->callback([&] { code = RunSchema(schema); });
+
+    GraphOptions graph;
+    CLI::App* graph_command = app.add_subcommand("graph", "Draw the references between the formats of a definition");
+    AddDefinition(*graph_command, graph.definition);
+    AddFile(*graph_command, graph.file);
+    CLI::Option* svg = graph_command->add_flag("--svg", graph.svg, "Write a picture (SVG); the default");
+    graph_command->add_flag("--dot", graph.dot, "Write the graph for Graphviz; the default for .dot and .gv files")
+        ->excludes(svg);
+    graph_command->callback([&] { code = RunGraph(graph); });
+
+    DocsOptions docs;
+    CLI::App* docs_command = app.add_subcommand("docs", "Write a data dictionary of a definition (Markdown)");
+    AddDefinition(*docs_command, docs.definition);
+    AddFile(*docs_command, docs.file);
+    docs_command->callback([&] { code = RunDocs(docs); });
 
     ShowOptions show;
     CLI::App* show_command = app.add_subcommand("show", "Load CSV files and print a format's records");

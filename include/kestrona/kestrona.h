@@ -16,6 +16,7 @@
 #include <kestrona/data_storage.h>
 #include <kestrona/dates.h>
 #include <kestrona/definition_load.h>
+#include <kestrona/definition_model.h>
 #include <kestrona/durations.h>
 #include <kestrona/encrypted_string_column.h>
 #include <kestrona/encryption.h>

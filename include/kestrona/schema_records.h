@@ -72,6 +72,7 @@ struct formats_info {
     bool eligibleForCommonDataset = false;
     std::wstring displayName;
     std::wstring originalDisplayName; ///< The display name of the Original view.
+    bool originalNameTaken = false;   ///< `originalDisplayName` holds a snapshot.
     OwnedText name;                   ///< Null where no format stands.
     OwnedText extension;              ///< A format with one is loadable.
     OwnedText defaultDatasetName;

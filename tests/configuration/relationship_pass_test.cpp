@@ -184,6 +184,17 @@ const Refused kRefused[] = {
     {Matrix(L"X", L"ASSOCIATE(Plain)"), {}, L"<21021><21017|Orders|X>"},
     {Real(L"X", L"ASSOCIATE(List)"), {}, L"<21022><21017|Orders|X>"},
     {Real(L"X", L"AUTO RESTRICT(List)"), {}, L"<21508><21017|Orders|X>"},
+    {Matrix(L"X", L"ASSOCIATE(None)"), {}, L"<21004|ASSOCIATE(None)|Orders><21003|None>"},
+    {Matrix(L"X", L"AUTO RESTRICT(None)"), {}, L"<21004|AUTO RESTRICT(None)|Orders><21003|None>"},
+    {Real(L"X", L"ADDITIONAL REFERENCE(None)", {Classes::kAdditionalReference}),
+     {},
+     L"<21004|ADDITIONAL REFERENCE(None)|Orders><21003|None>"},
+    {Real(L"X", L"OVERRIDE(None)", {Classes::kOverride}), {}, L"<21004|OVERRIDE(None)|Orders><21003|None>"},
+    {Real(L"X", L"UPDATE REFERENCE(None)", {Classes::kUpdateReference}),
+     {},
+     L"<21004|UPDATE REFERENCE(None)|Orders><21003|None>"},
+    {Real(L"X", L"UPDATE REFERENCE", {Classes::kUpdateReference}), {}, L"<21004|UPDATE REFERENCE|Orders><21003|>"},
+    {Real(L"X", L"AUTO SPLIT(None)", {Classes::kAutoSplit}), {}, L"<21004|AUTO SPLIT(None)|Orders><21003|None>"},
     {Real(L"X", L"FAMILY(None)"), {}, L"<21004|FAMILY(None)|Orders><21003|None>"},
     {Matrix(L"X", L"DATABASE(Products(Grid))"), {}, L"<21028|Products><21029|Orders|X>"},
     {Matrix(L"X", L"DATABASE(Products(Grid))"),
@@ -235,6 +246,41 @@ TEST_P(RefusedRelation, IsShownWithItsArgumentsAndEndsThePass) {
 }
 
 INSTANTIATE_TEST_SUITE_P(RelationshipPass, RefusedRelation, testing::ValuesIn(kRefused));
+
+// Every look-up of a field tells the place by the text of its own keyword.
+TEST_F(RelationshipPass, OffersTheContextOfTheKeywordToTheTextForAMissingField) {
+    struct Case {
+        Field x;
+        const wchar_t* context;
+    };
+
+    const std::wstring axes = L"AUTO DIMENSION(A,Orders(Key),B,Products(Code)) ";
+    const Case cases[] = {
+        {Matrix(L"X", axes + L"MATRIX MINIMUM(None)"), L"<21011|Orders|X>"},
+        {Matrix(L"X", axes + L"MATRIX DEFAULT(None)"), L"<21012|Orders|X>"},
+        {Real(L"X", L"RELATED FIELD(None)"), L"<21100|Orders|X>"},
+        {Real(L"X", L"ORDER MATCH(None)"), L"ORDER MATCH reference in Format 'Orders' Field 'X'"},
+        {Real(L"X", L"LOOKUP SOURCE(Products(Code)) LOOKUP UPDATE(None)"),
+         L"LOOKUP UPDATE reference in Format 'Orders' Field 'X'"},
+        {Matrix(L"X", L"RELATED LIST(None)"), L"<21016|Orders|X>"},
+        {Matrix(L"X", L"ASSOCIATE(None)"), L"<21020|Orders|X>"},
+        {Matrix(L"X", L"AUTO RESTRICT(None)"), L"<21506|Orders|X>"},
+        {Real(L"X", L"FAMILY(None)"), L"<21025|Orders|X>"},
+        {Real(L"X", L"ADDITIONAL REFERENCE(None)", {Classes::kAdditionalReference}), L"<21030|Orders|X>"},
+        {Real(L"X", L"OVERRIDE ( None)", {Classes::kOverride}), L"OVERRIDE(None)"},
+        {Real(L"X", L"UPDATE REFERENCE(None)", {Classes::kUpdateReference}), L"<21034|Orders|X>"},
+        {Real(L"X", L"AUTO SPLIT(None)", {Classes::kAutoSplit}), L"<21037|Orders|X>"},
+    };
+    messages_->texts = {{21004, L"%4%"}, {21003, L""}};
+    for (const Case& c : cases) {
+        messages_->boxes.clear();
+        KSDLL_InitializeFormats(store_);
+        Define(c.x);
+        SetParent(0, 1);
+        EXPECT_FALSE(RunFieldPass(store_) && RunRelationshipPass(store_));
+        EXPECT_EQ(Boxes(), c.context) << ToUtf8(c.x.classification);
+    }
+}
 
 TEST_F(RelationshipPass, RefusesAFamilyInAFormatWithoutKey) {
     Add(L"Orders", {Real(L"X", L"FAMILY(X)")}, -1);

@@ -1,3 +1,4 @@
+#include "definition/classification.h"
 #include "definition/words.h"
 #include "fixtures/recording_services.h"
 
@@ -14,6 +15,7 @@
 
 #include <memory>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -322,6 +324,34 @@ TEST_P(DefinitionSamples, PrintToTextThatLoadsToTheSameStore) {
     ASSERT_EQ(check_database_access(*again, true, nullptr), 0);
     EXPECT_EQ(Snapshot(*again).Take(), Snapshot(*store).Take());
     EXPECT_EQ(PrintDefinition(*again), text);
+}
+
+TEST_P(DefinitionSamples, StayAsTheyAreWhenTheyAreResolvedAgain) {
+    const ParseResult parsed = ParseDefinitionFile(std::string(KESTRONA_SOURCE_DIR "/examples/") + GetParam());
+    const auto store = Fill(parsed.definition);
+    ASSERT_EQ(check_database_access(*store, false, nullptr), 0);
+    const std::string resolved = Snapshot(*store).Take();
+    for (const bool create_arrays : {false, true, true}) {
+        ASSERT_EQ(check_database_access(*store, create_arrays, nullptr), 0);
+        EXPECT_EQ(Snapshot(*store).Take(), resolved);
+    }
+}
+
+TEST_F(DefinitionStore, TheSamplePlantUsesFortyKeywordsAndMore) {
+    const ParseResult parsed = ParseDefinitionFile(KESTRONA_SOURCE_DIR "/examples/plant/plant.ksdef");
+    EXPECT_TRUE(parsed.diagnostics.empty());
+    std::set<std::wstring_view> used;
+    for (const FormatDefinition& format : parsed.definition.formats) {
+        for (const FieldDefinition& field : format.fields) {
+            for (const ClassificationWord& word : field.words) {
+                const Language::Word* known = Language::FindWord(Language::KeywordOf(word.text));
+                if (known != nullptr && known->kind == Language::WordKind::Keyword) {
+                    used.insert(known->text);
+                }
+            }
+        }
+    }
+    EXPECT_GE(used.size(), 40U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Examples, DefinitionSamples,

@@ -20,12 +20,6 @@ std::string Quoted(const std::string& argument) {
     return text + '\'';
 }
 
-std::string Content(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 } // namespace
 
 ToolRun RunTool(const std::vector<std::string>& arguments) {
@@ -36,7 +30,7 @@ ToolRun RunTool(const std::vector<std::string>& arguments) {
     }
     command += " >" + Quoted(folder + "/out") + " 2>" + Quoted(folder + "/err") + " </dev/null";
     const int status = std::system(command.c_str());
-    ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(folder + "/out"), Content(folder + "/err")};
+    ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder + "/out"), ReadFile(folder + "/err")};
     std::filesystem::remove_all(folder);
     return run;
 }
@@ -47,6 +41,12 @@ std::string FreshFolder(const std::string& name) {
     std::filesystem::remove_all(path);
     std::filesystem::create_directories(path);
     return path;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
 }
 
 void WriteFile(const std::string& path, const std::string& content) {

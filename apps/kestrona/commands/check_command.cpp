@@ -1,24 +1,37 @@
 #include "commands/commands.h"
-#include "commands/session.h"
 #include "exit_codes.h"
-
-#include <fmt/format.h>
+#include "lint/check_definition.h"
+#include "output/text_output.h"
 
 namespace Kestrona::Tool {
+namespace {
+
+std::string Written(const Lint::Report& report, Lint::ReportForm form) {
+    switch (form) {
+    case Lint::ReportForm::Text:
+        break;
+    case Lint::ReportForm::Json:
+        return Lint::JsonReport(report);
+    case Lint::ReportForm::Sarif:
+        return Lint::SarifReport(report);
+    }
+    return Lint::TextReport(report);
+}
+
+int CodeOf(const Lint::Report& report, bool strict) {
+    if (report.unreadable) {
+        return kExitUnreadableInput;
+    }
+    const bool fails = report.Count(Lint::Severity::Error) > 0 || (strict && report.Count(Lint::Severity::Warning) > 0);
+    return fails ? kExitFindings : kExitGood;
+}
+
+} // namespace
 
 int RunCheck(const CheckOptions& options) {
-    Session session;
-    if (const int code = session.Load(options.definition); code != kExitGood) {
-        return code;
-    }
-    auto& store = session.Store();
-    std::int32_t fields = 0;
-    for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        fields += store.GetDbFields(format);
-    }
-    fmt::print("{}: {} formats with {} fields, no errors, {} warnings\n", options.definition, store.GetFormatCount(),
-               fields, session.Warnings());
-    return kExitGood;
+    const Lint::Report report = Lint::CheckDefinition(options.definition);
+    const int code = WriteText(Written(report, options.form), "");
+    return code == kExitGood ? CodeOf(report, options.strict) : code;
 }
 
 } // namespace Kestrona::Tool

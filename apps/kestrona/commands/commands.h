@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lint/report_writer.h"
 #include "output/table_writer.h"
 
 #include <cstddef>
@@ -13,19 +14,40 @@ namespace Kestrona::Tool {
 
 struct CheckOptions {
     std::string definition;
+    Lint::ReportForm form = Lint::ReportForm::Text;
+    bool strict = false; ///< Warnings count as findings too.
 };
 
-/// Loads a definition and tells what is wrong with it.
+/// Tells what is wrong or doubtful about a definition.
 int RunCheck(const CheckOptions& options);
 
 struct SchemaOptions {
     std::string definition;
     std::string table; ///< Empty for the list of all formats.
+    std::string field; ///< Empty for all fields of the format.
     OutputForm form = OutputForm::Table;
 };
 
-/// Lists the formats of a definition, or the fields of one format.
+/// Lists the formats of a definition, the fields of one format, or what there is to say of one field.
 int RunSchema(const SchemaOptions& options);
+
+struct GraphOptions {
+    std::string definition;
+    std::string file; ///< Empty for stdout.
+    bool svg = false;
+    bool dot = false; ///< With neither, the ending of the file tells, and SVG stands for all others.
+};
+
+/// Draws the references between the formats of a definition.
+int RunGraph(const GraphOptions& options);
+
+struct DocsOptions {
+    std::string definition;
+    std::string file; ///< Empty for stdout.
+};
+
+/// Writes a data dictionary.
+int RunDocs(const DocsOptions& options);
 
 struct ShowOptions {
     std::string definition;

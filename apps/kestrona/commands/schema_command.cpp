@@ -1,12 +1,14 @@
 #include "commands/commands.h"
 #include "commands/session.h"
-#include "data/cell_text.h"
 #include "exit_codes.h"
 #include "field_description.h"
+#include "schema/class_names.h"
+#include "schema/field_links.h"
 
+#include <kestrona/classification_readers.h>
 #include <kestrona/unicode.h>
 
-#include <fmt/format.h>
+#include <utility>
 
 namespace Kestrona::Tool {
 namespace {
@@ -45,13 +47,73 @@ int ListFields(IMemoryResidentData& store, std::int32_t format, OutputForm form)
                        {"Default"},
                        {"Level", CellKind::Number},
                        {"Refers to"},
+                       {"Dimensions"},
+                       {"Links"},
+                       {"Classes"},
                        {"Classification"}});
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
         source.AddRow({std::to_string(field), FieldName(store, format, field), TypeName(store, format, field),
                        DefaultText(store, format, field), std::to_string(store.GetDbDialogLevel(format, field)),
-                       ReferenceText(store, format, field), ToUtf8(store.GetDbClassString(format, field))});
+                       ReferenceText(store, format, field), DimensionText(store, format, field),
+                       LinksText(store, format, field), ClassesText(store, format, field),
+                       ToUtf8(store.GetDbClassString(format, field))});
     }
     return WriteTable(source, form, stdout) ? kExitGood : kExitUnreadableInput;
+}
+
+// One row for each thing that there is to say.
+class FieldSheet {
+public:
+    FieldSheet() : source_({{"Property"}, {"Value"}}) {}
+
+    void Add(std::string property, std::string value) {
+        if (!value.empty()) {
+            source_.AddRow({std::move(property), std::move(value)});
+        }
+    }
+
+    [[nodiscard]] const ListSource& Source() const { return source_; }
+
+private:
+    ListSource source_;
+};
+
+std::string DialogLevelText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return store.IsHiddenDialog(format, field) ? "hidden" : std::to_string(store.GetDbDialogLevel(format, field));
+}
+
+int ShowField(IMemoryResidentData& store, std::int32_t format, std::int32_t field, OutputForm form) {
+    FieldSheet sheet;
+    sheet.Add("Field", FieldName(store, format, field));
+    sheet.Add("Name in dialogs", ToUtf8(GetDialogFieldName(store, format, field)));
+    sheet.Add("Type", TypeName(store, format, field));
+    sheet.Add("Key", store.GetDbKey(format) == field ? "yes" : "");
+    sheet.Add("Default", DefaultText(store, format, field));
+    sheet.Add("Length", LengthText(store, format, field));
+    sheet.Add("Dialog level", DialogLevelText(store, format, field));
+    sheet.Add("Dimensions", DimensionText(store, format, field));
+    for (const FieldLink& link : FieldLinks(store, format, field)) {
+        if (link.kind != LinkKind::Dimension) {
+            sheet.Add(std::string(link.keyword), TargetText(store, link, format));
+        }
+    }
+    for (const std::string& name : ClassNames(store, format, field)) {
+        sheet.Add("Class", name);
+    }
+    sheet.Add("Classification", ToUtf8(store.GetDbClassString(format, field)));
+    return WriteTable(sheet.Source(), form, stdout) ? kExitGood : kExitUnreadableInput;
+}
+
+int Describe(Session& session, const SchemaOptions& options) {
+    const std::int32_t format = session.FindFormat(options.table);
+    if (format < 0) {
+        return kExitUsage;
+    }
+    if (options.field.empty()) {
+        return ListFields(session.Store(), format, options.form);
+    }
+    const std::int32_t field = session.FindField(format, options.field);
+    return field < 0 ? kExitUsage : ShowField(session.Store(), format, field, options.form);
 }
 
 } // namespace
@@ -61,11 +123,7 @@ int RunSchema(const SchemaOptions& options) {
     if (const int code = session.Load(options.definition); code != kExitGood) {
         return code;
     }
-    if (options.table.empty()) {
-        return ListFormats(session.Store(), options.form);
-    }
-    const std::int32_t format = session.FindFormat(options.table);
-    return format < 0 ? kExitUsage : ListFields(session.Store(), format, options.form);
+    return options.table.empty() ? ListFormats(session.Store(), options.form) : Describe(session, options);
 }
 
 } // namespace Kestrona::Tool

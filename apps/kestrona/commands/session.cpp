@@ -7,8 +7,6 @@
 #include <fmt/format.h>
 #include <sys/resource.h>
 
-#include <algorithm>
-
 namespace Kestrona::Tool {
 namespace {
 
@@ -39,13 +37,6 @@ Data::MemoryResident::MemoryResidentData& Session::Store() {
     return host_.Store();
 }
 
-std::size_t Session::Warnings() const {
-    const auto& found = host_.Diagnostics();
-    return static_cast<std::size_t>(std::count_if(found.begin(), found.end(), [](const Host::Diagnostic& finding) {
-        return finding.severity == Host::Severity::Warning;
-    }));
-}
-
 std::int32_t Session::FindFormat(const std::string& name) {
     auto& store = Store();
     std::string known;
@@ -58,6 +49,20 @@ std::int32_t Session::FindFormat(const std::string& name) {
         known += (known.empty() ? "" : ", ") + text;
     }
     fmt::print(stderr, "kestrona: error: no format is called '{}'; there are {}\n", name, known);
+    return -1;
+}
+
+std::int32_t Session::FindField(std::int32_t format, const std::string& name) {
+    auto& store = Store();
+    std::string known;
+    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+        const std::string text = ToUtf8(store.GetColumnName(format, field));
+        if (text == name) {
+            return field;
+        }
+        known += (known.empty() ? "" : ", ") + text;
+    }
+    fmt::print(stderr, "kestrona: error: no field of the format is called '{}'; there are {}\n", name, known);
     return -1;
 }
 

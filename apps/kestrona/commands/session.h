@@ -22,10 +22,10 @@ public:
 
     /// Requires: `Load` gave `kExitGood`.
     [[nodiscard]] Data::MemoryResident::MemoryResidentData& Store();
-    /// Number of warnings that the load printed.
-    [[nodiscard]] std::size_t Warnings() const;
     /// Returns the format with this name or display name; says on stderr what there is and gives -1 when none has it.
     [[nodiscard]] std::int32_t FindFormat(const std::string& name);
+    /// Returns the field of the format with this name; says on stderr what there is and gives -1 when none has it.
+    [[nodiscard]] std::int32_t FindField(std::int32_t format, const std::string& name);
 
 private:
     Host::DefaultHost host_;

@@ -1,0 +1,45 @@
+#include "lint/report_writer.h"
+
+#include <fmt/format.h>
+
+namespace Kestrona::Tool::Lint {
+namespace {
+
+// What the parser says ends with what it expected, so its findings need no hint.
+bool BringsItsHint(const Finding& finding) {
+    return finding.message.find("; expected ") != std::string::npos;
+}
+
+std::string Place(const Finding& finding) {
+    return finding.line > 0 ? fmt::format("{}:{}:{}", finding.file, finding.line, finding.column) : finding.file;
+}
+
+std::string Counted(std::size_t count, std::string_view thing) {
+    return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
+} // namespace
+
+const std::map<std::string, ReportForm>& ReportFormNames() {
+    static const std::map<std::string, ReportForm> names{
+        {"text", ReportForm::Text}, {"json", ReportForm::Json}, {"sarif", ReportForm::Sarif}};
+    return names;
+}
+
+std::string TextReport(const Report& report) {
+    std::string text;
+    for (const Finding& finding : report.findings) {
+        text += fmt::format("{}: {}: {}{} [{}]\n", Place(finding), SeverityName(finding.rule->severity),
+                            finding.field.empty() ? "" : finding.format + "(" + finding.field + "): ", finding.message,
+                            finding.rule->id);
+        if (!BringsItsHint(finding)) {
+            text += fmt::format("    {}\n", finding.rule->hint);
+        }
+    }
+    return text + fmt::format("{}: {} with {}; {}, {}, {}\n", report.definition, Counted(report.formats, "format"),
+                              Counted(report.fields, "field"), Counted(report.Count(Severity::Error), "error"),
+                              Counted(report.Count(Severity::Warning), "warning"),
+                              Counted(report.Count(Severity::Note), "note"));
+}
+
+} // namespace Kestrona::Tool::Lint

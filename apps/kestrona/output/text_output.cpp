@@ -1,0 +1,38 @@
+#include "output/text_output.h"
+
+#include "exit_codes.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+namespace Kestrona::Tool {
+namespace {
+
+bool Write(std::string_view text, std::FILE* out) {
+    return std::fwrite(text.data(), 1, text.size(), out) == text.size() && std::fflush(out) == 0;
+}
+
+bool WriteFile(std::string_view text, const std::string& path) {
+    std::FILE* const out = std::fopen(path.c_str(), "wb");
+    if (out == nullptr) {
+        return false;
+    }
+    const bool written = Write(text, out);
+    return std::fclose(out) == 0 && written;
+}
+
+} // namespace
+
+int WriteText(std::string_view text, const std::string& path) {
+    const bool to_stdout = path.empty() || path == "-";
+    if (to_stdout ? Write(text, stdout) : WriteFile(text, path)) {
+        return kExitGood;
+    }
+    if (!to_stdout) { // a closed pipe is no news to its reader
+        fmt::print(stderr, "kestrona: error: '{}' cannot be written\n", path);
+    }
+    return kExitUnreadableInput;
+}
+
+} // namespace Kestrona::Tool

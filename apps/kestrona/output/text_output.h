@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Kestrona::Tool {
+
+/// Writes a whole text to a file, or to stdout for the empty path and for "-". What cannot be written is told on
+/// stderr. Returns an exit code.
+int WriteText(std::string_view text, const std::string& path);
+
+} // namespace Kestrona::Tool
