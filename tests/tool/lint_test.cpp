@@ -102,7 +102,7 @@ format Plant "The works" {
     key Number
     field Number : INTEGER | UNIQUE | SYSTEMDB
     field "Hash#1" : REAL | HIDDEN
-    field Sum : REAL | EVALUATE "{#Hash#1} + FUNC_MAX(({#Number} > 1), 2 && 3)"
+    field Sum : REAL | EVALUATE "{#Hash#1} + FUNC_MAX(({#Number} > 1), (2 && 3))"
     field Exact classification "INTEGER | HELPPOPUPID(3) | TABLE(Words)"
     field Several : INTEGER | REMOTE(Plant(Number)) | REMOTE(Plant(Sum)) | STRING_DEF "Sum"
     field Label : TEXT | EVALUATE "{$Number} > 1 && so on"

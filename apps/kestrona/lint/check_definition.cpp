@@ -5,6 +5,7 @@
 
 #include <kestrona/definition_load.h>
 #include <kestrona/host/default_host.h>
+#include <kestrona/host/expression_excerpt.h>
 #include <kestrona/unicode.h>
 
 #include <algorithm>
@@ -48,6 +49,7 @@ Finding FromMessage(const std::wstring& message, const Host::Definition& definit
     finding.rule = &kResolutionRule;
     finding.file = definition.files.front();
     finding.message = OneLine(message);
+    finding.excerpt = Host::ExplainParseBox(message, "    ");
     const ResolutionPlace place = FindResolutionPlace(message, definition);
     if (place.format != nullptr) {
         finding.format = ToUtf8(place.format->name);

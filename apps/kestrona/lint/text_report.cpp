@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <string_view>
+
 namespace Kestrona::Tool::Lint {
 namespace {
 
@@ -29,9 +32,11 @@ const std::map<std::string, ReportForm>& ReportFormNames() {
 std::string TextReport(const Report& report) {
     std::string text;
     for (const Finding& finding : report.findings) {
-        text += fmt::format("{}: {}: {}{} [{}]\n", Place(finding), SeverityName(finding.rule->severity),
-                            finding.field.empty() ? "" : finding.format + "(" + finding.field + "): ", finding.message,
-                            finding.rule->id);
+        const std::string_view shown = finding.excerpt.empty() ? finding.message : finding.excerpt;
+        const std::size_t line_end = std::min(shown.find('\n'), shown.size());
+        text += fmt::format("{}: {}: {}{} [{}]{}\n", Place(finding), SeverityName(finding.rule->severity),
+                            finding.field.empty() ? "" : finding.format + "(" + finding.field + "): ",
+                            shown.substr(0, line_end), finding.rule->id, shown.substr(line_end));
         if (!BringsItsHint(finding)) {
             text += fmt::format("    {}\n", finding.rule->hint);
         }
