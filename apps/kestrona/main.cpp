@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "commands/key_commands.h"
 #include "exit_codes.h"
 
 #include <kestrona/unicode.h>
@@ -29,9 +30,9 @@ void AddDefinition(CLI::App& command, std::string& definition) {
 
 /// The switches of every command that prints records of a format.
 template <typename Options>
-void AddRecordChoice(CLI::App& command, Options& options) {
+void AddRecordChoice(CLI::App& command, Options& options, bool data_is_required = true) {
     command.add_option("--data", options.folders, "Folder of CSV files, one for each format; may be repeated")
-        ->required()
+        ->required(data_is_required)
         ->option_text("FOLDER")
         ->allow_extra_args(false);
     command
@@ -40,7 +41,13 @@ void AddRecordChoice(CLI::App& command, Options& options) {
                     "not 0; may be repeated, and all must hold")
         ->option_text("CONDITION")
         ->allow_extra_args(false);
+    command.add_option("--order", options.order, "Sort by these fields, divided by commas; :desc turns one round")
+        ->delimiter(',')
+        ->option_text("FIELD[:desc],...")
+        ->allow_extra_args(false);
+    command.add_flag("--group-family", options.group_families, "Print members of a family behind their parent");
     command.add_option("--limit", options.limit, "Print at most this many records")->option_text("N");
+    AddKey(command, options.key);
 }
 
 void AddFile(CLI::App& command, std::string& file) {
@@ -100,6 +107,8 @@ int Run(int argc, char** argv) {
         ->add_option("--add", show.added, "Print a further column NAME with the value of EXPRESSION; may be repeated")
         ->option_text("NAME=EXPRESSION")
         ->allow_extra_args(false);
+    CLI::Option* raw = show_command->add_flag("--raw", show.raw, "Print stored values; csv, json and jsonl do so");
+    show_command->add_flag("--text", show.text, "Print display texts; table and markdown do so")->excludes(raw);
     AddOutputForm(*show_command, show.form);
     show_command->callback([&] { code = RunShow(show); });
 
@@ -112,8 +121,42 @@ int Run(int argc, char** argv) {
         ->required();
     eval_command->add_flag("--text", eval.inside_of_text, "The expression is the inside of a text with fields in it");
     AddRecordChoice(*eval_command, eval);
+    eval_command->add_flag("--raw", eval.raw, "Print the stored key; csv, json and jsonl do so");
     AddOutputForm(*eval_command, eval.form);
     eval_command->callback([&] { code = RunEval(eval); });
+
+    TrackOptions track;
+    CLI::App* track_command =
+        app.add_subcommand("track", "Find the way from a format to a field, and print the value there for each record");
+    AddDefinition(*track_command, track.definition);
+    track_command->add_option("TABLE", track.table, "Format to start from")->required();
+    track_command->add_option("TARGET", track.target, "FORMAT.FIELD, or class:NAME for the nearest field of a class")
+        ->required();
+    track_command->add_flag("--lists", track.lists, "Go through lists and matrices, too");
+    AddRecordChoice(*track_command, track, false);
+    CLI::Option* raw_track = track_command->add_flag("--raw", track.raw, "Print stored values in every form");
+    track_command->add_flag("--text", track.text, "Print display texts in every form")->excludes(raw_track);
+    AddOutputForm(*track_command, track.form);
+    track_command->callback([&] { code = RunTrack(track); });
+
+    TranslateExtractOptions extract;
+    TranslateApplyOptions apply;
+    CLI::App* translate_command = app.add_subcommand("translate", "List a definition's texts, or apply filled lists");
+    translate_command->require_subcommand(1);
+    CLI::App* extract_command =
+        translate_command->add_subcommand("extract", "Write the lists KSSERVER.LST and KS_PDB.LST for a translator");
+    AddDefinition(*extract_command, extract.definition);
+    extract_command->add_option("-o,--output", extract.folder, "Folder to write to; the current one without it")
+        ->option_text("FOLDER");
+    extract_command->callback([&] { code = RunTranslateExtract(extract); });
+    CLI::App* apply_command = translate_command->add_subcommand(
+        "apply", "Show a definition's texts as filled lists translate them, and the entries that are of no use");
+    AddDefinition(*apply_command, apply.definition);
+    apply_command->add_option("LIST", apply.lists, "List files")->required();
+    AddOutputForm(*apply_command, apply.form);
+    apply_command->callback([&] { code = RunTranslateApply(apply); });
+
+    AddKeyCommands(app, code);
 
     try {
         app.parse(argc, argv);

@@ -3,9 +3,11 @@
 #include <kestrona/column.h>
 #include <kestrona/store.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// \file
@@ -66,18 +68,26 @@ public:
 protected:
     CachedTextSort(IMemoryResidentData& store, std::int32_t format, std::int32_t field, bool ascending);
 
-    /// Returns bytes whose order is that of the record's text.
-    virtual std::string MakeKey(std::int32_t record) = 0;
+    /// Appends bytes to `keys` whose order is that of the record's text.
+    virtual void AppendKey(std::int32_t record, std::string& keys) = 0;
 
     IMemoryResidentData& store_;
     std::int32_t format_;
     std::int32_t field_;
 
 private:
-    const std::string& Key(std::int32_t record);
+    struct Place {
+        std::size_t begin = 0;
+        std::size_t size = std::string::npos; ///< Of a key that has not been made.
+    };
+
+    void MakeKey(std::int32_t record);
+    /// Requires: the key has been made. Making another one ends the view.
+    [[nodiscard]] std::string_view Key(std::int32_t record) const;
 
     bool ascending_;
-    std::vector<std::unique_ptr<std::string>> keys_;
+    std::string keys_; ///< One behind the other, so that no key has memory of its own.
+    std::vector<Place> places_;
 };
 
 /// By the display texts of a field (`KSDLL_FieldToTString`), in the order of their UTF-16 code units.
@@ -86,7 +96,7 @@ public:
     StringSort(IMemoryResidentData& store, std::int32_t format, std::int32_t field, bool ascending);
 
 private:
-    std::string MakeKey(std::int32_t record) override;
+    void AppendKey(std::int32_t record, std::string& keys) override;
 };
 
 /// By the strings of a FREE FORMAT field under `KSDLL_FirstFilesFirst`, in the locale of the store.
@@ -95,7 +105,7 @@ public:
     FreeFormatSort(IMemoryResidentData& store, std::int32_t format, std::int32_t field, bool ascending);
 
 private:
-    std::string MakeKey(std::int32_t record) override;
+    void AppendKey(std::int32_t record, std::string& keys) override;
 
     std::uint32_t locale_;
 };

@@ -66,31 +66,29 @@ int CompareForPeople(std::uint32_t locale, std::wstring_view left, std::wstring_
                         static_cast<std::int32_t>(b.size()));
 }
 
-std::string SortKeyForPeople(std::uint32_t locale, std::wstring_view text) {
+void AppendSortKeyForPeople(std::uint32_t locale, std::wstring_view text, std::string& keys) {
     const std::u16string units = ToUtf16(text);
-    std::string key;
     if (const UCollator* const collator = CollatorOf(locale)) {
-        key.resize(units.size() * 4 + 16);
-        const auto make = [&] {
-            return ucol_getSortKey(collator, units.data(), static_cast<std::int32_t>(units.size()),
-                                   reinterpret_cast<std::uint8_t*>(key.data()), static_cast<std::int32_t>(key.size()));
+        const std::size_t begin = keys.size();
+        const auto make = [&](std::size_t room) {
+            keys.resize(begin + room);
+            return static_cast<std::size_t>(
+                ucol_getSortKey(collator, units.data(), static_cast<std::int32_t>(units.size()),
+                                reinterpret_cast<std::uint8_t*>(keys.data() + begin), static_cast<std::int32_t>(room)));
         };
-        const auto length = static_cast<std::size_t>(make());
-        const bool fits = length <= key.size();
-        key.resize(length);
-        if (!fits) {
-            make();
+        const std::size_t room = units.size() * 4 + 16;
+        const std::size_t length = make(room);
+        if (length > room) {
+            make(length);
         }
+        keys.resize(begin + length);
     }
     // The key ends with a zero byte and has none inside, so the code units only decide between equal keys.
-    AppendCodeUnits(units, key);
-    return key;
+    AppendCodeUnits(units, keys);
 }
 
-std::string CodeUnitSortKey(std::wstring_view text) {
-    std::string key;
-    AppendCodeUnits(ToUtf16(text), key);
-    return key;
+void AppendCodeUnitSortKey(std::wstring_view text, std::string& keys) {
+    AppendCodeUnits(ToUtf16(text), keys);
 }
 
 } // namespace Kestrona::Platform

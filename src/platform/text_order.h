@@ -10,10 +10,11 @@ namespace Kestrona::Platform {
 // Negative, 0 or positive; 0 also for texts that the collation does not tell apart.
 int CompareForPeople(std::uint32_t locale, std::wstring_view left, std::wstring_view right);
 
-// Bytes whose order is that of CompareForPeople; where that finds texts equal, the order of their UTF-16 code units.
-std::string SortKeyForPeople(std::uint32_t locale, std::wstring_view text);
+// Appends bytes whose order is that of CompareForPeople; where that finds texts equal, the order of their UTF-16 code
+// units.
+void AppendSortKeyForPeople(std::uint32_t locale, std::wstring_view text, std::string& keys);
 
-// Bytes whose order is that of the text's UTF-16 code units.
-std::string CodeUnitSortKey(std::wstring_view text);
+// Appends bytes whose order is that of the text's UTF-16 code units.
+void AppendCodeUnitSortKey(std::wstring_view text, std::string& keys);
 
 } // namespace Kestrona::Platform

@@ -51,28 +51,34 @@ CachedTextSort::CachedTextSort(IMemoryResidentData& store, std::int32_t format, 
       format_(format),
       field_(field),
       ascending_(ascending),
-      keys_(static_cast<std::size_t>(store.GetCurrentDbSize(format))) {}
+      places_(static_cast<std::size_t>(store.GetCurrentDbSize(format))) {}
 
 CachedTextSort::~CachedTextSort() = default;
 
-const std::string& CachedTextSort::Key(std::int32_t record) {
-    std::unique_ptr<std::string>& key = keys_.at(static_cast<std::size_t>(record));
-    if (!key) {
-        key = std::make_unique<std::string>(MakeKey(record));
+void CachedTextSort::MakeKey(std::int32_t record) {
+    Place& place = places_.at(static_cast<std::size_t>(record));
+    if (place.size == std::string::npos) {
+        place.begin = keys_.size();
+        AppendKey(record, keys_);
+        place.size = keys_.size() - place.begin;
     }
-    return *key;
+}
+
+std::string_view CachedTextSort::Key(std::int32_t record) const {
+    const Place& place = places_[static_cast<std::size_t>(record)];
+    return std::string_view(keys_).substr(place.begin, place.size);
 }
 
 bool CachedTextSort::Compare(std::int32_t reverse, const std::int32_t& first, const std::int32_t& second) {
+    MakeKey(first);
+    MakeKey(second);
     return Answer(reverse, ascending_, Key(first), Key(second));
 }
 
 void CachedTextSort::SortStably(std::vector<std::int32_t>& records) {
+    std::ranges::for_each(records, [this](std::int32_t r) { MakeKey(r); });
     std::vector<NumberedText> texts(records.size());
-    std::ranges::transform(records, texts.begin(), [&](std::int32_t r) {
-        const std::string& key = Key(r);
-        return NumberedText{HeadOf(key), &key, r};
-    });
+    std::ranges::transform(records, texts.begin(), [this](std::int32_t r) { return NumberedText{0, Key(r), r}; });
     MemoryResident::SortStably(texts, ascending_);
     std::ranges::transform(texts, records.begin(), &NumberedText::record);
 }
@@ -80,16 +86,16 @@ void CachedTextSort::SortStably(std::vector<std::int32_t>& records) {
 StringSort::StringSort(IMemoryResidentData& store, std::int32_t format, std::int32_t field, bool ascending)
     : CachedTextSort(store, format, field, ascending) {}
 
-std::string StringSort::MakeKey(std::int32_t record) {
-    return Platform::CodeUnitSortKey(KSDLL_FieldToTString(store_, format_, field_, record));
+void StringSort::AppendKey(std::int32_t record, std::string& keys) {
+    Platform::AppendCodeUnitSortKey(KSDLL_FieldToTString(store_, format_, field_, record), keys);
 }
 
 FreeFormatSort::FreeFormatSort(IMemoryResidentData& store, std::int32_t format, std::int32_t field, bool ascending)
     : CachedTextSort(store, format, field, ascending),
       locale_(store.GetLCID()) {}
 
-std::string FreeFormatSort::MakeKey(std::int32_t record) {
-    return Platform::SortKeyForPeople(locale_, store_.GetDbString(format_, field_, record));
+void FreeFormatSort::AppendKey(std::int32_t record, std::string& keys) {
+    Platform::AppendSortKeyForPeople(locale_, store_.GetDbString(format_, field_, record), keys);
 }
 
 std::int32_t ParentSort::Parent(std::int32_t record) const {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <vector>
 
 // Sorting record numbers by keys that were taken beforehand.
@@ -20,14 +20,12 @@ void SortStably(std::vector<NumberedKey>& keys);
 std::uint64_t OrderedBits(double value);
 
 struct NumberedText {
-    std::uint64_t head; // the first bytes, which decide most comparisons
-    const std::string* text;
+    std::uint64_t key; // eight bytes of the text at a time, for the sort
+    std::string_view text;
     std::int32_t record;
 };
 
-std::uint64_t HeadOf(const std::string& text);
-
-// Sorts by text, byte by byte; equal texts keep their order.
+// Sorts by text, byte by byte; equal texts keep their order. The key is overwritten.
 void SortStably(std::vector<NumberedText>& texts, bool ascending);
 
 } // namespace Kestrona::Data::MemoryResident

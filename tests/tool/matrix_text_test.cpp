@@ -5,6 +5,12 @@
 namespace Kestrona::Tool {
 namespace {
 
+ElementReader ReaderOf(ValueForm form) {
+    return [form](std::string_view text, std::string& problem) {
+        return ParseCell(text, form, problem);
+    };
+}
+
 constexpr MatrixSize kList{};
 constexpr MatrixSize kRowOfThree{MatrixShape::Row, 1, 3};
 constexpr MatrixSize kTwoByThree{MatrixShape::Square, 2, 3};
@@ -27,7 +33,7 @@ TEST(MatrixText, ReadsRowAfterRow) {
     };
     for (const Case& c : cases) {
         std::string problem;
-        const auto values = ParseMatrix(c.text, c.size, c.form, problem);
+        const auto values = ParseMatrix(c.text, c.size, ReaderOf(c.form), problem);
         ASSERT_TRUE(values) << c.text << ": " << problem;
         EXPECT_EQ(*values, c.values) << c.text;
     }
@@ -51,7 +57,7 @@ TEST(MatrixText, TellsWhatDoesNotFit) {
     };
     for (const Case& c : cases) {
         std::string problem;
-        EXPECT_FALSE(ParseMatrix(c.text, c.size, ValueForm::Number, problem)) << c.text;
+        EXPECT_FALSE(ParseMatrix(c.text, c.size, ReaderOf(ValueForm::Number), problem)) << c.text;
         EXPECT_EQ(problem, c.problem) << c.text;
     }
 }

@@ -4,10 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <sstream>
+#include <string>
+#include <tuple>
 
 namespace Kestrona::Tool {
 namespace {
@@ -116,6 +120,62 @@ TEST(RealData, EveryWorkOrderIsStockedByItsRule) {
         ASSERT_EQ(shown[row].at("Difference"), "0") << row;
     }
     EXPECT_EQ(RunOver(data, "show", {"WorkOrder", "--where", "{#StockedQty} != (" + rule + ")"}).size(), 0U);
+}
+
+// Days in the ISO form sort like texts, and products by the text of their number.
+TEST(RealData, WorkOrdersComeSortedByDueDateProductAndQuantity) {
+    const std::string data = DataFolder();
+    if (data.empty()) {
+        return;
+    }
+    Rows source = ReadRows(data + "/derived-csv/Production.WorkOrder.csv");
+    std::ranges::stable_sort(source, [](const auto& a, const auto& b) {
+        const auto key = [](const auto& row) {
+            return std::tuple(row.at("DueDate"), row.at("ProductID"), -std::stoi(row.at("OrderQty")));
+        };
+        return key(a) < key(b);
+    });
+    const Rows sorted = RunOver(data, "show", {"WorkOrder", "--order", "DueDate,ProductID,OrderQty:desc"});
+    ASSERT_EQ(sorted.size(), source.size());
+    for (std::size_t row = 0; row < source.size(); ++row) {
+        ASSERT_EQ(sorted[row].at("WorkOrderID"), source[row].at("WorkOrderID")) << row;
+    }
+}
+
+/// The texts of one column of a file without a heading, by the numbers of the first.
+std::map<std::string, std::string> ReadNames(const std::string& path) {
+    std::map<std::string, std::string> names;
+    std::istringstream lines(ReadFile(path));
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream cells(line);
+        std::string number;
+        std::string name;
+        std::getline(cells, number, '\t');
+        std::getline(cells, name, '\t');
+        names[number] = name;
+    }
+    return names;
+}
+
+TEST(RealData, EveryRoutingKnowsItsWorkCentreAndProduct) {
+    const std::string data = DataFolder();
+    if (data.empty()) {
+        return;
+    }
+    const auto locations = ReadNames(data + "/raw-tsv-2017/Location.csv");
+    const auto products = ReadNames(data + "/raw-tsv-2017/Product.csv");
+    const Rows source = ReadRows(data + "/derived-csv/Production.WorkOrderRouting.csv");
+    const Rows shown =
+        RunOver(data, "show", {"WorkOrderRouting", "--columns", "LocationID.Name,WorkOrderID.ProductID.Name"});
+    const Rows tracked = RunOver(data, "track", {"WorkOrderRouting", "Location.Name"});
+    ASSERT_EQ(shown.size(), source.size());
+    ASSERT_EQ(tracked.size(), source.size());
+    for (std::size_t row = 0; row < source.size(); ++row) {
+        const std::string& location = locations.at(source[row].at("LocationID"));
+        ASSERT_EQ(shown[row].at("LocationID.Name"), location) << row;
+        ASSERT_EQ(tracked[row].at("Location.Name"), location) << row;
+        ASSERT_EQ(shown[row].at("WorkOrderID.ProductID.Name"), products.at(source[row].at("ProductID"))) << row;
+    }
 }
 
 } // namespace

@@ -22,13 +22,14 @@ std::string Quoted(const std::string& argument) {
 
 } // namespace
 
-ToolRun RunTool(const std::vector<std::string>& arguments) {
+ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& input) {
     const std::string folder = FreshFolder("run");
+    WriteFile(folder + "/in", input);
     std::string command = Quoted(KESTRONA_TOOL);
     for (const std::string& argument : arguments) {
         command += ' ' + Quoted(argument);
     }
-    command += " >" + Quoted(folder + "/out") + " 2>" + Quoted(folder + "/err") + " </dev/null";
+    command += " >" + Quoted(folder + "/out") + " 2>" + Quoted(folder + "/err") + " <" + Quoted(folder + "/in");
     const int status = std::system(command.c_str());
     ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder + "/out"), ReadFile(folder + "/err")};
     std::filesystem::remove_all(folder);

@@ -12,8 +12,8 @@ struct ToolRun {
     std::string err;
 };
 
-/// Runs the built tool and waits for it.
-ToolRun RunTool(const std::vector<std::string>& arguments);
+/// Runs the built tool and waits for it. `input` is its stdin.
+ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& input = {});
 
 /// Makes a fresh folder below the tests' scratch folder.
 std::string FreshFolder(const std::string& name);

@@ -61,9 +61,10 @@ std::optional<std::vector<NamedExpression>> ParseAddedColumns(IMemoryResidentDat
     return columns;
 }
 
-AddedColumns::AddedColumns(IMemoryResidentData& store, std::int32_t format, const std::vector<std::int32_t>& fields,
-                           std::vector<NamedExpression> added, const std::vector<std::int32_t>& records)
-    : fields_(store, format, fields, records),
+AddedColumns::AddedColumns(IMemoryResidentData& store, const std::vector<FollowedField>& fields,
+                           std::vector<NamedExpression> added, const std::vector<std::int32_t>& records,
+                           CellStyle style)
+    : fields_(store, fields, records, style),
       added_(std::move(added)),
       records_(records),
       columns_(fields_.Columns()) {

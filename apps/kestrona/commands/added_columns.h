@@ -31,9 +31,8 @@ ParseAddedColumns(Data::MemoryResident::IMemoryResidentData& store, std::int32_t
 /// printed.
 class AddedColumns : public TableSource {
 public:
-    AddedColumns(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
-                 const std::vector<std::int32_t>& fields, std::vector<NamedExpression> added,
-                 const std::vector<std::int32_t>& records);
+    AddedColumns(Data::MemoryResident::IMemoryResidentData& store, const std::vector<FollowedField>& fields,
+                 std::vector<NamedExpression> added, const std::vector<std::int32_t>& records, CellStyle style);
 
     [[nodiscard]] const std::vector<OutputColumn>& Columns() const override { return columns_; }
 

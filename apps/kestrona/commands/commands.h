@@ -1,5 +1,6 @@
 #pragma once
 
+#include "encryption.h"
 #include "lint/report_writer.h"
 #include "output/table_writer.h"
 
@@ -51,12 +52,17 @@ int RunDocs(const DocsOptions& options);
 
 struct ShowOptions {
     std::string definition;
+    KeyOptions key;
     std::vector<std::string> folders;
     std::string table;
     OutputForm form = OutputForm::Table;
     std::vector<std::string> conditions; ///< `FIELD=VALUE` and the like, or expressions; all must hold.
     std::vector<std::string> columns;    ///< Fields to print, in this order; empty for all.
     std::vector<std::string> added;      ///< `NAME=EXPRESSION`: columns behind the fields.
+    std::vector<std::string> order;      ///< `FIELD[:desc]`: fields to sort by.
+    bool group_families = false;         ///< Members of a family stand behind their parent.
+    bool raw = false;  ///< Print stored values in every output form.
+    bool text = false; ///< Print display texts in every output form.
     std::size_t limit = 0;               ///< Most rows to print; 0 for all.
 };
 
@@ -65,16 +71,57 @@ int RunShow(const ShowOptions& options);
 
 struct EvalOptions {
     std::string definition;
+    KeyOptions key;
     std::vector<std::string> folders;
     std::string table;
     std::string expression;
     bool inside_of_text = false; ///< The expression is the inside of a text.
+    bool raw = false;            ///< Print the stored key in every output form.
     OutputForm form = OutputForm::Table;
     std::vector<std::string> conditions; ///< Like those of `ShowOptions`.
+    std::vector<std::string> order;      ///< Likewise.
+    bool group_families = false;
     std::size_t limit = 0;               ///< Most rows to print; 0 for all.
 };
 
 /// Loads a definition and folders of CSV files, and prints an expression's value for each record of a format.
 int RunEval(const EvalOptions& options);
+
+struct TrackOptions {
+    std::string definition;
+    KeyOptions key;
+    std::vector<std::string> folders; ///< Without one only the path is told.
+    std::string table;
+    std::string target; ///< `FORMAT.FIELD`, or `class:` and the name of a class.
+    bool lists = false; ///< Go through lists, too.
+    bool raw = false;
+    bool text = false;
+    OutputForm form = OutputForm::Table;
+    std::vector<std::string> conditions; ///< Like those of `ShowOptions`.
+    std::vector<std::string> order;
+    bool group_families = false;
+    std::size_t limit = 0;
+};
+
+/// Finds the path of references from a format to a field, tells it step by step, and prints the value at its end for
+/// each record.
+int RunTrack(const TrackOptions& options);
+
+struct TranslateExtractOptions {
+    std::string definition;
+    std::string folder = "."; ///< Where the lists go.
+};
+
+/// Writes the lists of the definition's texts for a translator to fill in.
+int RunTranslateExtract(const TranslateExtractOptions& options);
+
+struct TranslateApplyOptions {
+    std::string definition;
+    std::vector<std::string> lists;
+    OutputForm form = OutputForm::Table;
+};
+
+/// Tells what filled lists make of the definition's texts.
+int RunTranslateApply(const TranslateApplyOptions& options);
 
 } // namespace Kestrona::Tool

@@ -40,7 +40,7 @@ std::optional<RecordExpression> ParseOrTell(IMemoryResidentData& store, std::int
 
 int RunEval(const EvalOptions& options) {
     Session session;
-    if (const int code = session.Load(options.definition); code != kExitGood) {
+    if (const int code = session.Load(options.definition, options.key); code != kExitGood) {
         return code;
     }
     auto& store = session.Store();
@@ -50,14 +50,21 @@ int RunEval(const EvalOptions& options) {
     }
     auto expression = ParseOrTell(store, format, options);
     auto filter = RecordFilter::Parse(store, format, options.conditions);
-    if (!expression || !filter) {
+    auto order = ParseOrder(store, format, options.order, options.group_families);
+    if (!expression || !filter || !order) {
         return kExitUsage;
     }
     const int code = ImportFolders(store, options.folders);
     if (code == kExitUnreadableInput) {
         return code;
     }
-    RecordPrint print{{store.GetDbKey(format)}, {}, std::move(*filter), options.limit, options.form};
+    RecordPrint print{{OwnField(store, format, store.GetDbKey(format))},
+                      {},
+                      std::move(*filter),
+                      options.limit,
+                      options.form,
+                      StyleFor(options.form, options.raw, false)};
+    print.order = std::move(*order);
     print.added.push_back({ColumnName(store, format), std::move(*expression)});
     return PrintRecords(store, format, std::move(print)) ? code : kExitUnreadableInput;
 }

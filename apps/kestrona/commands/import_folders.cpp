@@ -1,6 +1,7 @@
 #include "commands/import_folders.h"
 
 #include "data/data_import.h"
+#include "data/reference_import.h"
 #include "exit_codes.h"
 
 #include <kestrona/unicode.h>
@@ -63,8 +64,8 @@ int TellImport(IMemoryResidentData& store, const std::string& folder, const Impo
     return code;
 }
 
-/// Prints the matrices that did not fit. Returns whether there are any.
-bool TellMatrices(const std::vector<ImportedFile>& files, const std::vector<Rejection>& rejections) {
+/// Prints the cells that did not fit in the end. Returns whether there are any.
+bool TellPending(const std::vector<ImportedFile>& files, const std::vector<Rejection>& rejections) {
     for (const ImportedFile& file : files) {
         TellRejections(file, rejections);
     }
@@ -93,7 +94,9 @@ int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& fo
         code = std::max(code, TellImport(store, folder, report));
         std::ranges::move(report.files, std::back_inserter(files));
     }
-    if (TellMatrices(files, FillMatrices(store, files))) {
+    std::vector<Rejection> rejections = ResolveReferences(store, files);
+    std::ranges::move(FillMatrices(store, files), std::back_inserter(rejections));
+    if (TellPending(files, rejections)) {
         code = std::max<int>(code, kExitFindings);
     }
     TellReferences(store);

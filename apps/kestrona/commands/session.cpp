@@ -33,6 +33,11 @@ int Session::Load(const std::string& definition) {
     return kExitFindings;
 }
 
+int Session::Load(const std::string& definition, const KeyOptions& key) {
+    const int code = SetUpKey(key);
+    return code == kExitGood ? Load(definition) : code;
+}
+
 Data::MemoryResident::MemoryResidentData& Session::Store() {
     return host_.Store();
 }

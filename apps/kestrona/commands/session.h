@@ -1,5 +1,7 @@
 #pragma once
 
+#include "encryption.h"
+
 #include <kestrona/host/default_host.h>
 #include <kestrona/store.h>
 
@@ -19,6 +21,8 @@ public:
 
     /// Loads a definition and prints its findings to stderr. Returns an exit code.
     int Load(const std::string& definition);
+    /// Likewise, and sets the key of encrypted fields up before.
+    int Load(const std::string& definition, const KeyOptions& key);
 
     /// Requires: `Load` gave `kExitGood`.
     [[nodiscard]] Data::MemoryResident::MemoryResidentData& Store();

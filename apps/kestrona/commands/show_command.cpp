@@ -9,7 +9,6 @@
 
 #include <fmt/format.h>
 
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -18,42 +17,36 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-std::string JoinedNames(const std::map<std::string, std::int32_t>& fields) {
-    std::string names;
-    for (const auto& [name, field] : fields) {
-        names += (names.empty() ? "" : ", ") + name;
+/// Joins the names of the fields without values in `left_out`.
+std::vector<FollowedField> AllFields(IMemoryResidentData& store, std::int32_t format, std::string& left_out) {
+    std::vector<FollowedField> fields;
+    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+        FollowedField own = OwnField(store, format, field);
+        if (IsShown(store, format, field)) {
+            fields.push_back(std::move(own));
+        } else {
+            left_out += (left_out.empty() ? "" : ", ") + own.name;
+        }
     }
-    return names;
+    return fields;
 }
 
 /// The fields to show; an empty list of names stands for all that have something to print.
-std::optional<std::vector<std::int32_t>> ChooseFields(IMemoryResidentData& store, std::int32_t format,
-                                                      const std::vector<std::string>& names, std::string& left_out) {
-    std::vector<std::int32_t> fields;
-    std::map<std::string, std::int32_t> known;
-    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        std::string name = ToUtf8(store.GetColumnName(format, field));
-        if (IsShown(store, format, field)) {
-            fields.push_back(field);
-            known.emplace(std::move(name), field);
-        } else {
-            left_out += (left_out.empty() ? "" : ", ") + name;
-        }
-    }
+std::optional<std::vector<FollowedField>> ChooseFields(IMemoryResidentData& store, std::int32_t format,
+                                                       const std::vector<std::string>& names, std::string& left_out) {
     if (names.empty()) {
-        return fields;
+        return AllFields(store, format, left_out);
     }
-    fields.clear();
+    std::vector<FollowedField> fields;
     for (const std::string& name : names) {
-        const auto found = known.find(name);
-        if (found == known.end()) {
-            fmt::print(stderr, "kestrona: error: '{}' is no field with values to show; there are {}\n", name,
-                       JoinedNames(known));
+        std::string problem;
+        auto field = ParseFollowedField(store, format, name, problem);
+        if (!field) {
+            fmt::print(stderr, "kestrona: error: {}\n", problem);
             return std::nullopt;
         }
-        fields.push_back(found->second);
+        fields.push_back(std::move(*field));
     }
-    left_out.clear();
     return fields;
 }
 
@@ -61,7 +54,7 @@ std::optional<std::vector<std::int32_t>> ChooseFields(IMemoryResidentData& store
 
 int RunShow(const ShowOptions& options) {
     Session session;
-    if (const int code = session.Load(options.definition); code != kExitGood) {
+    if (const int code = session.Load(options.definition, options.key); code != kExitGood) {
         return code;
     }
     auto& store = session.Store();
@@ -73,7 +66,8 @@ int RunShow(const ShowOptions& options) {
     auto fields = ChooseFields(store, format, options.columns, left_out);
     auto added = ParseAddedColumns(store, format, options.added);
     auto filter = RecordFilter::Parse(store, format, options.conditions);
-    if (!fields || !added || !filter) {
+    auto order = ParseOrder(store, format, options.order, options.group_families);
+    if (!fields || !added || !filter || !order) {
         return kExitUsage;
     }
     const int code = ImportFolders(store, options.folders);
@@ -81,7 +75,8 @@ int RunShow(const ShowOptions& options) {
         return code;
     }
     if (!PrintRecords(store, format,
-                      {std::move(*fields), std::move(*added), std::move(*filter), options.limit, options.form})) {
+                      {std::move(*fields), std::move(*added), std::move(*filter), options.limit, options.form,
+                       StyleFor(options.form, options.raw, options.text), std::move(*order)})) {
         return kExitUnreadableInput;
     }
     if (!left_out.empty()) {

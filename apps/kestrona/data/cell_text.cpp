@@ -24,14 +24,6 @@ constexpr double kLastDay = 2958466.0;
 /// Days from the epoch to 1 January of the year 1.
 constexpr double kFirstDay = -693593.0;
 
-std::string_view Trim(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 std::optional<double> ParseNumber(std::string_view text) {
     if (text.substr(0, 1) == "+") {
         text.remove_prefix(1);
@@ -152,6 +144,14 @@ std::string CellText(Data::MemoryResident::IMemoryResidentData& store, std::int3
     return ValueText(store.GetDbValue(format, field, record), form);
 }
 
+std::string_view TrimCell(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
 std::string ValueText(double value, ValueForm form) {
     if (HasUnset(form) && value == kUnset) {
         return {};
@@ -160,7 +160,7 @@ std::string ValueText(double value, ValueForm form) {
 }
 
 std::optional<double> ParseCell(std::string_view text, ValueForm form, std::string& problem) {
-    text = Trim(text);
+    text = TrimCell(text);
     if (text.empty() && HasUnset(form)) {
         return kUnset;
     }

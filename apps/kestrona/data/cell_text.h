@@ -42,6 +42,9 @@ enum class ValueForm {
 [[nodiscard]] std::string CellText(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                    std::int32_t field, std::int32_t record, ValueForm form);
 
+/// Returns the text without the blanks, tabs and carriage returns around it.
+[[nodiscard]] std::string_view TrimCell(std::string_view text);
+
 /// Returns a value of a form other than `Text`, "" for an unset one.
 [[nodiscard]] std::string ValueText(double value, ValueForm form);
 

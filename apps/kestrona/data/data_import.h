@@ -21,8 +21,8 @@ struct Rejection {
     std::string reason;
 };
 
-/// A list or a matrix that a file holds for a record.
-struct MatrixCell {
+/// A cell of a record that waits until all formats hold their records.
+struct PendingCell {
     std::int32_t record = -1;
     std::int32_t field = -1;
     std::size_t line = 0;
@@ -33,9 +33,10 @@ struct MatrixCell {
 struct ImportedFile {
     std::string file;
     std::int32_t format = -1;
-    std::size_t rows = 0;             ///< Records made.
-    std::size_t rejected_rows = 0;    ///< Rows left out.
-    std::vector<MatrixCell> matrices; ///< Waiting for the formats that dimension them.
+    std::size_t rows = 0;                ///< Records made.
+    std::size_t rejected_rows = 0;       ///< Rows left out.
+    std::vector<PendingCell> matrices;   ///< Waiting for the formats that dimension them.
+    std::vector<PendingCell> references; ///< Texts, waiting for the records that they belong to.
     std::vector<std::string> notes;
     std::string error; ///< Not empty when the file ended early or could not be read.
     bool unreadable = false;

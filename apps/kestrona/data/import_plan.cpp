@@ -1,6 +1,7 @@
 #include "data/import_plan.h"
 
 #include "data/matrix_text.h"
+#include "data/reference_texts.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
@@ -30,6 +31,8 @@ bool IsImported(IMemoryResidentData& store, std::int32_t format, std::int32_t fi
 PlannedColumn ColumnFor(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     PlannedColumn column{field, FormOfField(store, format, field), 0, ToUtf8(store.GetColumnName(format, field))};
     column.matrix = KeepsMatrices(store, format, field);
+    column.has_texts =
+        column.form == ValueForm::Reference && field != store.GetDbKey(format) && TargetOf(store, format, field);
     if (column.form == ValueForm::Text && !column.matrix) {
         column.max_length =
             static_cast<std::size_t>(std::max(0, store.GetDbData(format, field, DataSlot::kMaxTextLength)));

@@ -16,7 +16,8 @@ struct PlannedColumn {
     ValueForm form = ValueForm::Text;
     std::size_t max_length = 0; ///< UTF-16 units of a text; 0 for no limit.
     std::string name;
-    bool matrix = false; ///< The cells are lists or matrices.
+    bool matrix = false;    ///< The cells are lists or matrices.
+    bool has_texts = false; ///< Texts of other records may stand in place of keys.
 };
 
 struct ImportPlan {

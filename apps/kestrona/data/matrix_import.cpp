@@ -1,6 +1,8 @@
 // Implements: FillMatrices.
 #include "data/data_import.h"
+#include "data/display_text.h"
 #include "data/matrix_text.h"
+#include "data/reference_texts.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/matrices.h>
@@ -16,6 +18,7 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
+constexpr double kUnset = -1.0;
 constexpr std::uint64_t kMostElements = 0x7FFFFFFE;
 
 std::uint64_t Elements(const MatrixSize& size) {
@@ -30,8 +33,22 @@ void CreateMatrices(IMemoryResidentData& store, std::int32_t format, std::int32_
     }
 }
 
+/// Reads the entries of a list or matrix, also those that are the texts of records.
+ElementReader ReaderOf(IMemoryResidentData& store, ReferenceTexts& texts, std::int32_t format, std::int32_t field) {
+    const ValueForm form = FormOfElement(store, format, field);
+    const bool has_texts = form == ValueForm::Reference && TargetOf(store, format, field);
+    return [&store, &texts, format, field, form, has_texts](std::string_view text, std::string& problem) {
+        if (HasUnset(form) && TrimCell(text) == kUnsetEntry) {
+            return std::optional(kUnset);
+        }
+        const std::optional<double> value = ReadCell(store, format, field, form, text, problem);
+        return value || !has_texts ? value : texts.Key(format, field, text, problem);
+    };
+}
+
 /// Returns what is wrong with the cell, "" for a good one.
-std::string FillMatrix(IMemoryResidentData& store, std::int32_t format, const MatrixCell& cell) {
+std::string FillMatrix(IMemoryResidentData& store, ReferenceTexts& texts, std::int32_t format,
+                       const PendingCell& cell) {
     if (store.ClassDefined(format, cell.field, Classes::kCommonMatrix) && cell.record != 0) {
         return "stands below the first record, but the format has one matrix for all";
     }
@@ -40,7 +57,7 @@ std::string FillMatrix(IMemoryResidentData& store, std::int32_t format, const Ma
         return "belongs to a matrix that is too large";
     }
     std::string problem;
-    const auto values = ParseMatrix(cell.text, size, FormOfElement(store, format, cell.field), problem);
+    const auto values = ParseMatrix(cell.text, size, ReaderOf(store, texts, format, cell.field), problem);
     if (!values) {
         return problem;
     }
@@ -60,6 +77,7 @@ std::vector<Rejection> FillMatrices(IMemoryResidentData& store, const std::vecto
         last_files[file.format] = &file;
     }
     std::vector<Rejection> rejections;
+    ReferenceTexts texts(store);
     for (const auto& [format, file] : last_files) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             if (KeepsMatrices(store, format, field) &&
@@ -67,8 +85,8 @@ std::vector<Rejection> FillMatrices(IMemoryResidentData& store, const std::vecto
                 CreateMatrices(store, format, field);
             }
         }
-        for (const MatrixCell& cell : file->matrices) {
-            std::string problem = FillMatrix(store, format, cell);
+        for (const PendingCell& cell : file->matrices) {
+            std::string problem = FillMatrix(store, texts, format, cell);
             if (!problem.empty()) {
                 rejections.push_back({file->file, cell.line, ToUtf8(store.GetColumnName(format, cell.field)), cell.text,
                                       std::move(problem)});

@@ -34,10 +34,10 @@ std::string_view TakePart(std::string_view& text, char end, bool& last) {
     return part;
 }
 
-bool ParseRow(std::string_view text, ValueForm form, std::vector<double>& values, std::string& problem) {
+bool ParseRow(std::string_view text, const ElementReader& read, std::vector<double>& values, std::string& problem) {
     for (bool last = false; !last;) {
         const std::string_view part = TakePart(text, kValueEnd, last);
-        const std::optional<double> value = ParseCell(part, form, problem);
+        const std::optional<double> value = read(part, problem);
         if (!value) {
             problem = fmt::format("value {} '{}' {}", values.size() + 1, part, problem);
             return false;
@@ -73,9 +73,15 @@ ValueForm FormOfElement(IMemoryResidentData& store, std::int32_t format, std::in
 }
 
 std::string MatrixText(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record) {
+    const ValueForm form = FormOfElement(store, format, field);
+    return JoinMatrix(store, format, field, record,
+                      [form](double value, std::int32_t) { return ElementText(value, form); });
+}
+
+std::string JoinMatrix(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record,
+                       const ElementWriter& write) {
     const std::int32_t size = KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(store, format, field, record));
     const MatrixSize shape = SizeOfMatrix(store, format, field);
-    const ValueForm form = FormOfElement(store, format, field);
     std::string text;
     for (std::int32_t index = 0; index < size; ++index) {
         if (index > 0) {
@@ -83,19 +89,18 @@ std::string MatrixText(IMemoryResidentData& store, std::int32_t format, std::int
                                     static_cast<std::uint32_t>(index) % shape.columns == 0;
             text += row_begins ? kRowEnd : kValueEnd;
         }
-        const auto element = static_cast<std::uint32_t>(index);
-        text += ElementText(KSDLL_GetMatrixValue(store, format, field, record, element), form);
+        text += write(KSDLL_GetMatrixValue(store, format, field, record, static_cast<std::uint32_t>(index)), index);
     }
     return text;
 }
 
-std::optional<std::vector<double>> ParseMatrix(std::string_view text, const MatrixSize& size, ValueForm form,
+std::optional<std::vector<double>> ParseMatrix(std::string_view text, const MatrixSize& size, const ElementReader& read,
                                                std::string& problem) {
     std::vector<double> values;
     std::size_t rows = 0;
     for (bool last = false; !last; ++rows) {
         const std::size_t before = values.size();
-        if (!ParseRow(TakePart(text, kRowEnd, last), form, values, problem)) {
+        if (!ParseRow(TakePart(text, kRowEnd, last), read, values, problem)) {
             return std::nullopt;
         }
         if (size.shape != MatrixShape::List && values.size() - before != size.columns) {

@@ -5,6 +5,7 @@
 #include <kestrona/memory_resident_data.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -45,9 +46,18 @@ struct MatrixSize {
 [[nodiscard]] std::string MatrixText(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                      std::int32_t field, std::int32_t record);
 
+/// The text of a value and its place in the list or matrix.
+using ElementWriter = std::function<std::string(double value, std::int32_t index)>;
+/// The same with the texts that `write` gives.
+[[nodiscard]] std::string JoinMatrix(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
+                                     std::int32_t field, std::int32_t record, const ElementWriter& write);
+
+/// Reads one value; says what is wrong through `problem` with an empty result.
+using ElementReader = std::function<std::optional<double>(std::string_view text, std::string& problem)>;
+
 /// Reads the values of a cell that is not empty, row after row. Returns what is wrong through `problem` with an empty
 /// result.
 [[nodiscard]] std::optional<std::vector<double>> ParseMatrix(std::string_view text, const MatrixSize& size,
-                                                             ValueForm form, std::string& problem);
+                                                             const ElementReader& read, std::string& problem);
 
 } // namespace Kestrona::Tool

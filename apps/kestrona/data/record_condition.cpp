@@ -1,14 +1,18 @@
 #include "data/record_condition.h"
 
-#include "data/cell_text.h"
+#include "data/display_text.h"
+#include "data/reference_texts.h"
+#include "encryption.h"
 
 #include <kestrona/record_search.h>
 #include <kestrona/unicode.h>
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 namespace Kestrona::Tool {
@@ -72,6 +76,26 @@ bool IsUnsetMatch(IMemoryResidentData& store, std::int32_t format, const RecordC
            store.GetDbValue(format, condition.field, record) == kUnset;
 }
 
+/// No index knows the text of an encrypted field; it is compared record by record.
+bool IsEncryptedText(IMemoryResidentData& store, std::int32_t format, const RecordCondition& condition) {
+    return condition.is_text && IsEncrypted(store, format, condition.field);
+}
+
+std::vector<std::int32_t> AllRecords(IMemoryResidentData& store, std::int32_t format) {
+    std::vector<std::int32_t> records(static_cast<std::size_t>(store.GetCurrentDbSize(format)));
+    std::iota(records.begin(), records.end(), 0);
+    return records;
+}
+
+/// Says why the encrypted field cannot be compared so, "" when it can.
+std::string WhyNoEncryptedText(IMemoryResidentData& store, std::int32_t format, const RecordCondition& condition) {
+    if (IsLocked(store, format, condition.field)) {
+        return fmt::format("names an encrypted field, and there is no key; {}", kHowToGiveAKey);
+    }
+    const bool sound = condition.comparison == FindOperator::Equal || !IsEncryptedText(store, format, condition);
+    return sound ? "" : "names an encrypted field, which goes with = only";
+}
+
 } // namespace
 
 bool ComparesField(IMemoryResidentData& store, std::int32_t format, std::string_view text) {
@@ -89,15 +113,25 @@ std::optional<RecordCondition> ParseCondition(IMemoryResidentData& store, std::i
         problem = "names a field without one value for each record";
         return std::nullopt;
     }
-    RecordCondition condition{parts->field, parts->comparison, false, 0.0, {}};
+    RecordCondition condition{parts->field, parts->comparison, false, 0.0, {}, {}};
     const ValueForm form = FormOfField(store, format, parts->field);
     if (form == ValueForm::Text) {
         condition.is_text = true;
         condition.text = FromUtf8(parts->value);
-        return condition;
+        problem = WhyNoEncryptedText(store, format, condition);
+        return problem.empty() ? std::optional(condition) : std::nullopt;
     }
     std::string fault;
-    const std::optional<double> number = ParseCell(parts->value, form, fault);
+    const std::optional<double> number = ReadCell(store, format, parts->field, form, parts->value, fault);
+    if (!number && form == ValueForm::Reference && TargetOf(store, format, parts->field)) {
+        if (parts->comparison != FindOperator::Equal) {
+            problem = fmt::format("compares with the text '{}'; a text that a reference is shown by goes with = only",
+                                  parts->value);
+            return std::nullopt;
+        }
+        condition.reference = parts->value;
+        return condition;
+    }
     if (!number) {
         problem = fmt::format("holds '{}', which {}", parts->value, fault);
         return std::nullopt;
@@ -110,18 +144,35 @@ std::vector<std::int32_t> FindRecords(IMemoryResidentData& store, std::int32_t f
                                       std::vector<RecordCondition> conditions) {
     std::vector<std::pair<FieldMatchCriteria, std::vector<double>>> numbers;
     std::vector<std::pair<FieldMatchCriteria, wchar_t*>> texts;
+    ReferenceTexts references(store);
     for (RecordCondition& condition : conditions) {
         const FieldMatchCriteria criteria{condition.field, condition.comparison};
+        if (IsEncryptedText(store, format, condition)) {
+            continue;
+        }
         if (condition.is_text) {
             texts.emplace_back(criteria, condition.text.data());
+        } else if (!condition.reference.empty()) {
+            numbers.emplace_back(criteria, references.Keys(format, condition.field, condition.reference));
+            if (numbers.back().second.empty()) {
+                return {};
+            }
         } else {
             numbers.emplace_back(criteria, std::vector<double>{condition.number});
         }
     }
-    const std::unique_ptr<FindResult> found(KSDLL_LookupRecordsIntersect(store, format, numbers, texts));
-    std::vector<std::int32_t> records(found->begin(), found->end());
+    std::vector<std::int32_t> records = AllRecords(store, format);
+    if (!numbers.empty() || !texts.empty()) {
+        const std::unique_ptr<FindResult> found(KSDLL_LookupRecordsIntersect(store, format, numbers, texts));
+        records.assign(found->begin(), found->end());
+    }
+    std::ranges::sort(records);
     for (const RecordCondition& condition : conditions) {
-        std::erase_if(records, [&](std::int32_t r) { return IsUnsetMatch(store, format, condition, r); });
+        std::erase_if(records, [&](std::int32_t r) {
+            return IsUnsetMatch(store, format, condition, r) ||
+                   (IsEncryptedText(store, format, condition) &&
+                    EncryptedCell(store, format, condition.field, r) != condition.text);
+        });
     }
     return records;
 }

@@ -21,6 +21,7 @@ struct RecordCondition {
     bool is_text = false;
     double number = 0.0;
     std::wstring text;
+    std::string reference; ///< Text of the records referred to, in place of a number; "" for none.
 };
 
 /// Tells whether the text begins with the name of a field and a sign, so that `ParseCondition` is to read it.

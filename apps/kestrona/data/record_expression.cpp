@@ -1,5 +1,7 @@
 #include "data/record_expression.h"
 
+#include "encryption.h"
+
 #include <kestrona/expression_parsing.h>
 #include <kestrona/expression_tree.h>
 #include <kestrona/host/expression_excerpt.h>
@@ -49,6 +51,10 @@ std::optional<RecordExpression> RecordExpression::Parse(IMemoryResidentData& sto
         problem = Host::ExplainFailure(info.Message, info.Expression, info.Position, kIndent);
         return std::nullopt;
     }
+    problem = WhyUnreadable(store, *expression, YieldsText(*expression));
+    if (!problem.empty()) {
+        return std::nullopt;
+    }
     return RecordExpression(store, std::move(expression));
 }
 
@@ -65,7 +71,7 @@ std::vector<double> RecordExpression::Numbers(const std::vector<std::int32_t>& r
 std::string RecordExpression::Text(std::int32_t record) const {
     std::wstring text;
     expression_->Evaluate(*store_, record, -1, &text);
-    return ToUtf8(text);
+    return ToUtf8(WithoutZeros(std::move(text)));
 }
 
 } // namespace Kestrona::Tool

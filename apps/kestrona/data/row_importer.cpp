@@ -1,5 +1,8 @@
 #include "data/row_importer.h"
 
+#include "data/display_text.h"
+#include "encryption.h"
+
 #include <kestrona/types.h>
 #include <kestrona/unicode.h>
 
@@ -11,6 +14,7 @@ namespace Kestrona::Tool {
 namespace {
 
 constexpr std::int32_t kFirstCapacity = 1024;
+constexpr double kUnset = -1.0;
 constexpr std::int32_t kMostRecords = kFirstScratchRecord;
 
 } // namespace
@@ -78,18 +82,27 @@ bool RowImporter::CheckCell(const CsvRow& row, std::size_t column) {
     }
     Value& value = values_[column];
     value.present = true;
+    value.pending = false;
     const bool empty = row.cells[column].find_first_not_of(" \t\r") == std::string::npos;
     if (empty && (plan.field == key_field_ || !HasUnset(plan.form))) {
         // Left at the field's default; a key has none that could serve.
         value.present = false;
         return plan.field != key_field_ || Reject(row, plan.name, "", "the key is missing");
     }
+    return CheckNumber(row, column);
+}
+
+bool RowImporter::CheckNumber(const CsvRow& row, std::size_t column) {
+    const PlannedColumn& plan = plan_.columns[column];
+    Value& value = values_[column];
     std::string problem;
-    const std::optional<double> number = ParseCell(row.cells[column], plan.form, problem);
-    if (!number) {
+    const std::optional<double> number =
+        ReadCell(store_, file_.format, plan.field, plan.form, row.cells[column], problem);
+    if (!number && !plan.has_texts) {
         return Reject(row, plan.name, row.cells[column], problem);
     }
-    value.number = *number;
+    value.number = number.value_or(kUnset);
+    value.pending = !number;
     return true;
 }
 
@@ -109,6 +122,9 @@ bool RowImporter::CheckText(const CsvRow& row, std::size_t column) {
     if (plan.max_length > 0 && Utf16Length(value.text) > plan.max_length) {
         return Reject(row, plan.name, std::string(cell),
                       fmt::format("the text is longer than {} characters", plan.max_length));
+    }
+    if (!value.text.empty() && IsLocked(store_, file_.format, plan.field)) {
+        value.text = FromUtf8(kEncryptedPlaceholder); // so that nothing shows it, calculated fields included
     }
     return true;
 }
@@ -133,7 +149,7 @@ void RowImporter::Write(const CsvRow& row) {
         const PlannedColumn& plan = plan_.columns[column];
         const Value& value = values_[column];
         if (plan.matrix) {
-            KeepMatrix(row, column, record);
+            KeepPending(file_.matrices, row, column, record);
             continue;
         }
         if (plan.field < 0 || !value.present) {
@@ -143,6 +159,9 @@ void RowImporter::Write(const CsvRow& row) {
             store_.SetDbString(file_.format, plan.field, record, value.text);
         } else {
             store_.SetDbValue(file_.format, plan.field, record, value.number);
+            if (value.pending) {
+                KeepPending(file_.references, row, column, record);
+            }
         }
     }
     if (!plan_.has_key) {
@@ -151,10 +170,11 @@ void RowImporter::Write(const CsvRow& row) {
     ++file_.rows;
 }
 
-void RowImporter::KeepMatrix(const CsvRow& row, std::size_t column, std::int32_t record) {
+void RowImporter::KeepPending(std::vector<PendingCell>& cells, const CsvRow& row, std::size_t column,
+                              std::int32_t record) {
     const std::string& cell = row.cells[column];
     if (cell.find_first_not_of(" \t\r") != std::string::npos) {
-        file_.matrices.push_back({record, plan_.columns[column].field, row.line, cell});
+        cells.push_back({record, plan_.columns[column].field, row.line, cell});
     }
 }
 

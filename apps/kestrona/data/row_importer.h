@@ -31,15 +31,17 @@ private:
         double number = 0.0;
         std::wstring text;
         bool present = false;
+        bool pending = false; ///< A text that stands for a key; the number is unset until it is known.
     };
 
     [[nodiscard]] bool Check(const CsvRow& row);
     [[nodiscard]] bool CheckCell(const CsvRow& row, std::size_t column);
+    [[nodiscard]] bool CheckNumber(const CsvRow& row, std::size_t column);
     [[nodiscard]] bool CheckText(const CsvRow& row, std::size_t column);
     [[nodiscard]] bool CheckKey(const CsvRow& row, std::size_t column);
     bool Reject(const CsvRow& row, const std::string& column, const std::string& value, std::string reason);
     void Write(const CsvRow& row);
-    void KeepMatrix(const CsvRow& row, std::size_t column, std::int32_t record);
+    void KeepPending(std::vector<PendingCell>& cells, const CsvRow& row, std::size_t column, std::int32_t record);
     void GrowTo(std::int32_t records);
 
     Data::MemoryResident::IMemoryResidentData& store_;

@@ -108,4 +108,9 @@ std::vector<std::string> ClassNames(Data::MemoryResident::IMemoryResidentData& s
     return names;
 }
 
+std::optional<Class> ClassNamed(std::string_view name) {
+    const auto* const found = std::ranges::find(kNames, name, [](const NamedClass& each) { return each.name; });
+    return found != kNames.end() ? std::optional(found->c) : std::nullopt;
+}
+
 } // namespace Kestrona::Tool

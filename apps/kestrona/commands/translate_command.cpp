@@ -1,0 +1,251 @@
+#include "commands/commands.h"
+#include "commands/session.h"
+#include "exit_codes.h"
+
+#include <kestrona/execution_state.h>
+#include <kestrona/host/translation_list.h>
+#include <kestrona/translation.h>
+#include <kestrona/translation_writer.h>
+#include <kestrona/unicode.h>
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+namespace Kestrona::Tool {
+namespace {
+
+namespace fs = std::filesystem;
+using Host::TranslationList;
+using Host::TranslationListEntry;
+
+constexpr const char* kDefinitionList = "KSSERVER.LST";
+constexpr std::array kLists{kDefinitionList, "KS_PDB.LST"};
+
+int TellUnwritable(const fs::path& path, const std::error_code& failure) {
+    const std::string reason = failure ? failure.message() : "cannot be written";
+    fmt::print(stderr, "kestrona: error: {}: {}\n", path.string(), reason);
+    return kExitUnreadableInput;
+}
+
+/// The load writes its lists into the current directory; this makes it another one for a while.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const fs::path& folder) : before_(fs::current_path()) { fs::current_path(folder); }
+
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+    ~CurrentFolder() {
+        std::error_code ignored;
+        fs::current_path(before_, ignored);
+    }
+
+private:
+    fs::path before_;
+};
+
+/// A new folder for files of no further use.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        std::string name = (fs::temp_directory_path() / "kestrona-XXXXXX").string();
+        path_ = ::mkdtemp(name.data()) == nullptr ? fs::path() : fs::path(name);
+    }
+
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    ~ScratchFolder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+
+    /// Empty when the folder could not be made.
+    [[nodiscard]] const fs::path& Path() const { return path_; }
+
+private:
+    fs::path path_;
+};
+
+/// Loads the definition and leaves its lists in the folder. Returns an exit code.
+int Extract(Session& session, const std::string& definition, const fs::path& folder) {
+    const std::string absolute = fs::absolute(definition).string();
+    int code = kExitGood;
+    {
+        const CurrentFolder current(folder);
+        ExecutionState::Instance().set_ExtractTranslations(true);
+        code = session.Load(absolute);
+        ExecutionState::Instance().set_ExtractTranslations(false);
+        TranslationWriter_Close();
+        DBTranslationWriter_Close();
+    }
+    return code;
+}
+
+/// Lists of an earlier run would pass for new ones where the new ones cannot be written.
+int RemoveOldLists(const fs::path& folder) {
+    for (const char* list : kLists) {
+        std::error_code failure;
+        fs::remove(folder / list, failure);
+        if (failure) {
+            return TellUnwritable(folder / list, failure);
+        }
+    }
+    return kExitGood;
+}
+
+void TellCounts(const fs::path& path, const TranslationList& list) {
+    std::map<std::wstring, std::size_t> sections;
+    for (const TranslationListEntry& entry : list.entries) {
+        ++sections[entry.section];
+    }
+    fmt::print("{}: {} texts\n", path.string(), list.entries.size());
+    for (const auto& [section, count] : sections) {
+        fmt::print("    {}: {}\n", ToUtf8(section), count);
+    }
+}
+
+/// The entries of the lists that the user gave, and where each stands.
+struct GivenEntries {
+    struct Place {
+        std::string file;
+        std::int32_t line = 0;
+        bool used = false;
+    };
+
+    /// By section and text. The first entry of a text is in force.
+    std::map<std::pair<std::wstring, std::wstring>, Place> places;
+    std::size_t open = 0;
+    bool sound = true;
+};
+
+std::string PlaceText(const GivenEntries::Place& place) {
+    return fmt::format("{}:{}", place.file, place.line);
+}
+
+void TakeList(const std::string& file, const TranslationList& list, GivenEntries& given) {
+    for (const Host::Diagnostic& diagnostic : list.diagnostics) {
+        fmt::print(stderr, "{}\n", diagnostic.ToString());
+        given.sound = false;
+    }
+    for (const TranslationListEntry& entry : list.entries) {
+        if (!entry.IsFilledIn()) {
+            ++given.open;
+            continue;
+        }
+        const auto [first, is_new] = given.places.try_emplace({entry.section, entry.text}, file, entry.line);
+        if (!is_new) {
+            fmt::print(stderr, "{}:{}: unused: '{}' has its translation at {}\n", file, entry.line, ToUtf8(entry.text),
+                       PlaceText(first->second));
+        }
+    }
+    Host::ApplyTranslationList(list);
+}
+
+/// Reads and applies the lists. Nothing when one cannot be read.
+std::optional<GivenEntries> TakeLists(const std::vector<std::string>& files) {
+    GivenEntries given;
+    for (const std::string& file : files) {
+        const auto list = Host::ReadTranslationListFile(file);
+        if (!list) {
+            fmt::print(stderr, "kestrona: error: {}: cannot be read\n", file);
+            return std::nullopt;
+        }
+        TakeList(file, *list, given);
+    }
+    return given;
+}
+
+constexpr std::array kColumns{"Section", "Text", "Translation", "Entry"};
+
+/// Fills the table with the definition's texts and what the applied lists make of them.
+void Translate(const TranslationList& texts, GivenEntries& given, ListSource& table) {
+    for (const TranslationListEntry& entry : texts.entries) {
+        const auto found = given.places.find({entry.section, entry.text});
+        const bool applies = found != given.places.end();
+        if (applies) {
+            found->second.used = true;
+        }
+        table.AddRow({ToUtf8(entry.section), ToUtf8(entry.text),
+                      ToUtf8(KSDLL_CheckTranslationEntryT(entry.text, entry.section)),
+                      applies ? PlaceText(found->second) : ""});
+    }
+}
+
+void TellUnused(const GivenEntries& given) {
+    std::size_t used = 0;
+    for (const auto& [key, place] : given.places) {
+        used += place.used ? 1 : 0;
+        if (!place.used) {
+            fmt::print(stderr, "{}: unused: the definition has no text '{}' in the section '{}'\n", PlaceText(place),
+                       ToUtf8(key.second), ToUtf8(key.first));
+        }
+    }
+    fmt::print(stderr, "{} entries apply, {} are unused, {} are not filled in\n", used, given.places.size() - used,
+               given.open);
+}
+
+} // namespace
+
+int RunTranslateExtract(const TranslateExtractOptions& options) {
+    const fs::path folder = fs::absolute(options.folder);
+    std::error_code failure;
+    if (!fs::is_directory(folder, failure)) {
+        return TellUnwritable(folder, failure ? failure : std::make_error_code(std::errc::not_a_directory));
+    }
+    if (const int code = RemoveOldLists(folder); code != kExitGood) {
+        return code;
+    }
+    Session session;
+    if (const int code = Extract(session, options.definition, folder); code != kExitGood) {
+        return code;
+    }
+    for (const char* name : kLists) {
+        const auto list = Host::ReadTranslationListFile((folder / name).string());
+        if (!list) {
+            return TellUnwritable(folder / name, {});
+        }
+        TellCounts(fs::path(options.folder) / name, *list);
+    }
+    return kExitGood;
+}
+
+int RunTranslateApply(const TranslateApplyOptions& options) {
+    const ScratchFolder scratch;
+    if (scratch.Path().empty()) {
+        return TellUnwritable(fs::temp_directory_path(), {});
+    }
+    Session session;
+    if (const int code = Extract(session, options.definition, scratch.Path()); code != kExitGood) {
+        return code;
+    }
+    const auto texts = Host::ReadTranslationListFile((scratch.Path() / kDefinitionList).string());
+    if (!texts) {
+        return TellUnwritable(scratch.Path() / kDefinitionList, {});
+    }
+    auto given = TakeLists(options.lists);
+    if (!given) {
+        return kExitUnreadableInput;
+    }
+    std::vector<OutputColumn> columns;
+    for (const char* name : kColumns) {
+        columns.push_back({name, CellKind::Text});
+    }
+    ListSource table(std::move(columns));
+    Translate(*texts, *given, table);
+    if (!WriteTable(table, options.form, stdout)) {
+        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+        return kExitUnreadableInput;
+    }
+    TellUnused(*given);
+    return given->sound ? kExitGood : kExitFindings;
+}
+
+} // namespace Kestrona::Tool

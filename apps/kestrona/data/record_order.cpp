@@ -1,0 +1,87 @@
+#include "data/record_order.h"
+
+#include "data/cell_text.h"
+#include "data/field_names.h"
+#include "encryption.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/column.h>
+#include <kestrona/record_search.h>
+#include <kestrona/unicode.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string_view>
+
+namespace Kestrona::Tool {
+namespace {
+
+using Data::MemoryResident::IColumn;
+using Data::MemoryResident::IMemoryResidentData;
+using Data::MemoryResident::MemoryResidentData;
+using Data::MemoryResident::SortDetails;
+
+constexpr std::array<std::pair<std::string_view, bool>, 2> kDirections{{{":asc", true}, {":desc", false}}};
+
+/// A field that is called by the whole text, its direction included, comes first.
+SortDetails ReadEntry(IMemoryResidentData& store, std::int32_t format, std::string_view text) {
+    if (const std::int32_t field = FieldNamed(store, format, text); field >= 0) {
+        return {field, true};
+    }
+    for (const auto& [ending, ascending] : kDirections) {
+        if (text.ends_with(ending)) {
+            return {FieldNamed(store, format, text.substr(0, text.size() - ending.size())), ascending};
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<RecordOrder> RecordOrder::Parse(MemoryResidentData& store, std::int32_t format,
+                                              const std::vector<std::string>& texts, bool group_families,
+                                              std::string& problem) {
+    RecordOrder order;
+    for (const std::string& text : texts) {
+        const SortDetails entry = ReadEntry(store, format, text);
+        if (entry.field < 0 || !HasCells(store, format, entry.field)) {
+            problem = fmt::format("'{}' names no field of {} that records can be sorted by; :desc may follow a name",
+                                  text, ToUtf8(store.GetDbName(format)));
+            return std::nullopt;
+        }
+        if (IsLocked(store, format, entry.field)) {
+            problem = fmt::format("'{}' is encrypted, and there is no key; {}", text, kHowToGiveAKey);
+            return std::nullopt;
+        }
+        order.details_.push_back(entry);
+    }
+    if (group_families && FindFirstColumnWithClassification(store, format, Classes::kFamily) < 0) {
+        problem = fmt::format("{} has no families: none of its fields is a FAMILY", ToUtf8(store.GetDbName(format)));
+        return std::nullopt;
+    }
+    if (group_families || !texts.empty()) {
+        order.store_ = &store;
+        order.format_ = format;
+        order.group_families_ = group_families;
+    }
+    return order;
+}
+
+void RecordOrder::Arrange(std::vector<std::int32_t>& records) const {
+    if (store_ == nullptr) {
+        return;
+    }
+    const std::unique_ptr<IColumn<double>> sequence(KSDLL_CreateDisplaySequenceColumn());
+    if (details_.empty()) {
+        KSDLL_ParentSort(*store_, format_, nullptr, sequence.get());
+    } else {
+        std::vector<SortDetails> details = details_;
+        KSDLL_MulticolumnSort(*store_, format_, details, group_families_, false, sequence.get());
+    }
+    std::ranges::sort(records, {}, [&](std::int32_t record) { return sequence->GetValue(record); });
+}
+
+} // namespace Kestrona::Tool
