@@ -2,6 +2,7 @@
 // program, so compare the ratios of one run. "each" is the time of one record.
 
 #include <kestrona/classes.h>
+#include <kestrona/process.h>
 #include <kestrona/records.h>
 #include <kestrona/store.h>
 

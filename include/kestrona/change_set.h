@@ -32,6 +32,9 @@ public:
     void Mark(std::int32_t record);
     /// Enters the records 0 to `count` - 1 as changed, page by page.
     void MarkRange(std::int32_t count);
+    /// Enters the records `first` + i, for each bit i of `bits`, as changed. Requires: `first` a multiple of 64, not
+    /// negative.
+    void MarkMany(std::int32_t first, std::uint64_t bits);
     /// Returns the record's flag; a record that is not known is entered as unchanged.
     bool Lookup(std::int32_t record);
     /// Tells whether the record is known, changed or not.

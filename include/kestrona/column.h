@@ -29,6 +29,15 @@ public:
     virtual void RevertTransaction(std::string id) = 0;
     /// Inserts a value before `record`. Marks nothing as changed; follow with `Resize`.
     virtual void Insert(std::int32_t record, const T& value) = 0;
+
+    /// Moves the values of the records `first` to `last` - 1 one record up; what stood in `last` goes, `first` keeps
+    /// its value. Counts as that many writes.
+    virtual void MoveUp(std::int32_t first, std::int32_t last) {
+        for (std::int32_t record = last; record > first; --record) {
+            SetValue(record, GetValue(record - 1));
+        }
+    }
+
     /// Removes the record and reports `key`, the key value that it had. Follow with `Resize`.
     virtual void Erase(std::int32_t record, double key) = 0;
     virtual T operator[](std::int32_t record) const = 0;

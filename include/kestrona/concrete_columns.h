@@ -28,6 +28,7 @@ public:
     using DataStorage<T>::SetValue;
     void SetValue(std::int32_t record, const T& value) override;
     T GetValue(std::int32_t record) const override;
+    void MoveUp(std::int32_t first, std::int32_t last) override;
 
 protected:
     bool ValuesEqual(const T& a, const T& b) final;
@@ -87,6 +88,7 @@ public:
     void EndTransaction(std::string id) override;
     void RevertTransaction(std::string id) override;
     void Insert(std::int32_t record, const double& value) override;
+    void MoveUp(std::int32_t first, std::int32_t last) override;
     void Erase(std::int32_t record, double key) override;
     double operator[](std::int32_t record) const override;
     void SetValue(std::int32_t record, const double& value) override;

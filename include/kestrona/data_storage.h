@@ -47,6 +47,7 @@ public:
     void RevertTransaction(std::string id) override;
     /// Up to a position past the physical end, defaults fill in. A position that no record can have is dropped.
     void Insert(std::int32_t record, const T& value) override;
+    void MoveUp(std::int32_t first, std::int32_t last) override;
     void Erase(std::int32_t record, double key) override;
     T operator[](std::int32_t record) const override;
     /// A negative number and one above the scratch records is dropped.
@@ -122,6 +123,10 @@ private:
     void WriteTheLongWay(std::int32_t record, const T& value);
     void ReplaceHeld(std::int32_t record, const T& value);
     void Extend(std::int32_t record, const T& value);
+    template <typename Equal>
+    void MoveValuesUp(std::int32_t first, std::int32_t last, Equal equal);
+    template <typename Equal>
+    void ReportMoves(std::int32_t low, std::int32_t high, Equal equal);
     void InvalidateIndexInFront();
 
     [[nodiscard]] Extremes ExtremesAfterWrite(std::int32_t record, const T& value) const;

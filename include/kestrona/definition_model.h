@@ -207,7 +207,8 @@ public:
     [[nodiscard]] static std::int32_t GetToolTipRank(const wchar_t* classification);
 
     /// Returns the fields of the format that are shown in tooltips, without `except_field`: by rank, those of rank -1
-    /// last, fields of one rank in their order.
+    /// last, fields of one rank in their order. Throws the wide text "Expected a valid table index" (`const wchar_t*`)
+    /// for a negative format.
     [[nodiscard]] static std::vector<std::int32_t>
     GetRankedListOfTooltipFields(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                  std::int32_t except_field);

@@ -34,6 +34,8 @@ public:
     void EndTransaction(std::string id) override;
     void RevertTransaction(std::string id) override;
     void Insert(std::int32_t record, const T& value) override;
+    /// A short move keeps the index up to date, a long one makes it stale.
+    void MoveUp(std::int32_t first, std::int32_t last) override;
     void Erase(std::int32_t record, double key) override;
     T operator[](std::int32_t record) const override;
     void SetValue(std::int32_t record, const T& value) override;

@@ -24,6 +24,7 @@ public:
     ~RecordStateStrategy() override;
 
     void RecordChanged(std::int32_t record) override;
+    void RecordsChanged(std::int32_t first, std::uint64_t bits) override;
     void RecordErased(double key) override;
     /// An empty `id` means that no transaction is running.
     void StartTransaction(std::string id) override;
@@ -42,7 +43,7 @@ private:
     // Which transaction made which change; there only while there is something to keep.
     class Attribution;
 
-    void CountChange();
+    void CountChanges(std::int32_t changes);
     void RecordChangedInTransaction(std::int32_t record);
     Attribution& NeedAttribution();
     template <typename TakeBack>

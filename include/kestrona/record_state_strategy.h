@@ -16,6 +16,9 @@ public:
     virtual ~IRecordStateStrategy() = default;
     /// A value of the record really changed.
     virtual void RecordChanged(std::int32_t record) = 0;
+    /// Values of the records `first` + i, for each bit i of `bits`, really changed: like `RecordChanged` of each.
+    /// Requires: `first` a multiple of 64, not negative.
+    virtual void RecordsChanged(std::int32_t first, std::uint64_t bits);
     /// The record with this key value was removed.
     virtual void RecordErased(double key) = 0;
     /// Attributes the changes that follow to the transaction `id`; replaces a running one.
@@ -37,6 +40,7 @@ public:
 class KS_API NullRecordStateStrategy : public virtual IRecordStateStrategy {
 public:
     void RecordChanged(std::int32_t record) override;
+    void RecordsChanged(std::int32_t first, std::uint64_t bits) override;
     void RecordErased(double key) override;
     void StartTransaction(std::string id) override;
     void EndTransaction(std::string id) override;

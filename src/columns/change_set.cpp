@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 
 namespace Kestrona::Data::MemoryResident {
 
@@ -138,6 +139,14 @@ void ChangedRecords::MarkRange(std::int32_t count) {
     for (std::int32_t page = 0; count > 0; ++page, count -= kPageRecords) {
         count_ += NeedPage(page).Fill(std::min(count, kPageRecords));
     }
+}
+
+void ChangedRecords::MarkMany(std::int32_t first, std::uint64_t bits) {
+    assert(first >= 0 && first % kWordBits == 0);
+    Page::Word& word = NeedPage(PageOf(first)).WordOf(first);
+    count_ += static_cast<std::size_t>(std::popcount(bits & ~word.known));
+    word.known |= bits;
+    word.changed |= bits;
 }
 
 bool ChangedRecords::Lookup(std::int32_t record) {

@@ -27,6 +27,11 @@ void ValueManagedDataStorage<T>::SetValue(std::int32_t record, const T& value) {
 }
 
 template <typename T>
+void ValueManagedDataStorage<T>::MoveUp(std::int32_t first, std::int32_t last) {
+    this->MoveValuesUp(first, last, [](const T& a, const T& b) { return DataStorage<T>::AreEqual(a, b); });
+}
+
+template <typename T>
 bool ValueManagedDataStorage<T>::ValuesEqual(const T& a, const T& b) {
     return this->AreEqual(a, b);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "columns/neighbours.h"
 #include "columns/value_order.h"
 
 #include <kestrona/data_storage.h>
@@ -154,6 +155,56 @@ void DataStorage<T>::Extend(std::int32_t record, const T& value) {
         values_.back() = std::move(copy);
     }
     extremes_ = after;
+}
+
+template <typename T>
+void DataStorage<T>::MoveUp(std::int32_t first, std::int32_t last) {
+    MoveValuesUp(first, last, [this](const T& a, const T& b) { return ValuesEqual(a, b); });
+}
+
+// Behind the held values a default moves over a default. The first of them may get a value, and so be held.
+template <typename T>
+template <typename Equal>
+void DataStorage<T>::MoveValuesUp(std::int32_t first, std::int32_t last, Equal equal) {
+    constexpr std::int32_t kBlock = 4096;
+    assert(first >= 0 && last < kFirstScratchRecord);
+    const auto held = static_cast<std::int32_t>(values_.size());
+    if (last >= held && held > first) {
+        SetValue(held, T(held > 0 ? values_[static_cast<std::size_t>(held) - 1] : defaultValue_));
+    }
+    const std::int32_t end = std::min(last, held - 1);
+    if (end <= first) {
+        return;
+    }
+    InvalidateIndexInFront();
+    ResetMinMax();
+    // A block is compared and moved while it is in the processor's nearest memory.
+    for (std::int32_t high = end; high > first;) {
+        const std::int32_t low = std::max(high - high % kBlock, first + 1);
+        ReportMoves(low, high, equal);
+        std::move_backward(values_.begin() + low - 1, values_.begin() + high, values_.begin() + high + 1);
+        if (low == first + 1) {
+            values_[static_cast<std::size_t>(first)] = T(values_[static_cast<std::size_t>(low)]);
+        }
+        high = low - 1;
+    }
+}
+
+// Reports the records from `low` to `high` that get another value from the record before them.
+template <typename T>
+template <typename Equal>
+void DataStorage<T>::ReportMoves(std::int32_t low, std::int32_t high, Equal equal) {
+    if (!tracked_) {
+        return;
+    }
+    constexpr std::int32_t kWordBits = 64;
+    for (std::int32_t begin = low; begin <= high;) { // forward, as processors foresee it
+        const std::int32_t word = begin - begin % kWordBits;
+        const std::int32_t count = std::min(high + 1, word + kWordBits) - begin;
+        const std::uint64_t changed = DifferentFromBefore(values_.data() + begin, count, equal);
+        recordState_->RecordsChanged(word, changed << (begin - word));
+        begin += count;
+    }
 }
 
 template <typename T>

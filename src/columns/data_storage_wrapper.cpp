@@ -36,6 +36,11 @@ void DataStorageWrapper<T>::Insert(std::int32_t record, const double& value) {
 }
 
 template <typename T>
+void DataStorageWrapper<T>::MoveUp(std::int32_t first, std::int32_t last) {
+    wrapped_->MoveUp(first, last);
+}
+
+template <typename T>
 void DataStorageWrapper<T>::Erase(std::int32_t record, double key) {
     wrapped_->Erase(record, key);
 }

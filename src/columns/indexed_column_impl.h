@@ -198,6 +198,18 @@ void IndexedColumn<T>::Insert(std::int32_t record, const T& value) {
     ChangeUnindexed([&](IColumn<T>& column) { column.Insert(record, value); });
 }
 
+// Following each of many writes costs more than building the index anew.
+template <typename T>
+void IndexedColumn<T>::MoveUp(std::int32_t first, std::int32_t last) {
+    constexpr std::uint32_t kShareWorthRebuilding = 4;
+    const bool is_long = static_cast<std::uint32_t>(last - first) > column_->GetCurrentSize() / kShareWorthRebuilding;
+    if (is_long || !valid_.load(std::memory_order_relaxed)) {
+        ChangeUnindexed([&](IColumn<T>& column) { column.MoveUp(first, last); });
+    } else {
+        IColumn<T>::MoveUp(first, last);
+    }
+}
+
 template <typename T>
 void IndexedColumn<T>::Erase(std::int32_t record, double key) {
     ChangeUnindexed([&](IColumn<T>& column) { column.Erase(record, key); });

@@ -98,12 +98,12 @@ RecordStateStrategy::Attribution& RecordStateStrategy::NeedAttribution() {
     return *attribution_;
 }
 
-void RecordStateStrategy::CountChange() {
+void RecordStateStrategy::CountChanges(std::int32_t changes) {
     if (!format_->changed) {
         format_->changed = true;
     }
     if (format_->timestampSuspendCount == 0) {
-        ++format_->timestamp;
+        format_->timestamp += changes;
     }
 }
 
@@ -111,13 +111,21 @@ void RecordStateStrategy::RecordChanged(std::int32_t record) {
     if (currentTransaction_ != nullptr) [[unlikely]] {
         return RecordChangedInTransaction(record);
     }
-    CountChange();
+    CountChanges(1);
     format_->changedRecords.Mark(record);
+}
+
+void RecordStateStrategy::RecordsChanged(std::int32_t first, std::uint64_t bits) {
+    if (bits == 0 || currentTransaction_ != nullptr) {
+        return IRecordStateStrategy::RecordsChanged(first, bits);
+    }
+    CountChanges(std::popcount(bits));
+    format_->changedRecords.MarkMany(first, bits);
 }
 
 [[gnu::noinline]] void RecordStateStrategy::RecordChangedInTransaction(std::int32_t record) {
     NeedAttribution().RecordChanged(record);
-    CountChange();
+    CountChanges(1);
     format_->changedRecords.Mark(record);
 }
 
@@ -125,12 +133,12 @@ void RecordStateStrategy::RecordErased(double key) {
     if (currentTransaction_ != nullptr) {
         NeedAttribution().RecordErased(key);
     }
-    CountChange();
+    CountChanges(1);
     format_->erasedKeys[key] = true;
 }
 
 void RecordStateStrategy::ColumnCleared(bool mark_changed) {
-    CountChange();
+    CountChanges(1);
     columnChanged_ = mark_changed;
 }
 

@@ -4,7 +4,7 @@
 #include <kestrona/classification_parsers.h>
 #include <kestrona/definition_model.h>
 
-#include <algorithm>
+#include <set>
 
 namespace Kestrona::Configuration {
 
@@ -23,10 +23,6 @@ constexpr std::int32_t kMsgNoLevel = 18503;
 constexpr std::int32_t kHiddenKind = 6;
 constexpr std::int32_t kNoLevelKind = 34;
 constexpr std::int32_t kShownKind = 1;
-
-bool HasLevel(const std::vector<DialogLevel>& levels, std::int16_t level) {
-    return std::any_of(levels.begin(), levels.end(), [&](const DialogLevel& each) { return each.Level == level; });
-}
 
 } // namespace
 
@@ -89,11 +85,12 @@ std::vector<DialogLevel> TableDefinition::get_DialogLevels() const {
     std::vector<DialogLevel> levels{{kHiddenDialogLevel, Message(kMsgHiddenLevel), kHiddenKind},
                                     {kNoDialogLevel, Message(kMsgNoLevel), kNoLevelKind},
                                     {0, Message(kMsgMainLevel), kShownKind}};
+    std::set<std::int16_t> known{kHiddenDialogLevel, kNoDialogLevel, 0};
     const std::int32_t count = store_.GetDbFields(table_);
     for (std::int32_t index = 0; index < count; ++index) {
         const ColumnDefinition column(store_, table_, index);
         const NullValue<std::int32_t> list = column.get_AssociatedTo();
-        if (!list.HasValue() || list.get_Value() < 0 || HasLevel(levels, column.get_DialogLevel())) {
+        if (!list.HasValue() || list.get_Value() < 0 || !known.insert(column.get_DialogLevel()).second) {
             continue;
         }
         levels.push_back({column.get_DialogLevel(),

@@ -16,6 +16,7 @@ using Data::MemoryResident::IMemoryResidentData;
 namespace {
 
 constexpr const wchar_t* kUnresolvedPath = L"Path has not been resolved";
+constexpr const wchar_t* kNegativeTable = L"Expected a valid table index";
 constexpr const wchar_t* kOrderKey = L"ORDER";
 
 // Where a rank stands among the others: -1 behind every number.
@@ -39,6 +40,9 @@ std::int32_t Tooltips::GetToolTipRank(const wchar_t* classification) {
 
 std::vector<std::int32_t> Tooltips::GetRankedListOfTooltipFields(IMemoryResidentData& store, std::int32_t format,
                                                                  std::int32_t except_field) {
+    if (format < 0) {
+        throw kNegativeTable;
+    }
     std::vector<std::pair<std::int64_t, std::int32_t>> ranked;
     const std::int32_t count = store.GetDbFields(format);
     for (std::int32_t field = 0; field < count; ++field) {

@@ -27,7 +27,8 @@ constexpr std::wstring_view kRetired = L"AUTO CALCULATE";
 constexpr const wchar_t* kNotSupported = L"%s is not supported. Remove this feature and restart Kestrona.";
 constexpr const wchar_t* kNotSupportedCaption = L"Unsupported feature";
 
-// One axis as it is written: label, format(field). What is missing reads as an empty text, so its look-up fails.
+// One axis as it is written: label, format(field). What is missing reads as an empty text: a label may be, a name fails
+// in the look-up.
 struct Axis {
     std::wstring label;
     Reference reference;
@@ -38,9 +39,8 @@ struct Axis {
 Axis ReadAxis(std::wstring_view& text, std::size_t keyword) {
     Axis axis;
     axis.reference.position = keyword;
-    const Platform::ScanResult read =
-        ScanWide(text, L" %[^,], %[^(]( %[^)])", &axis.label, &axis.reference.format, &axis.reference.field);
-    text.remove_prefix(read.position);
+    text.remove_prefix(ScanWide(text, L" %[^,]", &axis.label).position);
+    text.remove_prefix(ScanWide(text, L", %[^(]( %[^)])", &axis.reference.format, &axis.reference.field).position);
     return axis;
 }
 

@@ -90,7 +90,8 @@ private:
 
 bool CheckDefault(FieldScope& scope, const std::vector<double>& values) {
     const double value = scope.Store().GetDbDefaultValue(scope.Format(), scope.Field());
-    if (value >= kAboveRemoteDefaults || std::find(values.begin(), values.end(), value) != values.end()) {
+    const bool is_remote = value < kAboveRemoteDefaults; // no number is none
+    if (!is_remote || std::find(values.begin(), values.end(), value) != values.end()) {
         return true;
     }
     return Fail(Platform::FormatText(Message(kMsgDefaultNotRemote), Platform::DoubleToText17(value), scope.FormatName(),

@@ -6,6 +6,7 @@
 #include <kestrona/classes.h>
 #include <kestrona/classification_parsers.h>
 #include <kestrona/definition_load.h>
+#include <kestrona/definition_model.h>
 #include <kestrona/process.h>
 #include <kestrona/record_search.h>
 
@@ -13,7 +14,6 @@
 
 namespace Kestrona::Configuration {
 
-using Data::MemoryResident::field_info;
 using Data::MemoryResident::MemoryResidentData;
 using Platform::FormatText;
 
@@ -26,15 +26,14 @@ constexpr const wchar_t* kSeparator = L" | ";
 void KeepOutOfDatabase(MemoryResidentData& store, std::int32_t format) {
     store.SetAssociatedTable(format, nullptr, false);
     const std::int32_t key = store.GetDbKey(format);
-    field_info* info = store.GetFieldInfo(format, key);
-    if (info == nullptr || store.ClassDefined(format, key, Classes::kExcludeFromDb)) {
+    if (store.GetFieldInfo(format, key) == nullptr || store.ClassDefined(format, key, Classes::kExcludeFromDb)) {
         return;
     }
-    store.AddDbClass(format, key, Classes::kExcludeFromDb);
-    const std::wstring text = store.GetDbClassString(format, key);
-    store.SetDbClassString(format, key, text.empty() ? kExcludeFromDb : text + kSeparator + kExcludeFromDb);
-    info->original = info->current;
-    info->originalTaken = true;
+    ColumnDefinition column(store, format, key);
+    column.AddClassAttribute(Classes::kExcludeFromDb);
+    const std::wstring text = column.get_ClassificationString();
+    column.set_ClassificationString(text.empty() ? kExcludeFromDb : text + kSeparator + kExcludeFromDb);
+    column.KeepOriginal();
 }
 
 // Replaces a parent that is told by one of its classifications by its name. False when there is none.

@@ -1,5 +1,5 @@
 // Implements: the reads of calculated fields.
-#include "expressions/evaluation_level.h"
+#include "text/read_level.h"
 
 #include <kestrona/evaluate_columns.h>
 
@@ -15,7 +15,7 @@ constexpr std::int32_t kBlock = 512;
 // Returns false where the outermost read went beyond the bound: that holds for some of the records, not for the block.
 bool ReadTogether(INativeExpression& expression, IMemoryResidentData& store, std::int32_t first, std::int32_t count,
                   double* out) {
-    const Expressions::EvaluationLevel level(expression.Depth());
+    const Text::ReadLevel level(expression.Depth());
     if (level.IsGranted()) {
         expression.EvaluateBlock(store, first, count, out);
     } else {
@@ -31,7 +31,7 @@ double EvaluateColumn::GetValue(std::int32_t record) const {
     if (expression == nullptr) {
         return 0.0;
     }
-    const Expressions::EvaluationLevel level(expression->Depth());
+    const Text::ReadLevel level(expression->Depth());
     const double value = level.IsGranted() ? expression->Evaluate(Store(), record, kNoMatrixIndex, nullptr) : 0.0;
     return level.IsSound() ? value : 0.0;
 }
@@ -60,7 +60,7 @@ void EvaluateColumn::ReadBlock(std::int32_t first, std::int32_t count, double* o
 std::wstring StringEvaluateColumn::GetValue(std::int32_t record) const {
     std::wstring text;
     if (INativeExpression* const expression = Calculation()) {
-        const Expressions::EvaluationLevel level(expression->Depth());
+        const Text::ReadLevel level(expression->Depth());
         if (level.IsGranted()) {
             expression->Evaluate(Store(), record, kNoMatrixIndex, &text);
         }

@@ -1,5 +1,5 @@
 // Implements: the elements of calculated matrices.
-#include "expressions/evaluation_level.h"
+#include "text/read_level.h"
 
 #include <kestrona/evaluate_columns.h>
 
@@ -20,7 +20,7 @@ double MatrixEvaluateColumn::GetElement(std::int32_t record, std::uint32_t index
     if (expression == nullptr) {
         return 0.0;
     }
-    const Expressions::EvaluationLevel level(expression->Depth());
+    const Text::ReadLevel level(expression->Depth());
     const double value =
         level.IsGranted() ? expression->Evaluate(*store_, record, static_cast<std::int32_t>(index), nullptr) : 0.0;
     return level.IsSound() ? value : 0.0;

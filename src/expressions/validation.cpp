@@ -1,6 +1,7 @@
 #include "expressions/validation.h"
 
 #include "expressions/existing_fields.h"
+#include "expressions/field_reads.h"
 #include "platform/format_text.h"
 #include "platform/wide_c_string.h"
 
@@ -32,13 +33,6 @@ std::wstring_view ClassStringOf(IMemoryResidentData& store, std::int32_t format,
 std::wstring EvaluateText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     const Platform::OwnedWide text(Parse_EVALUATE(store.GetDbClassString(format, field)));
     return text == nullptr ? std::wstring() : std::wstring(text.get());
-}
-
-bool ReadsText(IMemoryResidentData& store, const FieldReference& reference) {
-    if (reference.type == ExpressionFieldType::Unmarked) {
-        return (store.GetDbType(reference.format, reference.field) | 1U) == 1U;
-    }
-    return reference.type == ExpressionFieldType::Text;
 }
 
 // Whether a chain of database references passes a table whose key is translatable. A ring of them ends the search.

@@ -1,6 +1,7 @@
 // Implements: the class words and the classification string of a field.
 #include "configuration/parsers/field_caches.h"
 #include "store/class_test.h"
+#include "store/growing_fields.h"
 
 #include <kestrona/store.h>
 
@@ -8,8 +9,9 @@ namespace Kestrona::Data::MemoryResident {
 
 namespace {
 
-// The class word of a field for changing it, null where there is none.
+// The class word of a field for changing it, null where there is none. What grows with whom may change with it.
 std::uint32_t* FindWord(field_info* field, std::int32_t word) {
+    ForgetGrowingFields();
     const bool found = field != nullptr && IsClassWord(word);
     return found ? &field->current.classWords[static_cast<std::size_t>(word)] : nullptr;
 }

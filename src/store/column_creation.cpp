@@ -3,6 +3,7 @@
 #include "store/class_test.h"
 #include "store/column_factory.h"
 #include "store/column_ownership.h"
+#include "store/growing_fields.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/concrete_columns.h>
@@ -70,6 +71,7 @@ void MemoryResidentData::CreateDbMatrix(std::int32_t format, std::int32_t field)
     if (info == nullptr) {
         return;
     }
+    ForgetGrowingFields();
     if (HasClass(*info, Classes::kAdditionalReference)) {
         AssignDbMatrix(format, field, info->tableY);
         return;
@@ -86,6 +88,7 @@ void MemoryResidentData::AssignDbMatrix(std::int32_t format, std::int32_t to_fie
     }
     DropColumn(*FindFormat(format), *to, &field_info::matrixColumn);
     to->matrixColumn = from->matrixColumn;
+    ForgetGrowingFields();
 }
 
 void MemoryResidentData::CreateDbUpdate(std::int32_t format) {

@@ -1,6 +1,8 @@
 // Implements: the search for a format by its name.
 #include "store/format_names.h"
 
+#include "store/growing_fields.h"
+
 #include <kestrona/store.h>
 
 #include <algorithm>
@@ -43,6 +45,7 @@ void FormatNames::Build(std::span<const formats_info> formats, std::int32_t coun
 void MemoryResidentData::SetFormatCount(std::int32_t count) {
     formatCount_ = std::clamp(count, 0, kMaxFormats);
     names_->Forget();
+    ForgetGrowingFields();
 }
 
 std::int32_t MemoryResidentData::FindFormatByName(const wchar_t* name) {

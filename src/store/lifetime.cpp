@@ -2,6 +2,7 @@
 #include "store/as_store.h"
 #include "store/column_ownership.h"
 #include "store/format_names.h"
+#include "store/growing_fields.h"
 #include "store/process_services.h"
 #include "store/process_state.h"
 
@@ -34,6 +35,7 @@ void ResetNumbers(field_info& field) {
     field.data.fill(0);
     field.current.dialogLevel = 0;
     field.current.classWords.fill(0);
+    field.parentSortEnabled = true;
 }
 
 void ResetTexts(field_info& field) {
@@ -71,6 +73,7 @@ MemoryResidentData::MemoryResidentData(IGlobalizationHelper* globalization, IDup
 
 MemoryResidentData::~MemoryResidentData() {
     KSDLL_FreeExpressionCache(); // another store may come to stand here
+    ForgetGrowingFields();
     std::ranges::for_each(formats_, FreeColumns);
 }
 
@@ -93,6 +96,7 @@ void MemoryResidentData::CreateDbFieldInfo(std::int32_t format, std::int32_t cou
         FreeFieldMemory(format, static_cast<std::int32_t>(field));
     }
     info->fields.resize(static_cast<std::size_t>(count));
+    ForgetGrowingFields();
 }
 
 void MemoryResidentData::FreeFieldMemory(std::int32_t format, std::int32_t field) {
@@ -106,6 +110,9 @@ void MemoryResidentData::FreeFieldMemory(std::int32_t format, std::int32_t field
     DropColumn(owner, *info, &field_info::matrixColumn);
     ResetNumbers(*info);
     ResetTexts(*info);
+    ForgetGrowingFields();
+    info->original = {}; // a snapshot of what is gone would bring the classes back to another field
+    info->originalTaken = false;
 }
 
 // Puts a format back as it was constructed. The entry stays where it is: columns of other formats do not point at it,
@@ -115,6 +122,7 @@ void MemoryResidentData::ResetFormat(std::int32_t format) {
         FreeColumns(*info);
         *info = formats_info();
         names_->Forget();
+        ForgetGrowingFields();
     }
 }
 

@@ -9,9 +9,8 @@ namespace Kestrona::Data::MemoryResident {
 // Opens a cell, or a row or column of cells, at `record` in every matrix that the format dimensions. The record has
 // been inserted already.
 //
-// Which fields those are is remembered as long as records are inserted into one format, and no format comes, goes, is
-// renamed or gets other fields. Classes and dimensions of standing fields are part of the definition: who changes them
-// later inserts into another format first, or waits for the next load.
+// Which fields those are is remembered as long as records are inserted into one format and the store's operations do
+// not change the schema.
 void GrowMatrices(IMemoryResidentData& store, std::int32_t format, std::int32_t record);
 
 } // namespace Kestrona::Data::MemoryResident

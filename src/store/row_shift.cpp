@@ -63,14 +63,9 @@ bool KeepsWhatIsWritten(IColumn<double>& column) {
     return keeps;
 }
 
-template <typename T>
-void ShiftCells(IColumn<T>& column, Rows rows, bool writes_equal = false) {
+void WriteEveryCell(IColumn<double>& column, Rows rows) {
     SuspendIndex(column, rows);
-    ForEachRow(column, rows, [&](std::int32_t row, const T& before, const T& present) {
-        if (!(before == present) || writes_equal) {
-            column.SetValue(row, before);
-        }
-    });
+    ForEachRow(column, rows, [&](std::int32_t row, double before, double) { column.SetValue(row, before); });
 }
 
 // A text may be longer than its field allows since the limit was lowered: the copy is cut.
@@ -118,7 +113,11 @@ void ShiftOverride(IColumn<double>& column, const std::vector<IColumn<double>*>&
 void ShiftValues(const formats_info& format, IColumn<double>& column, Rows rows) {
     const std::vector<IColumn<double>*> targets = OverriddenBy(format, &column);
     if (targets.empty()) {
-        ShiftCells(column, rows, !KeepsWhatIsWritten(column));
+        if (KeepsWhatIsWritten(column)) {
+            column.MoveUp(rows.first, rows.last);
+        } else {
+            WriteEveryCell(column, rows);
+        }
     } else {
         ShiftOverride(column, targets, rows);
     }
@@ -169,7 +168,7 @@ void ShiftMatrices(MemoryResidentData& store, std::int32_t format, const formats
         if (IsCopied(info, field)) {
             copied.push_back(static_cast<std::int32_t>(i));
         } else if (moved.insert(field.matrixColumn).second) {
-            ShiftCells(*field.matrixColumn, rows);
+            field.matrixColumn->MoveUp(rows.first, rows.last);
         }
     }
     for (std::int32_t row = copied.empty() ? rows.first : rows.last; row > rows.first; --row) {
@@ -187,7 +186,7 @@ void ShiftRowsUp(MemoryResidentData& store, std::int32_t format, std::int32_t re
     ShiftFields(store, format, info, rows);
     ShiftMatrices(store, format, info, rows);
     if (info.updateColumn != nullptr) {
-        ShiftCells(*info.updateColumn, rows);
+        info.updateColumn->MoveUp(rows.first, rows.last);
     }
 }
 

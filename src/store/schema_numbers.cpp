@@ -2,6 +2,7 @@
 // counts and limits.
 #include "platform/format_text.h"
 #include "store/column_ownership.h"
+#include "store/growing_fields.h"
 
 #include <kestrona/services.h>
 #include <kestrona/store.h>
@@ -43,6 +44,7 @@ std::uint32_t MemoryResidentData::GetDbType(std::int32_t format, std::int32_t fi
 
 void MemoryResidentData::SetDbType(std::int32_t format, std::int32_t field, std::uint32_t type) {
     Write(FindField(format, field), &field_info::type, type);
+    ForgetGrowingFields();
 }
 
 void MemoryResidentData::AddDbType(std::int32_t format, std::int32_t field, std::uint32_t bits) {
@@ -55,6 +57,7 @@ std::int32_t MemoryResidentData::GetDbTable(std::int32_t format, std::int32_t fi
 
 void MemoryResidentData::SetDbTable(std::int32_t format, std::int32_t field, std::int32_t value) {
     Write(FindField(format, field), &field_info::table, value);
+    ForgetGrowingFields();
 }
 
 std::int32_t MemoryResidentData::GetDbSource(std::int32_t format, std::int32_t field) {
@@ -98,6 +101,7 @@ void MemoryResidentData::SetDbTableY(std::int32_t format, std::int32_t field, st
         KSDLL_WriteDebug(Platform::FormatText(kTableYLine, format, field, value).c_str());
     }
     Write(FindField(format, field), &field_info::tableY, value);
+    ForgetGrowingFields();
 }
 
 std::int32_t MemoryResidentData::GetDbSourceY(std::int32_t format, std::int32_t field) {

@@ -24,7 +24,7 @@ FindResult* DistinctIn(IColumn<T>* column) {
     return column != nullptr ? column->DistinctValues() : new FindResult();
 }
 
-// A field of this type and no other bit holds a reference or a text.
+// A field of this type and no other bit holds a text, or a reference: to a record, or to the entry of a string table.
 bool IsPlainReference(const field_info& field) {
     return field.type == TypeBit::kReference;
 }
@@ -93,7 +93,7 @@ FindResult* MemoryResidentData::GetRecordsMatchingRow(std::int32_t format, std::
         return RecordsShowing(*this, format, field, KSDLL_FieldToTString(*this, format, field, record));
     }
     AddIndexToColumn(format, field);
-    if (IsPlainReference(*info) && !RefersToRecords(*info)) {
+    if (IsPlainReference(*info) && !RefersToRecords(*info) && info->stringColumn != nullptr) {
         return FindIn(info->stringColumn, GetDbString(format, field, record), FindOperator::Equal);
     }
     return FindIn(info->column, GetDbValue(format, field, record), FindOperator::Equal);

@@ -1,5 +1,6 @@
 // Implements: the names of formats and fields, the extension, and the texts of cells.
 #include "store/format_names.h"
+#include "store/growing_fields.h"
 #include "store/take_over.h"
 
 #include <kestrona/classes.h>
@@ -16,6 +17,7 @@ wchar_t* MemoryResidentData::GetDbName(std::int32_t format) {
 void MemoryResidentData::SetDbName(std::int32_t format, wchar_t* name) {
     formats_info* const info = FindFormat(format);
     names_->Forget();
+    ForgetGrowingFields();
     TakeOver(info != nullptr ? &info->name : nullptr, name);
 }
 
@@ -38,6 +40,7 @@ wchar_t* MemoryResidentData::GetDbExtension(std::int32_t format) {
 
 void MemoryResidentData::SetDbExtension(std::int32_t format, wchar_t* extension) {
     formats_info* const info = FindFormat(format);
+    ForgetGrowingFields();
     TakeOver(info != nullptr ? &info->extension : nullptr, extension);
 }
 

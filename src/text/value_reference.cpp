@@ -3,6 +3,7 @@
 #include "text/date_messages.h"
 #include "text/number_expression.h"
 #include "text/number_format.h"
+#include "text/read_level.h"
 #include "text/value_forms.h"
 
 #include <kestrona/built_in_tables.h>
@@ -19,33 +20,16 @@ namespace {
 constexpr double kUnsetKey = -1.0;
 constexpr std::int32_t kDecimalsOfKeys = 2;
 
-// A step from a reference to its target. Formats may refer to each other in a ring, and a calculated field on the way
-// may ask for texts itself, so the steps are counted for the thread as a whole.
-class Step {
-public:
-    Step() { ++depth_; }
-
-    Step(const Step&) = delete;
-    Step& operator=(const Step&) = delete;
-
-    ~Step() { --depth_; }
-
-    static bool IsTooDeep() { return depth_ > kDeepest; }
-
-private:
-    static constexpr std::int32_t kDeepest = 64;
-    static inline constinit thread_local std::int32_t depth_ = 0;
-};
-
 struct Target {
     std::int32_t format;
     std::int32_t field;
 };
 
-// False when no record has the key.
+// False when no record has the key. Formats may refer to each other in a ring, and a calculated field on the way may
+// ask for texts itself.
 bool ShowTarget(const ShownValue& shown, std::int32_t keys, const Target& target, std::wstring& text) {
-    const Step step;
-    const std::int32_t record = Step::IsTooDeep() ? -1 : shown.store.LookupKeyRecord(keys, shown.value);
+    const ReadLevel level(0);
+    const std::int32_t record = level.IsGranted() ? shown.store.LookupKeyRecord(keys, shown.value) : -1;
     if (record >= 0) {
         KSDLL_FieldToTString(shown.store, target.format, target.field, record, &text);
     }

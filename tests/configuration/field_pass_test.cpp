@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <ostream>
 
 namespace Kestrona::Configuration {
@@ -95,6 +96,10 @@ const Resolved kResolved[] = {
      L"SUBSTITUTE(-20001->\"Product name\")"},
     {{.name = L"X", .default_value = -9999.0, .classification = L"REMOTE(Stock(Id))"},
      L"X.+4:256 X.+4:8388608 X.text=REMOTE(Stock(Id)) | SUBSTITUTX(-50000->\"Id\") | SUBSTITUTE(-50000->\"Id\")"},
+    {{.name = L"X",
+      .default_value = std::numeric_limits<double>::quiet_NaN(),
+      .classification = L"REMOTE(Stock(Id)) | SUBSTITUTX(-50000->\"Id\") | SUBSTITUTE(-50000->\"Id\")"},
+     L"X.+4:256 X.+4:8388608"},
     // Lists
     {Matrix(L"X", L"AUTO LIST(Products(Name))"), L"X.+1:1 X.source=1 X.sourceY=1 X.table=1 X.tableY=1"},
     {Matrix(L"X", L"AUTO LIST(Products(Parts))"), L"X.+1:1 X.source=0 X.sourceY=2 X.table=3 X.tableY=1"},
@@ -102,6 +107,8 @@ const Resolved kResolved[] = {
     // Dimensions
     {Matrix(L"X", L"AUTO DIMENSION(Own,Orders(B),Other,Products(Name))"),
      L"X.+1:2 X.source=3 X.sourceY=1 X.table=0 X.tableY=1 X.xLabel=Own X.yLabel=Other"},
+    {Matrix(L"X", L"AUTO DIMENSION( ,Orders(B), , Products(Name))"),
+     L"X.+1:2 X.source=3 X.sourceY=1 X.table=0 X.tableY=1"},
     {Matrix(L"X", L"AUTO DIMENSION ( P, Products(Code) , N, Parts(Id)) MATRIX MINIMUM(Sub) MATRIX DEFAULT (Sub)"),
      L"X.+1:2 X.+1:4 X.+2:268435456 X.+2:536870912 X.[1]=1 X.[2]=1 X.source=0 X.sourceY=0 X.table=1 X.tableY=2 "
      L"X.text=AUTO DIMENSION ( P, Products(Code) , N, Parts(Id)) MATRIX MINIMUM(Sub) MATRIX DEFAULT (Sub)3DMATRIX "

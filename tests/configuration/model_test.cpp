@@ -233,6 +233,21 @@ TEST_F(Model, RestoresExactlyWhatWasKept) {
     }
 }
 
+// What is put into a freed field later has no Original yet.
+TEST_F(Model, ForgetsTheOriginalOfAFreedField) {
+    Add(L"T", {Real(L"A", L"FORMAT(1)", {Classes::kHidden})});
+    ColumnDefinition column = Column(0);
+    column.KeepOriginal();
+    store_.SetParentSortEnabled(0, 0, false);
+    store_.FreeFieldMemory(0, 0);
+    column.set_ClassificationString(L"FORMAT(2)");
+    column.RestoreOriginal();
+    EXPECT_EQ(column.get_ClassificationString(), L"FORMAT(2)");
+    EXPECT_FALSE(column.get_Hidden());
+    EXPECT_EQ(Owned(column.get_Original())->get_ClassificationString(), L"");
+    EXPECT_TRUE(store_.GetParentSortEnabled(0, 0));
+}
+
 TEST_F(Model, KeepsADisplayNameApartFromTheFieldsOfAFormat) {
     Add(L"T", {Real(L"A", L"")});
     TableDefinition table(store_, 0);
@@ -326,6 +341,8 @@ TEST_F(Model, RanksTooltipFieldsLikeAStableSort) {
               L"Path has not been resolved");
     EXPECT_EQ(Thrown([&] { static_cast<void>(Tooltips::GetRankedListOfTooltipFields(store_, nullptr)); }),
               L"Path has not been resolved");
+    EXPECT_EQ(Thrown([&] { static_cast<void>(Tooltips::GetRankedListOfTooltipFields(store_, -1, 0)); }),
+              L"Expected a valid table index");
     EXPECT_EQ(Tooltips::GetToolTipRank(nullptr), -1);
 }
 

@@ -195,6 +195,22 @@ TEST_F(CalculatedFields, AreSearchedLikeAScan) {
     }
 }
 
+TEST_F(CalculatedFields, AreMatchedByWhatTheyShow) {
+    const std::int32_t format =
+        AddTable(*store, L"Orders", {Number(L"Key"), Number(L"A"), Calculated(L"Third"), CalculatedText(L"Label")}, 4);
+    Calculate(format, 2, Binary(Cell(format, 1), L"/", Constant(3)));
+    Calculate(format, 3, Make<StringListExpression>(Joined({CellText(format, 2, ExpressionFieldType::Text)})));
+    for (const auto& [record, value] : {std::pair{0, 1.0}, {1, 1.001}, {2, 2.0}, {3, 0.999}}) {
+        store->SetDbValue(format, 1, record, value);
+    }
+    for (const std::int32_t field : {2, 3}) {
+        EXPECT_EQ(Take(store->GetRecordsMatchingRow(format, field, 1)), (RecordNumbers{0, 1, 3})) << field;
+        EXPECT_EQ(Take(store->GetRecordsMatchingRow(format, field, 2)), (RecordNumbers{2})) << field;
+        EXPECT_TRUE(Take(store->DistinctRecords(format, field)).empty()) << field;
+    }
+    EXPECT_EQ(Take(store->LookupRecords(format, 3, L"0.33", FindOperator::Equal)), (RecordNumbers{0, 1, 3}));
+}
+
 // Field 1 holds 1, every further field is the one before and 1.
 std::vector<Field> Chain(std::int32_t fields) {
     std::vector<Field> chain{Number(L"Key"), Number(L"Base", 1.0)};

@@ -411,6 +411,39 @@ TEST_F(Insertion, RememberedGrowthFollowsTheSchema) {
     }
 }
 
+TEST_F(Insertion, RememberedGrowthSeesAFormatThatIsMadeAnew) {
+    const std::int32_t rows = AddTable(*store, L"Rows", {Number(L"Key", 1.0)});
+    for (std::int32_t i = 0; i < 50; ++i) { // each is likely to stand in the former's place
+        const std::int32_t table_y = i % 3 == 2 ? rows : -1;
+        const std::int32_t other = AddTable(*store, L"Other", {Number(L"Key", 1.0), Matrix(L"M", {}, -1, table_y)}, 1);
+        KSDLL_CreateRecord(*store, rows); // no other format was inserted into since
+        EXPECT_EQ(KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(*store, other, 1, 0)),
+                  table_y == rows ? store->GetCurrentDbSize(rows) : 0);
+        store->DestroyFormat(other);
+    }
+}
+
+TEST_F(Insertion, RememberedGrowthFollowsDimensionsClassesAndColumns) {
+    const std::int32_t rows = AddTable(*store, L"Rows", {Number(L"Key", 1.0)});
+    const std::int32_t other = AddTable(*store, L"Other", {Number(L"Key", 1.0), Matrix(L"M", {}, -1, -1)}, 1);
+    const auto size_after_one_more = [&] {
+        KSDLL_CreateRecord(*store, rows);
+        return KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(*store, other, 1, 0));
+    };
+    EXPECT_EQ(size_after_one_more(), 0);
+    store->SetDbTableY(other, 1, rows);
+    EXPECT_EQ(size_after_one_more(), 2);
+    store->AddDbClass(other, 1, Classes::kList);
+    EXPECT_EQ(size_after_one_more(), 2);
+    store->RemoveDbClass(other, 1, Classes::kList);
+    EXPECT_EQ(size_after_one_more(), 4);
+    store->SetDbType(other, 1, TypeBit::kReal);
+    EXPECT_EQ(size_after_one_more(), 4);
+    store->SetDbType(other, 1, TypeBit::kMatrix);
+    store->CreateDbMatrix(other, 1);
+    EXPECT_EQ(size_after_one_more(), 6);
+}
+
 TEST_F(Insertion, SizesBeyondAllBoundsMakeEmptyMatrices) {
     const std::int32_t wide = AddTable(*store, L"Wide", {Number(L"Key", 1.0)}, 70000);
     const std::int32_t format =

@@ -227,6 +227,16 @@ TEST_F(Search, AFamilyIsItsHeadAndTheRecordsThatNameIt) {
     EXPECT_TRUE(Take(store->GetRecordsMatchingRow(format, 1, 4)).empty());              // no such head
 }
 
+TEST_F(Search, AReferenceWithoutTextsMatchesByItsValue) {
+    Field word = Number(L"Word");
+    word.type = TypeBit::kReference;
+    const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), word}, 5);
+    for (std::int32_t record = 0; record < 5; ++record) {
+        store->SetDbValue(format, 1, record, record % 2);
+    }
+    EXPECT_EQ(Take(store->GetRecordsMatchingRow(format, 1, 2)), (RecordNumbers{0, 2, 4}));
+}
+
 TEST_F(Search, BulkUpdatesRebuildTheIndexesAtTheEnd) {
     const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), Number(L"A"), Text(L"Text")}, 50);
     store->AddIndexToColumn(format, 1);

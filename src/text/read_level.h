@@ -2,35 +2,36 @@
 
 #include <cstdint>
 
-// The bound on calculated fields that read each other.
+// The bound on fields that read each other.
 //
 // A chain of calculated fields may lead back to itself by way of a reference that shows another record's field, which
-// no look at the definition alone can tell. So each read of a calculated field takes a level, and there are 256 of
-// them, with a bound on the depths of all trees in them together, for the stack.
-namespace Kestrona::Expressions {
+// no look at the definition alone can tell, and references may lead back to themselves. So each read of a calculated
+// field takes a level and so does each step from a reference to its target, and there are 256 of them, with a bound on
+// the depths of all trees in them together, for the stack.
+namespace Kestrona::Text {
 
-// One level, held while a calculated field is evaluated.
+// One level, held while a calculated field is evaluated or the target of a reference is shown.
 //
 // The first level that is refused writes a debug line, and from then on every level is refused until the outermost read
-// ends, which then has no value: a field that reads itself twice would else be evaluated 2^256 times, and what came out
-// would depend on the order of evaluation.
-class EvaluationLevel {
+// ends; a calculated field then has no value. A field that reads itself twice would else be evaluated 2^256 times, and
+// what came out would depend on the order of evaluation.
+class ReadLevel {
 public:
-    // `depth` is that of the expression's tree.
-    explicit EvaluationLevel(std::int32_t depth) : depth_(depth), granted_(Take(depth)) {}
+    // `depth` is that of the expression's tree, 0 for a reference.
+    explicit ReadLevel(std::int32_t depth) : depth_(depth), granted_(Take(depth)) {}
 
-    EvaluationLevel(const EvaluationLevel&) = delete;
-    EvaluationLevel& operator=(const EvaluationLevel&) = delete;
+    ReadLevel(const ReadLevel&) = delete;
+    ReadLevel& operator=(const ReadLevel&) = delete;
 
-    ~EvaluationLevel() { Give(); }
+    ~ReadLevel() { Give(); }
 
-    // Tells whether the field may be evaluated.
+    // Tells whether the field may be read.
     [[nodiscard]] bool IsGranted() const { return granted_; }
 
-    // Tells whether no level was refused so far; otherwise the field counts as 0.0 or an empty text.
+    // Tells whether no level was refused so far; otherwise a calculated field counts as 0.0 or an empty text.
     [[nodiscard]] bool IsSound() const { return !state_.exhausted; }
 
-    // Tells whether no other field is being evaluated around this one.
+    // Tells whether no other read is going on around this one.
     [[nodiscard]] bool IsOutermost() const { return state_.levels == (granted_ ? 1 : 0); }
 
 private:
@@ -74,4 +75,4 @@ private:
     bool granted_;
 };
 
-} // namespace Kestrona::Expressions
+} // namespace Kestrona::Text
