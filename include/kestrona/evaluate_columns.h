@@ -18,7 +18,8 @@ namespace Kestrona::Data::MemoryResident {
 /// field's expression at each read, so a value is always current. Records are those of the format.
 ///
 /// Calculated fields that read each other are evaluated up to 256 levels deep, the steps from references to the fields
-/// that they show included. A read that would go further gives 0.0 or an empty text, with one line to the debug log. \tparam T `double` or `std::wstring`.
+/// that they show included. A read that would go further gives 0.0 or an empty text, with one line to the debug log.
+/// \tparam T `double` or `std::wstring`.
 template <typename T>
 class KS_API CalculatedColumn : public IColumn<T> {
 public:

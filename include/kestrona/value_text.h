@@ -30,8 +30,8 @@
 /// `SetCurrentListRecord`. A reference is looked up in the formats of the list then.
 ///
 /// A reference to a reference is followed up to 256 steps, calculated fields on the way included; behind that it counts
-/// as a key that is not found, with one line to the debug log. A FORMAT that is no format of one number, or with a width
-/// or precision above 512, counts as "%.2lf".
+/// as a key that is not found, with one line to the debug log. A FORMAT that is no format of one number, or with a
+/// width or precision above 512, counts as "%.2lf".
 ///
 /// Returns the value, or 0.0 for references and texts.
 KS_API double KSDLL_ValueToTString(Kestrona::Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,

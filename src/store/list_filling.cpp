@@ -98,8 +98,8 @@ void FillParallel(IMemoryResidentData& store, const Cell& cell, const field_info
         return;
     }
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        const double value =
-            KSDLL_CreateFreeString(store, parallel.format, parallel.field, parallel.record, EntryText(store, list, keys[i]));
+        const double value = KSDLL_CreateFreeString(store, parallel.format, parallel.field, parallel.record,
+                                                    EntryText(store, list, keys[i]));
         KSDLL_SetMatrixValue(id, static_cast<std::uint32_t>(i), value);
     }
 }

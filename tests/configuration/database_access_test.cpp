@@ -27,11 +27,10 @@ TEST_F(DatabaseAccess, RunsItsPhasesInOrder) {
     Add(L"Orders", {Fixtures::Number(L"Key"), Real(L"Sum", L"EVALUATE \"1\"", {Classes::kEvaluate}),
                     Real(L"Gone", L"HIDDEN IF \"1\"", {Classes::kHiddenIf})});
     EXPECT_EQ(check_database_access(store_, true, this), 0);
-    EXPECT_EQ(log_->lines,
-              (std::vector<std::wstring>{
-                  L"About to Check DB Access", L"About to Check DB Relationships", L"Format 0 Field 0",
-                  L"Format 0 Field 1", L"Format 0 Field 2", L"About to create data arrays",
-                  L"About to check Primary key existance", L"DB Integrety checked out OK"}));
+    EXPECT_EQ(log_->lines, (std::vector<std::wstring>{
+                               L"About to Check DB Access", L"About to Check DB Relationships", L"Format 0 Field 0",
+                               L"Format 0 Field 1", L"Format 0 Field 2", L"About to create data arrays",
+                               L"About to check Primary key existance", L"DB Integrety checked out OK"}));
     EXPECT_EQ(feedback_, L"stage 17138 50% ");
     EXPECT_NE(Column(0), nullptr);
 }

@@ -132,7 +132,8 @@ TEST_F(Expressions, OfADefinitionAreToldWithACaretToo) {
         WriteFile(definition_, definition);
         const ToolRun run = RunTool({"check", definition_});
         EXPECT_EQ(run.exit_code, 1);
-        EXPECT_NE(run.out.find("in format 'Works orders' and field 'Twice': [resolution]\n"), std::string::npos) << run.out;
+        EXPECT_NE(run.out.find("in format 'Works orders' and field 'Twice': [resolution]\n"), std::string::npos)
+            << run.out;
         EXPECT_NE(run.out.find(c.told), std::string::npos) << run.out;
     }
 }

@@ -61,8 +61,8 @@ struct ShowOptions {
     std::vector<std::string> added;      ///< `NAME=EXPRESSION`: columns behind the fields.
     std::vector<std::string> order;      ///< `FIELD[:desc]`: fields to sort by.
     bool group_families = false;         ///< Members of a family stand behind their parent.
-    bool raw = false;  ///< Print stored values in every output form.
-    bool text = false; ///< Print display texts in every output form.
+    bool raw = false;                    ///< Print stored values in every output form.
+    bool text = false;                   ///< Print display texts in every output form.
     std::size_t limit = 0;               ///< Most rows to print; 0 for all.
 };
 
@@ -81,7 +81,7 @@ struct EvalOptions {
     std::vector<std::string> conditions; ///< Like those of `ShowOptions`.
     std::vector<std::string> order;      ///< Likewise.
     bool group_families = false;
-    std::size_t limit = 0;               ///< Most rows to print; 0 for all.
+    std::size_t limit = 0; ///< Most rows to print; 0 for all.
 };
 
 /// Loads a definition and folders of CSV files, and prints an expression's value for each record of a format.

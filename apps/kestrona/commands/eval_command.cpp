@@ -58,12 +58,9 @@ int RunEval(const EvalOptions& options) {
     if (code == kExitUnreadableInput) {
         return code;
     }
-    RecordPrint print{{OwnField(store, format, store.GetDbKey(format))},
-                      {},
-                      std::move(*filter),
-                      options.limit,
-                      options.form,
-                      StyleFor(options.form, options.raw, false)};
+    RecordPrint print{
+        {OwnField(store, format, store.GetDbKey(format))}, {}, std::move(*filter), options.limit, options.form,
+        StyleFor(options.form, options.raw, false)};
     print.order = std::move(*order);
     print.added.push_back({ColumnName(store, format), std::move(*expression)});
     return PrintRecords(store, format, std::move(print)) ? code : kExitUnreadableInput;
