@@ -9,6 +9,8 @@ namespace Kestrona::Host {
 namespace {
 
 constexpr std::wstring_view kSection = L"#SECTION ";
+// Each entry names its section, so that a longer name would cost more than the list's own size.
+constexpr std::size_t kLongestSection = 256;
 constexpr std::string_view kLittleEndianMark = "\xff\xfe";
 constexpr std::string_view kBigEndianMark = "\xfe\xff";
 constexpr std::string_view kUtf8Mark = "\xef\xbb\xbf";
@@ -59,7 +61,7 @@ public:
                 ReadEntry();
             } else {
                 if (line.starts_with(kSection)) {
-                    section_ = line.substr(kSection.size());
+                    BeginSection(line.substr(kSection.size()));
                 }
                 ++next_;
             }
@@ -112,10 +114,21 @@ private:
         if (ReadText(entry.text, Closing::BeforeTranslation) && ReadText(entry.translation, Closing::EndOfEntry)) {
             list_.entries.push_back(std::move(entry));
         } else {
-            list_.diagnostics.push_back({Severity::Error, file_, entry.line, 1,
-                                         "entry is not closed; expected the text and its translation in double quotes "
-                                         "on lines of their own"});
+            Report(entry.line,
+                   "entry is not closed; expected the text and its translation in double quotes on lines of "
+                   "their own");
         }
+    }
+
+    void BeginSection(std::wstring_view name) {
+        section_ = name.substr(0, kLongestSection);
+        if (name.size() > kLongestSection) {
+            Report(static_cast<std::int32_t>(next_ + 1), "section name is cut off after 256 characters");
+        }
+    }
+
+    void Report(std::int32_t line, const char* message) {
+        list_.diagnostics.push_back({Severity::Error, file_, line, 1, message});
     }
 
     std::vector<std::wstring_view> lines_;

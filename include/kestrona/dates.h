@@ -86,8 +86,8 @@ KS_API void KSDLL_StringFromOADate(double value, wchar_t* text);
 /// The same with the year of the locale's length; -1.0 and NaN give the word for an unset value (message 0x698a).
 KS_API std::wstring KSDLL_OADateToTString(double value, bool include_seconds);
 KS_API void KSDLL_OADateToString(double value, wchar_t* text, bool include_seconds);
-/// Reads a date in the locale's layout, with or without a time. Any character but a digit separates the pieces, and
-/// none but a point a date's. A year below 69 is one of this century, up to 99 of the last one.
+/// Reads a date in the locale's layout, with or without a time. Any character but a digit separates the pieces; a point
+/// does not between those of the date. A year below 69 is one of this century, up to 99 of the last one.
 ///
 /// Returns 0 when the text is a date, or the word for an unset value, which stands for -1.0; 1 when it names a date
 /// that does not exist, or one that would read differently when it is shown: `value` is the date that it comes down to;

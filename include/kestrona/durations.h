@@ -39,7 +39,8 @@ enum class DurationConversionMode : std::int32_t {
 ///
 /// `DurationMode::kPrecise` does not round before it splits, so that 0:27 may show as 26 minutes and 60.00 seconds.
 KS_API std::wstring KSDLL_DurationToTString(double value, std::int16_t mode, const Kestrona::NumberFormat& format);
-/// The same into a buffer, which must hold 64 characters and the three words of the host that the text may have.
+/// The same into a buffer. Requires: room for 64 characters, the two words of the host that the text may have, and the
+/// decimals that `format` asks for, of which there may be 512.
 KS_API void KSDLL_DurationToString(double value, wchar_t* text, std::int16_t mode,
                                    const Kestrona::NumberFormat& format);
 

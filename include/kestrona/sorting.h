@@ -14,8 +14,8 @@
 /// Sorting the records of a format: to a list of record numbers, into a display sequence column, or by moving the rows.
 ///
 /// All sorts are stable: records that no field tells apart keep their order. They cost O(n log n) for texts and O(n) a
-/// field for numbers; the key of a record is taken once per sort. A value that is not a number stands behind all
-/// numbers.
+/// field for numbers; the key of a record is taken once per sort. A value that is not a number counts as larger than
+/// every number.
 ///
 /// Threads: one at a time.
 
@@ -31,10 +31,12 @@ struct SortDetails {
 class KS_API ISort {
 public:
     /// With `reverse` 0 tells whether the first record comes before the second, otherwise whether it comes after it.
+    ///
+    /// Requires: records that the format had when the comparator was made.
     virtual bool Compare(std::int32_t reverse, const std::int32_t& first, const std::int32_t& second) = 0;
     virtual ~ISort() = default;
 
-    /// Sorts the record numbers by this comparison alone, equal ones in the order given.
+    /// Sorts the record numbers by this comparison alone, equal ones in the order given. Requires the same.
     virtual void SortStably(std::vector<std::int32_t>& records) = 0;
 
 protected:
@@ -169,6 +171,6 @@ KS_API Kestrona::Data::MemoryResident::IColumn<double>*
 KSDLL_FindDisplaySequenceColumn(Kestrona::Data::MemoryResident::MemoryResidentData& store, std::int32_t format);
 
 /// Tells whether `a` comes before `b` in the collation of a locale that takes runs of digits as numbers: "A9" before
-/// "A10". Texts that are equal to the collation are compared by UTF-16 code units. An unknown locale identity stands
-/// for the default locale.
+/// "A10". Texts that are equal to the collation are compared by UTF-16 code units. A locale identity of 0, and an
+/// unknown one, stands for the default locale.
 KS_API bool KSDLL_FirstFilesFirst(std::uint32_t locale, const std::wstring& a, const std::wstring& b);

@@ -19,12 +19,16 @@ struct CloseCollator {
 
 using Collator = std::unique_ptr<UCollator, CloseCollator>;
 
+// The name of the identities without a language, 0 among them.
+constexpr std::string_view kNoLanguage = "root";
+
 // The default locale where the identity stands for none.
 std::string LocaleName(std::uint32_t locale) {
     std::array<char, ULOC_FULLNAME_CAPACITY> name{};
     UErrorCode error = U_ZERO_ERROR;
     const std::int32_t length = uloc_getLocaleForLCID(locale, name.data(), ULOC_FULLNAME_CAPACITY, &error);
-    return U_SUCCESS(error) && length > 0 && length < ULOC_FULLNAME_CAPACITY ? name.data() : uloc_getDefault();
+    const bool is_known = U_SUCCESS(error) && length > 0 && length < ULOC_FULLNAME_CAPACITY;
+    return is_known && name.data() != kNoLanguage ? name.data() : uloc_getDefault();
 }
 
 Collator OpenCollator(std::uint32_t locale) {

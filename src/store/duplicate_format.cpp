@@ -4,6 +4,7 @@
 #include "store/class_test.h"
 
 #include <kestrona/classes.h>
+#include <kestrona/expression_parsing.h>
 #include <kestrona/matrices.h>
 #include <kestrona/process.h>
 #include <kestrona/store.h>
@@ -113,7 +114,8 @@ std::int32_t MemoryResidentData::CreateDuplicateFormat(std::int32_t format, wcha
         return kRefused;
     }
     const OwnedText kept_name(KSDLL_AddText(name)); // may be a text of what is reset
-    ResetFormat(copy);                              // what an earlier duplicate left there
+    KSDLL_FreeExpressionCache();                    // an earlier duplicate may have been read under this number
+    ResetFormat(copy);                              // what it left there
     if (!at_end) {
         SetFormatCount(std::max(formatCount_, copy + 1));
     }

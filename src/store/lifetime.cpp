@@ -144,6 +144,7 @@ void MemoryResidentData::DestroyFormat(std::int32_t format) {
 }
 
 void MemoryResidentData::InitializeFormats() {
+    KSDLL_FreeExpressionCache();
     SetFormatCount(0);
     for (std::int32_t format = 0; format < kMaxFormats; ++format) {
         ResetFormat(format);
@@ -152,7 +153,6 @@ void MemoryResidentData::InitializeFormats() {
 
 void MemoryResidentData::FreeDbMemory() {
     FreeUserStrings();
-    KSDLL_FreeExpressionCache();
     InitializeFormats();
     tables_.reset();
     ResetStringSubstitutions();

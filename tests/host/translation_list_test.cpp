@@ -92,6 +92,19 @@ TEST(TranslationList, LongListsOfOpenQuotesTakeNoLonger) {
     EXPECT_EQ(ParseTranslationList(std::string(1 << 20, '"'), "list").diagnostics.size(), 1U);
 }
 
+// Each entry names its section.
+TEST(TranslationList, LongSectionNamesAreCutOff) {
+    std::string text = "#SECTION " + std::string(1 << 20, 's') + '\n';
+    for (int i = 0; i < 100000; ++i) {
+        text += "\"\"\n\"\"\n";
+    }
+    const TranslationList list = ParseTranslationList(text, "list");
+    ASSERT_EQ(list.entries.size(), 100000U);
+    EXPECT_EQ(list.entries.back().section, std::wstring(256, L's'));
+    ASSERT_EQ(list.diagnostics.size(), 1U);
+    EXPECT_EQ(list.diagnostics.front().line, 1);
+}
+
 TEST(TranslationList, WhatAWriterListsReadsBackAndTranslates) {
     const Fixtures::FreshProcess process;
     std::string name = (std::filesystem::temp_directory_path() / "kestrona-XXXXXX").string();

@@ -1,6 +1,8 @@
 #include "fixtures/recording_services.h"
 #include "fixtures/schema.h"
 
+#include <kestrona/expression.h>
+#include <kestrona/expression_parsing.h>
 #include <kestrona/matrices.h>
 #include <kestrona/process.h>
 #include <kestrona/record_search.h>
@@ -155,6 +157,25 @@ TEST_F(DuplicateFormat, HasTheSchemaAndNoneOfTheData) {
     const std::int32_t id = KSDLL_CreateMatrix(*store, 2, copy, 2, 1);
     EXPECT_EQ(KSDLL_GetDbMatrix(*store, copy, 3, 1), id);
     EXPECT_EQ(KSDLL_GetMatrixValueFromId(id, 1, 0), 3.0);
+}
+
+TEST_F(DuplicateFormat, ANumberThatComesAgainHasNoExpressionsOfItsFormerFormat) {
+    const auto read = [&](std::int32_t format) {
+        store->SetCurrentDbSize(format, 1);
+        INativeExpression* const expression =
+            KSDLL_CreateExpressionFromCache(*store, format, L"{#Cost}", false, nullptr);
+        return expression != nullptr ? expression->Evaluate(*store, 0, -1, nullptr) : -1.0;
+    };
+    AddTable(*store, L"First", {Number(L"Key"), Number(L"Cost", 3.0), Number(L"Time", 4.0)});
+    AddTable(*store, L"Second", {Number(L"Key"), Number(L"Time", 5.0), Number(L"Cost", 6.0)});
+    const std::int32_t copy = Duplicate(0, true);
+    EXPECT_EQ(read(copy), 3.0);
+    ASSERT_EQ(Duplicate(1, true), copy);
+    EXPECT_EQ(read(copy), 6.0);
+    EXPECT_EQ(read(0), 3.0);
+    store->InitializeFormats();
+    AddTable(*store, L"Third", {Number(L"Key"), Number(L"Time", 7.0), Number(L"Cost", 8.0)});
+    EXPECT_EQ(read(0), 8.0);
 }
 
 TEST_F(DuplicateFormat, IsUntrackedWhereALaterKeyFieldSaysSo) {

@@ -2,6 +2,9 @@
 #include "fixtures/recording_services.h"
 #include "fixtures/schema.h"
 
+#include <kestrona/host_settings.h>
+#include <kestrona/matrices.h>
+#include <kestrona/process.h>
 #include <kestrona/sorting.h>
 #include <kestrona/store.h>
 #include <kestrona/unicode.h>
@@ -192,6 +195,96 @@ TEST_F(Sort, NumbersOfEveryKindHaveAPlace) {
     }
 }
 
+// Tells of every pair what the comparison tells, and compares the sort of the comparator with that.
+void ExpectOneOrder(ISort& comparator, std::int32_t records) {
+    Records expected(static_cast<std::size_t>(records));
+    std::iota(expected.begin(), expected.end(), 0);
+    Records sorted = expected;
+    std::ranges::stable_sort(expected, [&](std::int32_t a, std::int32_t b) { return comparator.Compare(0, a, b); });
+    comparator.SortStably(sorted);
+    EXPECT_EQ(sorted, expected);
+    for (std::int32_t a = 0; a < records; ++a) {
+        for (std::int32_t b = 0; b < records; ++b) {
+            ASSERT_EQ(comparator.Compare(1, a, b), comparator.Compare(0, b, a)) << a << ' ' << b;
+        }
+    }
+}
+
+TEST_F(Sort, ComparingAndSortingAreOneOrder) {
+    MakeRandomTable(60, 11);
+    store->SetDbValue(0, 1, 5, 77.0); // the key of no record
+    store->SetDbValue(0, 2, 6, kNotANumber);
+    for (const bool ascending : {true, false}) {
+        NumericSort numbers(*store->GetDbColumn(0, 2), ascending);
+        StringSort shown(*store, 0, 3, ascending);
+        FreeFormatSort texts(*store, 0, 4, ascending);
+        ExpectOneOrder(numbers, 60);
+        ExpectOneOrder(shown, 60);
+        ExpectOneOrder(texts, 60);
+    }
+    ParentSort families(*store->GetDbColumn(0, 0), *store->GetDbColumn(0, 1));
+    ExpectOneOrder(families, 60);
+    EXPECT_TRUE(families.Compare(0, 5, 0)); // no parent comes before the first one
+}
+
+TEST_F(Sort, ReferencesComeInTheOrderOfTheirTextsByCodeUnits) {
+    const std::vector<std::wstring> names{L"b", L"A10", L"A9", L"B", L"\U0001F600", L"\uFFFD", L""};
+    const auto count = static_cast<std::int32_t>(names.size());
+    const std::int32_t goods = AddTable(*store, L"Goods", {Number(L"Key"), Text(L"Name")}, count);
+    const std::int32_t orders = AddTable(*store, L"Orders", {Number(L"Key"), Reference(L"Good", goods, 1)}, count);
+    for (std::int32_t record = 0; record < count; ++record) {
+        store->SetDbKeyValue(goods, record, count - record);
+        store->SetDbString(goods, 1, record, names[static_cast<std::size_t>(record)]);
+        store->SetDbValue(orders, 1, record, count - record);
+    }
+    Records sorted = KSDLL_SingleColumnSortVector(*store, orders, 1, true);
+    EXPECT_EQ(sorted, (Records{6, 1, 2, 3, 0, 4, 5})); // a surrogate pair stands before U+FFFD
+    std::vector<SortDetails> details{{1, false}};
+    KSDLL_SortToVector(*store, orders, details, sorted);
+    EXPECT_EQ(sorted, (Records{5, 4, 0, 3, 2, 1, 6}));
+}
+
+std::vector<Records> told_places;
+
+TEST_F(Sort, RowsTakeTheirMatricesAlongAndTheHostHearsOfTheirPlaces) {
+    const auto matrix = [](Class c) {
+        return Field{.name = L"Matrix", .type = TypeBit::kMatrix, .classes = {c}, .table = 0};
+    };
+    const Records values{3, 0, 2, 0, 1};
+    const auto count = static_cast<std::int32_t>(values.size());
+    Field sequence = Number(L"Sequence");
+    sequence.classes = {Classes::kDisplaySequence};
+    AddTable(*store, L"Plan",
+             {Number(L"Key"), Number(L"Value"), matrix(Classes::kList), matrix(Classes::k3DMatrix), sequence}, count);
+    for (std::int32_t record = 0; record < count; ++record) {
+        store->SetDbKeyValue(0, record, record);
+        store->SetDbValue(0, 1, record, values[static_cast<std::size_t>(record)]);
+        for (const std::int32_t field : {2, 3}) {
+            KSDLL_SetMatrixValue(KSDLL_CreateMatrix(*store, 1, 0, field, record), 0, record + field * 10.0);
+        }
+    }
+    SetSequencerFunctions(
+        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, [](Records& places) { told_places.push_back(places); },
+        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    SetCurrentModule(KestronaModule::Sequencer);
+    SetSequencerOrderFormat(0);
+    told_places.clear();
+    IColumn<double>* const column = KSDLL_FindDisplaySequenceColumn(*store, 0);
+    ASSERT_EQ(column, store->GetDbColumn(0, 4));
+    KSDLL_RankSort(*store, 0, 1, 0, column);
+    EXPECT_TRUE(told_places.empty());
+    KSDLL_RankSort(*store, 0, 1, 0, nullptr);
+    EXPECT_EQ(told_places, (std::vector<Records>{{4, 0, 3, 1, 2}}));
+    for (std::int32_t place = 0; place < count; ++place) {
+        const double key = Records{1, 3, 4, 2, 0}[static_cast<std::size_t>(place)];
+        EXPECT_EQ(store->GetDbKeyValue(0, place), key);
+        EXPECT_EQ(KSDLL_GetMatrixValue(*store, 0, 2, place, 0), key + 20.0);
+        EXPECT_EQ(KSDLL_GetMatrixValue(*store, 0, 3, place, 0), key + 30.0);
+        EXPECT_EQ(column->GetValue(place), place); // moved with the rows that it numbered
+    }
+    EXPECT_EQ(KSDLL_FindDisplaySequenceColumn(*store, 1), nullptr);
+}
+
 TEST(TextOrder, DigitsCountAsNumbersAndEqualTextsByCodeUnits) {
     constexpr std::uint32_t kEnglish = 0x0409;
     EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"A9", L"A10"));
@@ -206,6 +299,9 @@ TEST(TextOrder, DigitsCountAsNumbersAndEqualTextsByCodeUnits) {
     EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"\u00C4", L"Z"));
     EXPECT_FALSE(KSDLL_FirstFilesFirst(kSwedish, L"\u00C4", L"Z"));
     EXPECT_TRUE(KSDLL_FirstFilesFirst(0xFFFFFFFF, L"A9", L"A10"));
+    for (const auto& [a, b] : {std::pair{L"a", L"B"}, {L"B", L"a"}, {L"\u00C4", L"Z"}}) {
+        EXPECT_EQ(KSDLL_FirstFilesFirst(0, a, b), KSDLL_FirstFilesFirst(0xFFFFFFFF, a, b)) << a << b;
+    }
 }
 
 } // namespace

@@ -35,11 +35,12 @@ struct TranslationListEntry {
 
 struct TranslationList {
     std::vector<TranslationListEntry> entries; ///< In reading order.
-    std::vector<Diagnostic> diagnostics;       ///< One for each entry that could not be read and was left out.
+    std::vector<Diagnostic> diagnostics;       ///< Entries that were left out, and section names that were cut off.
 };
 
 /// Reads a list: UTF-16 with a byte order mark, or UTF-8. Everything that is neither a section nor an entry counts as
-/// a remark. An entry whose quotes do not close before the next one is left out. `file` is the name in diagnostics.
+/// a remark. An entry whose quotes do not close before the next one is left out, and a section's name is cut off after
+/// 256 characters. `file` is the name in diagnostics.
 [[nodiscard]] TranslationList ParseTranslationList(std::string_view bytes, const std::string& file);
 
 /// Reads a list file; nothing when it cannot be read.
