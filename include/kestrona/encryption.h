@@ -76,7 +76,6 @@ public:
 private:
     EncryptionService() = default;
 
-    DataProtection protection_;
     std::wstring protected_key_;
     bool fully_enabled_ = false;
 };
