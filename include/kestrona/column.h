@@ -98,6 +98,7 @@ public:
 
     /// Removes many records in one pass and reports key values that `keys` gives, which may be this column itself.
     /// Requires: `keys` not null, `records` in descending order.
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): columns that erase take the list over.
     virtual void GroupErase(IColumn<double>* /*keys*/, std::vector<std::int32_t> /*records*/) {}
 
     /// Puts an index in front of the column. The result takes the column's place and owns it.

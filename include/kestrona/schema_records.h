@@ -70,9 +70,9 @@ struct field_info {
 /// One format.
 struct formats_info {
     bool eligibleForCommonDataset = false;
+    bool originalNameTaken = false; ///< `originalDisplayName` holds a snapshot.
     std::wstring displayName;
     std::wstring originalDisplayName; ///< The display name of the Original view.
-    bool originalNameTaken = false;   ///< `originalDisplayName` holds a snapshot.
     OwnedText name;                   ///< Null where no format stands.
     OwnedText extension;              ///< A format with one is loadable.
     OwnedText defaultDatasetName;
