@@ -9,8 +9,8 @@
 #include <kestrona/record_state_strategy.h>
 #include <kestrona/sorting.h>
 
+#include <algorithm>
 #include <numeric>
-#include <ranges>
 #include <utility>
 
 namespace Kestrona::Data::MemoryResident {
@@ -67,9 +67,8 @@ std::unique_ptr<ISort> MakeParentComparator(IMemoryResidentData& store, std::int
 // first give just that.
 Records Sorted(IMemoryResidentData& store, std::int32_t format, const Comparators& comparators) {
     Records records = AllRecords(store, format);
-    for (const std::unique_ptr<ISort>& comparator : std::views::reverse(comparators)) {
-        comparator->SortStably(records);
-    }
+    std::for_each(comparators.rbegin(), comparators.rend(),
+                  [&](const std::unique_ptr<ISort>& comparator) { comparator->SortStably(records); });
     return records;
 }
 
