@@ -41,6 +41,8 @@ public:
     void Free(T value);
     /// Forgets the cached positions of the extreme values.
     void ResetMinMax();
+    /// Replaces all values, as read from a file: counts as no change.
+    void ReplaceValues(std::vector<T> values);
 
     void StartTransaction(std::string id) override;
     void EndTransaction(std::string id) override;
@@ -138,7 +140,6 @@ private:
 
     void ReportErasedRuns(IColumn<double>& keys, const std::vector<std::int32_t>& records);
     void RemoveHeld(const std::vector<std::int32_t>& records);
-    void ReplaceNumbers(std::vector<T> loaded);
 
     std::vector<T> values_;
     T defaultValue_{};

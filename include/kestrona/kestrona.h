@@ -4,6 +4,7 @@
 /// Everything that a user of the library may name.
 
 #include <kestrona/audit_log.h>
+#include <kestrona/binary_strings.h>
 #include <kestrona/built_in_tables.h>
 #include <kestrona/caches.h>
 #include <kestrona/change_set.h>
@@ -12,7 +13,10 @@
 #include <kestrona/classification_readers.h>
 #include <kestrona/column.h>
 #include <kestrona/compilation_state.h>
+#include <kestrona/compiled_configuration.h>
 #include <kestrona/concrete_columns.h>
+#include <kestrona/data_compressor.h>
+#include <kestrona/data_extraction.h>
 #include <kestrona/data_storage.h>
 #include <kestrona/dates.h>
 #include <kestrona/definition_load.h>
@@ -43,9 +47,12 @@
 #include <kestrona/record_state.h>
 #include <kestrona/record_state_strategy.h>
 #include <kestrona/records.h>
+#include <kestrona/safe_file.h>
 #include <kestrona/schema_records.h>
 #include <kestrona/services.h>
 #include <kestrona/store.h>
+#include <kestrona/table_definition_stream.h>
+#include <kestrona/table_storage.h>
 #include <kestrona/tracked_values.h>
 #include <kestrona/tracking.h>
 #include <kestrona/translation.h>

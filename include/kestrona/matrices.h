@@ -27,6 +27,9 @@
 /// record 0. A record number that no cell has gets no matrix.
 KS_API std::int32_t KSDLL_CreateMatrix(Kestrona::Data::MemoryResident::IMemoryResidentData& store, std::uint32_t size,
                                        std::int32_t format, std::int32_t field, std::int32_t record);
+/// Keeps the ids below `count` from being given out, so that a file's matrices can have them, and raises
+/// `GetTotalMatrixCount` to at least `count`. Never lowers anything; a count above 2^30 counts as that.
+KS_API void KSDLL_ReserveMatrixIds(std::int32_t count);
 /// Frees a matrix. The id stays in the cells that hold it, and `KSDLL_CreateMatrix` makes a new matrix under it.
 KS_API void KSDLL_FreeMatrix(std::int32_t id);
 /// Frees the matrices of every record of a format.

@@ -1,5 +1,7 @@
 #include "columns/column_file.h"
 
+#include "platform/file_reading.h"
+
 #include <kestrona/unicode.h>
 
 #include <algorithm>
@@ -18,17 +20,6 @@ static_assert(std::endian::native == std::endian::little, "blocks are written as
 constexpr std::size_t kChunk = std::size_t{1} << 16;
 // Bytes of texts that are gathered before they are written.
 constexpr std::size_t kWriteBuffer = std::size_t{1} << 16;
-
-// Bytes from here to the end; 0 when the file cannot tell.
-std::size_t BytesLeft(std::FILE* file) {
-    const long here = std::ftell(file);
-    if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) {
-        return 0;
-    }
-    const long end = std::ftell(file);
-    std::fseek(file, here, SEEK_SET);
-    return end > here ? static_cast<std::size_t>(end - here) : 0;
-}
 
 // Appends up to `count` elements, fewer where the file ends.
 template <typename Container>
@@ -77,7 +68,7 @@ std::vector<T> ReadNumbers(std::FILE* file, std::size_t limit) {
     const auto count = static_cast<std::size_t>(ReadCount(file));
     std::vector<T> values;
     if (count > kChunk) {
-        values.reserve(std::min(count, BytesLeft(file) / sizeof(T)));
+        values.reserve(std::min(count, Platform::BytesLeft(file) / sizeof(T)));
     }
     ReadElements(file, count, values);
     if (values.size() > limit) {

@@ -18,7 +18,7 @@ void DataStorage<T>::WriteToFile(std::FILE* file) {
 template <typename T>
 void DataStorage<T>::ReadFromFile(std::FILE* file) {
     if constexpr (std::is_arithmetic_v<T>) {
-        ReplaceNumbers(ReadNumbers<T>(file, kFirstScratchRecord));
+        ReplaceValues(ReadNumbers<T>(file, kFirstScratchRecord));
     } else {
         const std::int32_t count = ReadCount(file);
         T text;
@@ -31,12 +31,12 @@ void DataStorage<T>::ReadFromFile(std::FILE* file) {
 // A loaded table is not a changed table: nothing is reported, except that a column lost its values where the file has
 // none for it.
 template <typename T>
-void DataStorage<T>::ReplaceNumbers(std::vector<T> loaded) {
+void DataStorage<T>::ReplaceValues(std::vector<T> values) {
     InvalidateIndexInFront();
     ResetMinMax();
-    const auto count = static_cast<std::uint32_t>(loaded.size());
+    const auto count = static_cast<std::uint32_t>(values.size());
     if (count > 0) {
-        values_ = std::move(loaded);
+        values_ = std::move(values);
     }
     this->Resize(count);
 }

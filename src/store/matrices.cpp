@@ -7,6 +7,8 @@
 #include <kestrona/classes.h>
 #include <kestrona/matrices.h>
 
+#include <algorithm>
+
 namespace Kestrona::Data::MemoryResident {
 
 namespace {
@@ -87,6 +89,12 @@ std::int32_t KSDLL_CreateMatrix(IMemoryResidentData& store, std::uint32_t size, 
                                     HasClass(*info, Classes::kEvaluate));
     }
     return id;
+}
+
+void KSDLL_ReserveMatrixIds(std::int32_t count) {
+    if (count > 0) {
+        MatrixTable::Instance().NoteId(std::min(count, MatrixTable::kMaxIds) - 1);
+    }
 }
 
 void KSDLL_FreeMatrix(std::int32_t id) {

@@ -1,0 +1,178 @@
+#include "persistence/matrix_storage.h"
+
+#include "columns/column_file.h"
+#include "columns/matrix_table.h"
+#include "platform/file_reading.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/data_storage.h>
+#include <kestrona/matrices.h>
+
+#include <boost/unordered/unordered_flat_set.hpp>
+
+#include <algorithm>
+#include <vector>
+
+namespace Kestrona::Persistence {
+
+using Data::MemoryResident::DataStorage;
+using Data::MemoryResident::field_info;
+using Data::MemoryResident::IColumn;
+using Data::MemoryResident::MatrixColumn;
+using Data::MemoryResident::MatrixEntry;
+using Data::MemoryResident::MatrixTable;
+using Data::MemoryResident::MemoryResidentData;
+
+namespace {
+
+// A file with larger ids or matrices is damaged.
+constexpr std::int32_t kMaxFileId = 1 << 26;
+constexpr std::int32_t kMaxFileSize = 1 << 26;
+// Records that a file of any size may have in a field that takes no byte in it.
+constexpr std::size_t kFreeRecords = std::size_t{1} << 16;
+
+using Ids = std::vector<std::int32_t>;
+
+bool HasCommonMatrix(MemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return store.ClassDefined(format, field, Classes::kCommonMatrix);
+}
+
+const MatrixEntry* EntryOf(const IColumn<std::int32_t>* identities, std::int32_t record) {
+    const MatrixEntry* const entry =
+        identities != nullptr ? MatrixTable::Instance().Find(identities->GetValue(record)) : nullptr;
+    return entry != nullptr && entry->column != nullptr ? entry : nullptr;
+}
+
+void WriteMatrix(const MatrixEntry* entry, std::FILE* file) {
+    const std::int32_t size = entry != nullptr ? static_cast<std::int32_t>(entry->size) : 0;
+    std::fwrite(&size, sizeof size, 1, file);
+    if (size > 0) {
+        entry->column->WriteToFile(file);
+    }
+}
+
+void FreeMatricesOf(const IColumn<std::int32_t>& identities) {
+    const auto count = static_cast<std::int32_t>(identities.GetCurrentSize());
+    for (std::int32_t record = 0; record < count; ++record) {
+        MatrixTable::Instance().Free(identities.GetValue(record));
+    }
+}
+
+bool IsFree(std::int32_t id) {
+    const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
+    return entry == nullptr || entry->column == nullptr;
+}
+
+// Keeps the ids that can be kept, each once, and gives the other records new ones.
+void SettleIds(Ids& ids) {
+    boost::unordered_flat_set<std::int32_t> kept;
+    for (std::int32_t& id : ids) {
+        if (id < 0 || id >= kMaxFileId || !IsFree(id) || !kept.insert(id).second) {
+            id = MatrixTable::kNoId;
+        }
+    }
+    if (!ids.empty()) {
+        KSDLL_ReserveMatrixIds(std::ranges::max(ids) + 1);
+    }
+    for (std::int32_t& id : ids) {
+        if (id == MatrixTable::kNoId) {
+            id = MatrixTable::Instance().TakeId();
+        }
+    }
+}
+
+// In a field with COMMON MATRIX every record that has a matrix has the one of record 0.
+void SettleCommonIds(Ids& ids) {
+    if (ids.empty()) {
+        return;
+    }
+    Ids first(1, ids.front());
+    SettleIds(first);
+    ids.front() = first.front();
+    std::ranges::replace_if(
+        ids, [](std::int32_t id) { return id != MatrixTable::kNoId; }, first.front());
+}
+
+// Gives the first `records` records the ids and whatever follows from them.
+void TakeIds(MemoryResidentData& store, std::int32_t format, std::int32_t field, Ids ids, std::size_t records) {
+    auto* const identities = dynamic_cast<DataStorage<std::int32_t>*>(store.GetFieldInfo(format, field)->matrixColumn);
+    if (identities == nullptr) {
+        return;
+    }
+    FreeMatricesOf(*identities);
+    ids.resize(records, MatrixTable::kNoId);
+    HasCommonMatrix(store, format, field) ? SettleCommonIds(ids) : SettleIds(ids);
+    identities->ReplaceValues(std::move(ids));
+}
+
+// The matrix of the record, made with this size; null in a field without a column of ids.
+MatrixColumn* MakeMatrix(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record,
+                         std::int32_t size) {
+    const std::int32_t id = KSDLL_CreateMatrix(store, static_cast<std::uint32_t>(size), format, field, record);
+    const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
+    return entry != nullptr ? entry->column.get() : nullptr;
+}
+
+// False where the file ends, and for a size that no matrix has.
+bool ReadSize(std::FILE* file, std::int32_t& size) {
+    if (std::fread(&size, sizeof size, 1, file) != 1 || size > kMaxFileSize) {
+        return false;
+    }
+    size = std::max(size, 0);
+    return true;
+}
+
+std::size_t BytesOf(std::FILE* file) {
+    return static_cast<std::size_t>(std::max(std::ftell(file), 0L)) + Platform::BytesLeft(file);
+}
+
+std::int32_t MatricesOf(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t records) {
+    return HasCommonMatrix(store, format, field) ? std::min(records, 1) : records;
+}
+
+} // namespace
+
+void WriteMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::FILE* file) {
+    IColumn<std::int32_t>* const identities = store.GetFieldInfo(format, field)->matrixColumn;
+    if (identities != nullptr) {
+        identities->WriteToFile(file);
+    } else {
+        Data::MemoryResident::WriteNumbers<std::int32_t>(file, {});
+    }
+    const std::int32_t matrices = MatricesOf(store, format, field, store.GetCurrentDbSize(format));
+    for (std::int32_t record = 0; record < matrices; ++record) {
+        WriteMatrix(EntryOf(identities, record), file);
+    }
+}
+
+void ReadMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t records,
+                  std::FILE* file) {
+    Ids ids = Data::MemoryResident::ReadNumbers<std::int32_t>(file, static_cast<std::size_t>(records));
+    const std::int32_t matrices = MatricesOf(store, format, field, records);
+    // Every matrix takes the bytes of its size at least.
+    const std::size_t held = Platform::BytesLeft(file) / sizeof(std::int32_t);
+    const std::size_t known = HasCommonMatrix(store, format, field) ? ids.size() : 0;
+    TakeIds(store, format, field, std::move(ids), std::max(known, std::min(static_cast<std::size_t>(matrices), held)));
+    std::int32_t size = 0;
+    for (std::int32_t record = 0; record < matrices && ReadSize(file, size); ++record) {
+        MatrixColumn* const matrix = MakeMatrix(store, format, field, record, size);
+        if (size > 0 && matrix != nullptr) {
+            matrix->ReadFromFile(file);
+        } else if (size > 0) {
+            Data::MemoryResident::ReadNumbers<double>(file, kFirstScratchRecord);
+        }
+    }
+}
+
+void MakeCalculatedMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t records,
+                            std::FILE* file) {
+    const std::size_t bound = std::max(kFreeRecords, BytesOf(file));
+    const std::int32_t matrices = MatricesOf(store, format, field, records);
+    const auto made = static_cast<std::int32_t>(std::min(static_cast<std::size_t>(matrices), bound));
+    TakeIds(store, format, field, {}, static_cast<std::size_t>(made));
+    for (std::int32_t record = 0; record < made; ++record) {
+        MakeMatrix(store, format, field, record, 0);
+    }
+}
+
+} // namespace Kestrona::Persistence
