@@ -9,6 +9,7 @@
 #include <kestrona/unicode.h>
 
 #include <fmt/format.h>
+#include <sys/resource.h>
 
 #include <cstdio>
 
@@ -42,7 +43,16 @@ bool HasKey() {
 
 } // namespace
 
+void KeepSecretsOutOfCores() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_CORE, &limit) == 0) {
+        limit.rlim_cur = 0;
+        setrlimit(RLIMIT_CORE, &limit);
+    }
+}
+
 int SetUpKey(const KeyOptions& options) {
+    KeepSecretsOutOfCores();
     const Host::KeyResult result = Host::SetUpEncryption({options.file, true, options.ask});
     if (!result.error.empty()) {
         fmt::print(stderr, "kestrona: error: {}\n", result.error);

@@ -21,6 +21,9 @@ inline constexpr const char* kEncryptedPlaceholder = "(encrypted)";
 /// How to give a key, for messages.
 inline constexpr const char* kHowToGiveAKey = "give one with --key-file, --ask-key, KESTRONA_KEY_FILE or KESTRONA_KEY";
 
+/// Has the process leave no core file behind when it crashes, as it may hold keys and plain texts.
+void KeepSecretsOutOfCores();
+
 /// Looks for a key and sets the encryption service up. A key that is of no use is told on stderr and gives `kExitKey`;
 /// no key at all is no fault.
 int SetUpKey(const KeyOptions& options);

@@ -37,7 +37,7 @@ private:
 
 /// Protects texts for the current user: only processes of the same user on the same machine can read them back.
 ///
-/// The key of the user is a file of mode 0600 that is made at the first need. Threads: one at a time.
+/// The key of the user is a file of mode 0600 that is made at the first need. Threads: any number at once.
 class KS_API DataProtection {
 public:
     /// Returns the protected form, base64. Throws `DataProtectionException`.
@@ -48,8 +48,8 @@ public:
 
 /// Turns texts into self-contained base64 texts and back.
 ///
-/// `Encrypt` and `Decrypt` keep no state and may run in several threads at once, after the user's key was read once;
-/// `Initialise` belongs to start-up. Each call derives its key anew, which takes about 100 microseconds.
+/// `Encrypt` and `Decrypt` keep no state and may run in several threads at once; `Initialise` belongs to start-up. Each
+/// call derives its key anew, which takes about 100 microseconds.
 class KS_API EncryptionService {
 public:
     /// Returns the service of the process, without a key at first.

@@ -54,7 +54,14 @@ private:
 std::wstring UserName() {
     std::array<wchar_t, kLongestUser> name{};
     MessageManager::getInstance()->GetMessageText(kMsgUser, name.data(), name.size());
+    name.back() = L'\0'; // a host may have filled all of it
     return name.data();
+}
+
+// What a text shows: the zeros that decryption leaves behind it do not belong to it.
+std::wstring UpToZero(std::wstring text) {
+    text.resize(std::min(text.find(L'\0'), text.size()));
+    return text;
 }
 
 bool HasShortYear() {
@@ -154,11 +161,15 @@ private:
 
     [[nodiscard]] std::wstring CellLine(std::int32_t field) const {
         const std::wstring& name = store_.GetColumnName(format_, field);
-        const std::wstring text = KSDLL_FieldToTString(store_, format_, field, record_);
+        const std::wstring text = CellText(format_, field, record_);
         if (IsNew()) {
             return FormatText(kSetCell, name, text);
         }
-        return FormatText(kChangedCell, name, KSDLL_FieldToTString(store_, format_, field, old_record_), text);
+        return FormatText(kChangedCell, name, CellText(format_, field, old_record_), text);
+    }
+
+    [[nodiscard]] std::wstring CellText(std::int32_t format, std::int32_t field, std::int32_t record) const {
+        return UpToZero(KSDLL_FieldToTString(store_, format, field, record));
     }
 
     [[nodiscard]] std::wstring ListLines(std::int32_t field) const {
@@ -184,7 +195,7 @@ private:
     [[nodiscard]] std::wstring ElementText(std::int32_t table, std::int32_t source, double key) const {
         const std::int32_t record = store_.LookupKeyRecord(table, key);
         if (record >= 0) {
-            return KSDLL_FieldToTString(store_, table, source, record);
+            return CellText(table, source, record);
         }
         if (store_.ClassDefined(table, source, Classes::kFreeFormat)) {
             return KSDLL_GetDefaultFreeFormatStringValue(store_, table, source);

@@ -3,6 +3,7 @@
 #include <kestrona/encrypted_string_column.h>
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace Kestrona::Data::MemoryResident {
@@ -92,11 +93,19 @@ void EncryptedStringColumn::Insert(std::int32_t record, const std::wstring& text
     if (!IsRecord(record)) {
         return;
     }
+    std::wstring stored = service_->Encrypt(text);
     const auto place = static_cast<std::size_t>(record);
     if (place > values_.size()) {
         values_.resize(place, default_value_);
     }
-    values_.insert(values_.begin() + record, service_->Encrypt(text));
+    values_.insert(values_.begin() + record, std::move(stored));
+}
+
+void EncryptedStringColumn::MoveUp(std::int32_t first, std::int32_t last) {
+    for (std::int32_t record = last; record > first; --record) {
+        const std::wstring stored = GetStoredValue(record - 1);
+        SetStoredValue(record, stored);
+    }
 }
 
 void EncryptedStringColumn::Erase(std::int32_t record, double key) {
@@ -104,6 +113,23 @@ void EncryptedStringColumn::Erase(std::int32_t record, double key) {
         values_.erase(values_.begin() + record);
     }
     record_state_->RecordErased(key);
+}
+
+void EncryptedStringColumn::EraseRecords(std::span<const std::int32_t> records, std::span<const double> keys) {
+    assert(records.size() == keys.size() && std::is_sorted(records.begin(), records.end()));
+    auto next = records.begin();
+    std::size_t kept = 0;
+    for (std::size_t place = 0; place < values_.size(); ++place) {
+        if (next != records.end() && static_cast<std::size_t>(*next) == place) {
+            ++next;
+        } else if (kept++ != place) {
+            values_[kept - 1] = std::move(values_[place]);
+        }
+    }
+    values_.resize(kept);
+    for (std::size_t i = keys.size(); i-- > 0;) {
+        record_state_->RecordErased(keys[i]);
+    }
 }
 
 std::int32_t EncryptedStringColumn::Find(const std::wstring& /*text*/) const {

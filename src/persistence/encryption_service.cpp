@@ -8,6 +8,7 @@
 #include <kestrona/encryption.h>
 
 #include <algorithm>
+#include <new>
 #include <string>
 
 namespace Kestrona::Encryption {
@@ -23,14 +24,30 @@ constexpr int kRounds = 100;
 
 // Some of these texts are misspelt; hosts know them so.
 constexpr const char* kNoRandomBytes = "Unabled to generate intialization vector";
-constexpr const char* kNoKey = "BCryptDeriveKeyPBKDF2 failed with error ";
+constexpr const char* kNoDigest = "Unable to open SHA1 provider";
+constexpr const char* kNoCipher = "Unable to open AES encryption provider";
+constexpr const char* kNoMemory = "Unable to allocate heap memory";
+constexpr const char* kNoKey = "Unabled to generate key from supplied data";
+constexpr const char* kNoParameters = "Unable to set property value";
+constexpr const char* kNotDerived = "BCryptDeriveKeyPBKDF2 failed with error ";
 constexpr const char* kNotEncrypted = "Encryption failed with status code ";
 constexpr const char* kNotDecrypted = "Decryption failed with status code ";
 constexpr const char* kTooShort = "Not enough data to decrypt text";
 constexpr const char* kNoBlocks = "Invalid data supplied to decryption method";
 
-[[noreturn]] void Fail(const char* text, CipherStatus status) {
-    throw EncryptionException(text + std::to_string(status));
+[[noreturn]] void Fail(const CipherFailure& failure, const char* no_algorithm, const char* no_result) {
+    switch (failure.step) {
+    case CipherStep::Algorithm:
+        throw EncryptionException(no_algorithm);
+    case CipherStep::Memory:
+        throw EncryptionException(kNoMemory);
+    case CipherStep::Key:
+        throw EncryptionException(kNoKey);
+    case CipherStep::Parameters:
+        throw EncryptionException(kNoParameters);
+    default:
+        throw EncryptionException(no_result + std::to_string(failure.status));
+    }
 }
 
 // The password is the text of the pass phrase and its closing zero unit.
@@ -38,10 +55,10 @@ SecretBytes KeyFor(const std::wstring& protected_key, ByteView salt) {
     const SecretBytes phrase = UnprotectedBytes(protected_key);
     SecretBytes password(phrase.Size() + 2);
     std::copy_n(phrase.Data(), phrase.Size(), password.Data());
-    CipherStatus status = 0;
-    std::optional<SecretBytes> key = DeriveKey(password.View(), salt, kRounds, status);
+    CipherFailure failure;
+    std::optional<SecretBytes> key = DeriveKey(password.View(), salt, kRounds, failure);
     if (!key) {
-        Fail(kNoKey, status);
+        Fail(failure, kNoDigest, kNotDerived);
     }
     return std::move(*key);
 }
@@ -62,7 +79,7 @@ void EncryptionService::Initialise() {
     Initialise({}, false);
 }
 
-const std::wstring EncryptionService::Encrypt(const std::wstring& text) const {
+const std::wstring EncryptionService::Encrypt(const std::wstring& text) const try {
     Bytes block(kHead);
     if (!RandomBytes(block)) {
         throw EncryptionException(kNoRandomBytes);
@@ -70,17 +87,21 @@ const std::wstring EncryptionService::Encrypt(const std::wstring& text) const {
     const SecretBytes key = KeyFor(protected_key_, ByteView(block).first(kSalt));
     const std::size_t bytes = Utf16Length(text) * 2;
     const SecretBytes plain = Utf16Bytes(text, kAesBlock - bytes % kAesBlock);
-    CipherStatus status = 0;
+    CipherFailure failure;
     const std::optional<Bytes> cipher =
-        EncryptCbc(key, ByteView(block).subspan(kSalt, kAesBlock), plain.View(), status);
+        EncryptCbc(key, ByteView(block).subspan(kSalt, kAesBlock), plain.View(), failure);
     if (!cipher) {
-        Fail(kNotEncrypted, status);
+        Fail(failure, kNoCipher, kNotEncrypted);
     }
     block.insert(block.end(), cipher->begin(), cipher->end());
     return EncodeBase64(block);
+
+} catch (const std::bad_alloc&) {
+
+    throw EncryptionException(kNoMemory);
 }
 
-const std::wstring EncryptionService::Decrypt(const std::wstring& text) const {
+const std::wstring EncryptionService::Decrypt(const std::wstring& text) const try {
     if (text.empty()) {
         return {};
     }
@@ -93,13 +114,17 @@ const std::wstring EncryptionService::Decrypt(const std::wstring& text) const {
     if (block.size() < kHead || (block.size() - kHead) % kAesBlock != 0) {
         throw EncryptionException(kNoBlocks);
     }
-    CipherStatus status = 0;
+    CipherFailure failure;
     const std::optional<SecretBytes> plain =
-        DecryptCbc(key, bytes.subspan(kSalt, kAesBlock), bytes.subspan(kHead), status);
+        DecryptCbc(key, bytes.subspan(kSalt, kAesBlock), bytes.subspan(kHead), failure);
     if (!plain) {
-        Fail(kNotDecrypted, status);
+        Fail(failure, kNoCipher, kNotDecrypted);
     }
     return TextOfUtf16(*plain);
+
+} catch (const std::bad_alloc&) {
+
+    throw EncryptionException(kNoMemory);
 }
 
 } // namespace Kestrona::Encryption

@@ -1,23 +1,32 @@
 #pragma once
 
+#include "platform/code_points.h"
 #include "platform/secret_bytes.h"
 
 #include <kestrona/unicode.h>
 
 #include <string>
 
-// Texts as UTF-16LE bytes and back, the units between them overwritten.
+// Texts as UTF-16LE bytes and back. Nothing of them stays in memory that was given back.
 namespace Kestrona::Encryption {
 
 // The bytes of the text and `extra` zero bytes.
 inline Platform::SecretBytes Utf16Bytes(const std::wstring& text, std::size_t extra) {
-    std::u16string units = ToUtf16(text);
-    Platform::SecretBytes bytes(units.size() * 2 + extra);
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        bytes.Data()[2 * i] = static_cast<unsigned char>(units[i] & 0xFF);
-        bytes.Data()[2 * i + 1] = static_cast<unsigned char>(units[i] >> 8);
+    Platform::SecretBytes bytes(Utf16Length(text) * 2 + extra);
+    unsigned char* out = bytes.Data();
+    const auto put = [&out](char32_t unit) {
+        *out++ = static_cast<unsigned char>(unit & 0xFF);
+        *out++ = static_cast<unsigned char>(unit >> 8);
+    };
+    for (const wchar_t element : text) {
+        const char32_t c = Platform::ElementToCodePoint(element);
+        if (c >= Platform::kFirstSupplementary) {
+            put(Platform::HighSurrogateOf(c));
+            put(Platform::LowSurrogateOf(c));
+        } else {
+            put(c);
+        }
     }
-    Platform::Cleanse(units.data(), units.size() * sizeof units[0]);
     return bytes;
 }
 

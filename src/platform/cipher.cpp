@@ -18,6 +18,15 @@ struct FreeContext {
 
 using Context = std::unique_ptr<EVP_CIPHER_CTX, FreeContext>;
 
+struct FreeAlgorithm {
+    void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
+
+    void operator()(EVP_MD* digest) const { EVP_MD_free(digest); }
+};
+
+using Cipher = std::unique_ptr<EVP_CIPHER, FreeAlgorithm>;
+using Digest = std::unique_ptr<EVP_MD, FreeAlgorithm>;
+
 // The provider counts in int; a block more may come out than goes in.
 bool Fits(ByteView bytes) {
     return bytes.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max()) - kAesBlock;
@@ -27,10 +36,10 @@ int Size(ByteView bytes) {
     return static_cast<int>(bytes.size());
 }
 
-CipherStatus LastError() {
-    const auto error = static_cast<CipherStatus>(ERR_peek_last_error());
+CipherFailure FailedAt(CipherStep step) {
+    const auto status = static_cast<long>(ERR_peek_last_error());
     ERR_clear_error();
-    return error;
+    return {step, status};
 }
 
 enum class Direction {
@@ -47,16 +56,25 @@ bool Run(EVP_CIPHER_CTX* context, ByteView in, unsigned char* out) {
            static_cast<std::size_t>(written) + static_cast<std::size_t>(rest) == in.size();
 }
 
-bool RunCbc(Direction direction, const SecretBytes& key, ByteView vector, ByteView in, unsigned char* out,
-            CipherStatus& status) {
+// The step at which it failed.
+CipherStep RunCbc(Direction direction, const SecretBytes& key, ByteView vector, ByteView in, unsigned char* out) {
     assert(key.Size() == kAes256Key && vector.size() == kAesBlock && in.size() % kAesBlock == 0);
+    const Cipher cipher(EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr));
+    if (!cipher) {
+        return CipherStep::Algorithm;
+    }
     const Context context(EVP_CIPHER_CTX_new());
-    const bool good = context && Fits(in) &&
-                      EVP_CipherInit_ex(context.get(), EVP_aes_256_cbc(), nullptr, key.Data(), vector.data(),
-                                        static_cast<int>(direction)) == 1 &&
-                      EVP_CIPHER_CTX_set_padding(context.get(), 0) == 1 && Run(context.get(), in, out);
-    status = good ? 0 : LastError();
-    return good;
+    if (!context) {
+        return CipherStep::Memory;
+    }
+    if (EVP_CipherInit_ex2(context.get(), cipher.get(), key.Data(), vector.data(), static_cast<int>(direction),
+                           nullptr) != 1) {
+        return CipherStep::Key;
+    }
+    if (EVP_CIPHER_CTX_set_padding(context.get(), 0) != 1) {
+        return CipherStep::Parameters;
+    }
+    return Fits(in) && Run(context.get(), in, out) ? CipherStep::None : CipherStep::Data;
 }
 
 Context GcmContext(Direction direction, const SecretBytes& key, ByteView nonce) {
@@ -75,27 +93,39 @@ void Cleanse(void* memory, std::size_t size) {
     OPENSSL_cleanse(memory, size);
 }
 
-std::optional<SecretBytes> DeriveKey(ByteView password, ByteView salt, int rounds, CipherStatus& status) {
+std::optional<SecretBytes> DeriveKey(ByteView password, ByteView salt, int rounds, CipherFailure& failure) {
+    const Digest digest(EVP_MD_fetch(nullptr, "SHA1", nullptr));
+    if (!digest) {
+        failure = FailedAt(CipherStep::Algorithm);
+        return std::nullopt;
+    }
     SecretBytes key(kAes256Key);
-    const bool good = Fits(password) && Fits(salt) &&
-                      PKCS5_PBKDF2_HMAC(reinterpret_cast<const char*>(password.data()), Size(password), salt.data(),
-                                        Size(salt), rounds, EVP_sha1(), static_cast<int>(kAes256Key), key.Data()) == 1;
-    status = good ? 0 : LastError();
-    return good ? std::optional(std::move(key)) : std::nullopt;
+    if (!Fits(password) || !Fits(salt) ||
+        PKCS5_PBKDF2_HMAC(reinterpret_cast<const char*>(password.data()), Size(password), salt.data(), Size(salt),
+                          rounds, digest.get(), static_cast<int>(kAes256Key), key.Data()) != 1) {
+        failure = FailedAt(CipherStep::Data);
+        return std::nullopt;
+    }
+    return key;
 }
 
-std::optional<Bytes> EncryptCbc(const SecretBytes& key, ByteView vector, ByteView plain, CipherStatus& status) {
+std::optional<Bytes> EncryptCbc(const SecretBytes& key, ByteView vector, ByteView plain, CipherFailure& failure) {
     Bytes cipher(plain.size() + kAesBlock);
-    if (!RunCbc(Direction::Encrypt, key, vector, plain, cipher.data(), status)) {
+    if (const CipherStep step = RunCbc(Direction::Encrypt, key, vector, plain, cipher.data());
+        step != CipherStep::None) {
+        failure = FailedAt(step);
         return std::nullopt;
     }
     cipher.resize(plain.size());
     return cipher;
 }
 
-std::optional<SecretBytes> DecryptCbc(const SecretBytes& key, ByteView vector, ByteView cipher, CipherStatus& status) {
+std::optional<SecretBytes> DecryptCbc(const SecretBytes& key, ByteView vector, ByteView cipher,
+                                      CipherFailure& failure) {
     SecretBytes plain(cipher.size() + kAesBlock);
-    if (!RunCbc(Direction::Decrypt, key, vector, cipher, plain.Data(), status)) {
+    if (const CipherStep step = RunCbc(Direction::Decrypt, key, vector, cipher, plain.Data());
+        step != CipherStep::None) {
+        failure = FailedAt(step);
         return std::nullopt;
     }
     return SecretBytes(plain.View().first(cipher.size()));

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <system_error>
 
 namespace Kestrona::Platform {
@@ -21,8 +22,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t kOwnerOnly = 0600;
+constexpr mode_t kOwnersFolder = 0700;
 constexpr mode_t kOthers = 0077;
+
+// Guards the keys that were read, and the making of one.
+std::mutex& Lock() {
+    static std::mutex lock;
+    return lock;
+}
 
 std::map<std::string, SecretBytes>& KnownKeys() {
     static std::map<std::string, SecretBytes> keys;
@@ -95,29 +102,42 @@ bool IsOwnersAlone(int descriptor) {
     return true;
 }
 
-// False with errno, which is ENOENT where there is no key yet.
+// False with errno, which is ENOENT where there is no key yet. Does not wait for the other end of a pipe.
 bool ReadKey(const fs::path& path, SecretBytes& key) {
-    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     return file.IsOpen() && IsOwnersAlone(file.Descriptor()) &&
            MoveAll([&](std::size_t at, std::size_t size) { return read(file.Descriptor(), key.Data() + at, size); },
                    key.Size());
 }
 
-bool WriteKey(const std::string& path, const SecretBytes& key) {
-    const File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
-    return file.IsOpen() &&
-           MoveAll([&](std::size_t at, std::size_t size) { return write(file.Descriptor(), key.Data() + at, size); },
+bool WriteKey(const File& file, const SecretBytes& key) {
+    return MoveAll([&](std::size_t at, std::size_t size) { return write(file.Descriptor(), key.Data() + at, size); },
                    key.Size()) &&
            fsync(file.Descriptor()) == 0;
+}
+
+bool MakeFolder(const fs::path& folder) {
+    std::error_code error;
+    fs::create_directories(folder.parent_path(), error);
+    if (error) {
+        errno = error.value();
+        return false;
+    }
+    return mkdir(folder.c_str(), kOwnersFolder) == 0 || errno == EEXIST;
+}
+
+// What is protected with a key whose name a power failure took would be lost. Not every file system can do it.
+void KeepEntries(const fs::path& folder) {
+    const File file(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (file.IsOpen()) {
+        fsync(file.Descriptor());
+    }
 }
 
 // The key appears under its name whole or not at all. Where two processes make one, the first wins: a link never
 // replaces a file.
 bool MakeKey(const fs::path& path, SecretBytes& key) {
-    std::error_code folder_error;
-    fs::create_directories(path.parent_path(), folder_error);
-    if (folder_error) {
-        errno = folder_error.value();
+    if (!MakeFolder(path.parent_path())) {
         return false;
     }
     SecretBytes fresh(kAes256Key);
@@ -125,11 +145,15 @@ bool MakeKey(const fs::path& path, SecretBytes& key) {
         errno = EIO;
         return false;
     }
-    const std::string draft = path.string() + '.' + std::to_string(getpid());
-    unlink(draft.c_str());
-    bool made = WriteKey(draft, fresh) && (link(draft.c_str(), path.c_str()) == 0 || errno == EEXIST);
+    std::string draft = path.string() + ".XXXXXX";
+    const File file(mkostemp(draft.data(), O_CLOEXEC)); // mode 0600
+    if (!file.IsOpen()) {
+        return false;
+    }
+    const bool made = WriteKey(file, fresh) && (link(draft.c_str(), path.c_str()) == 0 || errno == EEXIST);
     const int error = errno;
     unlink(draft.c_str());
+    KeepEntries(path.parent_path());
     errno = error;
     return made && ReadKey(path, key);
 }
@@ -137,6 +161,7 @@ bool MakeKey(const fs::path& path, SecretBytes& key) {
 } // namespace
 
 std::optional<SecretBytes> UserKey(std::string& error) {
+    const std::scoped_lock lock(Lock());
     const fs::path path = KeyPath();
     auto known = KnownKeys().find(path.string());
     if (known == KnownKeys().end()) {
@@ -151,6 +176,7 @@ std::optional<SecretBytes> UserKey(std::string& error) {
 }
 
 void ForgetUserKeys() {
+    const std::scoped_lock lock(Lock());
     KnownKeys().clear();
 }
 

@@ -6,6 +6,7 @@
 
 #include <kestrona/classes.h>
 #include <kestrona/concrete_columns.h>
+#include <kestrona/encrypted_string_column.h>
 #include <kestrona/matrices.h>
 #include <kestrona/store.h>
 
@@ -96,7 +97,9 @@ private:
         } else if (cells == Cells::Values) {
             field.column->GroupErase(Keys(), descending_);
         }
-        if (field.stringColumn != nullptr) {
+        if (auto* const encrypted = dynamic_cast<EncryptedStringColumn*>(field.stringColumn)) {
+            encrypted->EraseRecords(ascending_, keys_);
+        } else if (field.stringColumn != nullptr) {
             field.stringColumn->GroupErase(Keys(), descending_);
         }
     }

@@ -3,6 +3,7 @@
 #include "store/class_test.h"
 
 #include <kestrona/classes.h>
+#include <kestrona/encrypted_string_column.h>
 #include <kestrona/free_strings.h>
 
 #include <boost/unordered/unordered_flat_set.hpp>
@@ -68,10 +69,15 @@ void WriteEveryCell(IColumn<double>& column, Rows rows) {
     ForEachRow(column, rows, [&](std::int32_t row, double before, double) { column.SetValue(row, before); });
 }
 
-// A text may be longer than its field allows since the limit was lowered: the copy is cut.
+// A text may be longer than its field allows since the limit was lowered: the copy is cut. An encrypted one moves as it
+// is: decrypted and encrypted again it would grow by the zeros behind it.
 void ShiftTexts(IMemoryResidentData& store, std::int32_t format, std::int32_t field, const field_info& info,
                 Rows rows) {
     constexpr std::size_t kUnitsOfCharacter = 2;
+    if (dynamic_cast<EncryptedStringColumn*>(info.stringColumn) != nullptr) {
+        info.stringColumn->MoveUp(rows.first, rows.last);
+        return;
+    }
     const std::int32_t limit = info.data[DataSlot::kMaxTextLength];
     SuspendIndex(*info.stringColumn, rows);
     ForEachRow(*info.stringColumn, rows, [&](std::int32_t row, const std::wstring& before, const std::wstring& text) {

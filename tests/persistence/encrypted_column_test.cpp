@@ -1,9 +1,10 @@
 // The column of encrypted texts.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/audited_orders.h"
 #include "platform/user_key.h"
 
+#include <kestrona/audit_log.h>
 #include <kestrona/encrypted_string_column.h>
+#include <kestrona/records.h>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -98,12 +99,52 @@ TEST_F(EncryptedColumn, FilesHoldTheEncryptedTexts) {
     EXPECT_EQ(Trimmed(loaded.GetValue(0)), L"first");
 }
 
+// People with a key and a secret of at most 8 characters.
+void AddPeople(MemoryResidentData& store, std::int32_t records) {
+    Fixtures::Field secret = Fixtures::Text(L"Secret", 8);
+    secret.classes.push_back(Classes::kEncrypted);
+    Fixtures::AddTable(store, L"People", {Fixtures::Number(L"Key"), secret}, records);
+}
+
+// What a store with encrypted texts holds after each step is what a list holds that the same was done to, and every
+// text is the very one that was encrypted.
+TEST_F(EncryptedColumn, TextsGoWithTheirRecordsThroughInsertionsAndDeletions) {
+    const Fixtures::FreshProcess process;
+    const auto store = CreateMemoryResidentData();
+    AddPeople(*store, 40);
+    std::vector<std::wstring> expected;
+    for (std::int32_t record = 0; record < 30; ++record) { // the last ten keep the default
+        store->SetDbString(0, 1, record, L"text" + std::to_wstring(record));
+        expected.push_back(KSDLL_GetEncryptedStringValue(*store, 0, 1, record));
+    }
+    const std::wstring unset = KSDLL_GetEncryptedStringValue(*store, 0, 1, 39);
+    expected.resize(40, unset);
+    const auto check = [&](const char* step) {
+        ASSERT_EQ(store->GetCurrentDbSize(0), static_cast<std::int32_t>(expected.size())) << step;
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            ASSERT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, static_cast<std::int32_t>(i)), expected[i])
+                << step << ' ' << i;
+        }
+    };
+    for (const std::vector<std::int32_t>& records :
+         {std::vector<std::int32_t>{0}, {2, 5}, {0, 1, 2, 3, 4, 7, 9, 11, 12, 20}, {19, 26}}) {
+        for (std::size_t i = records.size(); i-- > 0;) {
+            expected.erase(expected.begin() + records[i]);
+        }
+        KSDLL_DeleteDbItems(*store, 0, records);
+        ASSERT_NO_FATAL_FAILURE(check("deletion"));
+        KSDLL_InsertDbItem(*store, 0, 3);
+        const std::wstring fresh = KSDLL_GetEncryptedStringValue(*store, 0, 1, 3);
+        expected.insert(expected.begin() + 3, fresh);
+        ASSERT_NO_FATAL_FAILURE(check("insertion"));
+        EXPECT_EQ(Trimmed(store->GetDbString(0, 1, 3)), L"");
+    }
+}
+
 TEST_F(EncryptedColumn, MovesWithItsRecordAsItIs) {
     const Fixtures::FreshProcess process;
     const auto store = CreateMemoryResidentData();
-    Fixtures::Field secret = Fixtures::Text(L"Secret");
-    secret.classes.push_back(Classes::kEncrypted);
-    Fixtures::AddTable(*store, L"People", {Fixtures::Number(L"Key"), secret}, 2);
+    AddPeople(*store, 2);
     store->SetDbString(0, 1, 0, L"first");
     store->SetDbString(0, 1, 1, L"second");
     const std::wstring first = KSDLL_GetEncryptedStringValue(*store, 0, 1, 0);
@@ -117,6 +158,17 @@ TEST_F(EncryptedColumn, MovesWithItsRecordAsItIs) {
     KSDLL_SetEncryptedStringValue(*store, 0, 1, 0, second);
     EXPECT_EQ(Trimmed(store->GetDbString(0, 1, 0)), L"second");
     EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 0, 0), L"") << "a field without texts";
+}
+
+TEST_F(EncryptedColumn, TheAuditLogShowsTheTextWithoutItsZeros) {
+    Fixtures::Field secret = Fixtures::Text(L"Secret");
+    secret.classes.push_back(Classes::kEncrypted);
+    Fixtures::AuditedOrders orders(L"planner", {Fixtures::Number(L"Key"), secret});
+    orders.Store().SetDbString(Fixtures::AuditedOrders::kOrders, 1, 1, L"code");
+    KSDLL_WriteLog(orders.Store(), Fixtures::AuditedOrders::kOrders, 0, 1);
+    const std::wstring text = Fixtures::AuditedOrders::LogText();
+    EXPECT_NE(text.find(L"\tField 'Secret' Changed from '' to 'code'\n"), std::wstring::npos);
+    EXPECT_EQ(text.find(L'\0'), std::wstring::npos);
 }
 
 TEST_F(EncryptedColumn, IsClosedWithoutTheService) {

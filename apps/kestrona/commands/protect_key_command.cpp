@@ -44,6 +44,7 @@ bool IsInTheWay(const ProtectKeyOptions& options) {
 } // namespace
 
 int RunProtectKey(const ProtectKeyOptions& options) {
+    KeepSecretsOutOfCores();
     if (IsInTheWay(options)) {
         return TellFile(options.file, kFileInTheWay);
     }

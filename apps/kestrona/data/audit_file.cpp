@@ -27,6 +27,8 @@ constexpr std::string_view kChanged = "' Changed from ";
 constexpr std::string_view kTo = "' to '";
 constexpr std::string_view kListTo = "\tTo";
 constexpr std::string_view kElement = "\t\t";
+/// Bytes. The log cuts a user's name; a longer heading is none, since it would be kept once for each field.
+constexpr std::size_t kLongestHeading = 4096;
 constexpr const char* kNoAuditLine = "is no line of an audit log";
 constexpr std::string_view kDigits = "0123456789";
 
@@ -50,7 +52,7 @@ std::optional<std::string_view> TakeUntil(std::string_view& text, std::string_vi
 }
 
 std::optional<AuditRow> ParseHeading(std::string_view line) {
-    if (!Skip(line, kRecord)) {
+    if (line.size() > kLongestHeading || !Skip(line, kRecord)) {
         return std::nullopt;
     }
     const std::size_t digits = std::min(line.find_first_not_of(kDigits), line.size());
