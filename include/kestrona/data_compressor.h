@@ -20,7 +20,7 @@ public:
 
     /// Compresses `source` into `target`, which is replaced. Returns one of the constants, or what zlib answered when
     /// it could not begin. Both files are closed whatever happens; a target that failed stays as far as it was written.
-    /// No target is made for a source that cannot be opened.
+    /// No target is made for a source that cannot be opened, and none that is the source itself.
     [[nodiscard]] std::int32_t CompressFile(const std::wstring& source, const std::wstring& target);
 
     /// Takes a compressed file apart likewise. A source that ends too early gives `kDone` and what it held.

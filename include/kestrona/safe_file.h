@@ -14,8 +14,10 @@ namespace Kestrona {
 /// A new file that takes the place of `path` when it is committed. Until then it stands beside it under another name;
 /// whatever happens before, a full disk or a kill included, the file that `path` names stays as it is.
 ///
-/// The new file takes over the permissions of the one that it replaces. A `path` that is a symbolic link replaces what
-/// the link names. A process that is killed can leave the other name behind: the path with ".XXXXXX" of six characters.
+/// The new file takes over the permissions of the one that it replaces, and its owner and group where the process may
+/// give them away. A `path` that is a symbolic link replaces what the link names. What is no ordinary file (a folder, a
+/// device) or may not be written is not replaced. A process that is killed can leave the other name behind: the path
+/// with a point and six letters or digits.
 class KS_API SafeFile {
 public:
     /// Makes the file, open for reading and writing in binary. See `IsOpen`.
@@ -29,7 +31,7 @@ public:
     [[nodiscard]] bool IsOpen() const;
     /// The open file, null when there is none. The object owns it.
     [[nodiscard]] std::FILE* File() const;
-    /// The name that the file has until it is committed.
+    /// The full name that the file has until it is committed.
     [[nodiscard]] const std::wstring& DraftPath() const;
 
     /// Flushes the file to the disk and gives it its name. False, with the former file untouched, when anything has

@@ -26,9 +26,10 @@ public:
     /// format and count as no change; texts are written over the first records and count as changes, so empty the
     /// format before (`KSDLL_Clear`) unless it is empty.
     ///
-    /// A matrix keeps the id of the file unless a matrix of the process has it; then it gets a new one. Where the file
-    /// ends too early, what stands before the end is taken, and `std::feof(file)` tells. A record count that no format
-    /// can have reads as 0, and nothing more is read. Memory follows what the file really holds.
+    /// A matrix keeps the id of the file unless another cell of the process holds it; then it gets a new one. Where the
+    /// file ends too early, what stands before the end is taken, and `std::feof(file)` tells. A record count that no
+    /// format can have, or one above 2^24 that exceeds the bytes of the file, reads as 0, and nothing more is read.
+    /// Memory follows what the file really holds.
     static void ReadTableData(Data::MemoryResident::MemoryResidentData& store, std::int32_t format, std::FILE* file);
 };
 

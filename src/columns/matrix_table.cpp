@@ -40,11 +40,24 @@ MatrixTable::Page& MatrixTable::NeedPage(std::int32_t id) {
     return *pages_[page];
 }
 
+MatrixTable::Marks::reference MatrixTable::HeldMark(std::int32_t id) {
+    assert(id >= 0 && id < kMaxIds);
+    const auto page = static_cast<std::size_t>(id >> kPageShift);
+    if (page >= held_.size()) {
+        held_.resize(page + 1);
+    }
+    if (held_[page] == nullptr) {
+        held_[page] = std::make_unique<Marks>();
+    }
+    return (*held_[page])[static_cast<std::uint32_t>(id) % kPageEntries];
+}
+
 std::int32_t MatrixTable::TakeId() {
     if (nextId_ == kMaxIds) {
         return kNoId;
     }
     const std::int32_t id = nextId_++;
+    HeldMark(id) = true;
     if (nextId_ > capacity_) {
         capacity_ = std::min(capacity_ + kCapacityStep, capacity_ * 2);
     }
@@ -57,11 +70,22 @@ void MatrixTable::NoteId(std::int32_t id) {
     capacity_ = std::max(capacity_, nextId_);
 }
 
+bool MatrixTable::ClaimId(std::int32_t id) {
+    Marks::reference held = HeldMark(id);
+    if (held) {
+        return false;
+    }
+    held = true;
+    NoteId(id);
+    return true;
+}
+
 void MatrixTable::Put(std::int32_t id, std::unique_ptr<MatrixColumn> column, std::uint32_t size, bool is_calculated) {
     Page& page = NeedPage(id);
     MatrixEntry& entry = page.entries[static_cast<std::uint32_t>(id) % kPageEntries];
     page.columns += (column != nullptr ? 1 : 0) - (entry.column != nullptr ? 1 : 0);
     entry = {std::move(column), size, is_calculated};
+    HeldMark(id) = true;
 }
 
 void MatrixTable::SetSize(std::int32_t id, std::uint32_t size) {
@@ -81,6 +105,14 @@ void MatrixTable::Free(std::int32_t id) {
     if (had_column) {
         --pages_[page]->columns;
         ReleasePageIfSpent(page);
+    }
+}
+
+void MatrixTable::Release(std::int32_t id) {
+    Free(id);
+    const std::size_t page = static_cast<std::uint32_t>(id) >> kPageShift; // beyond all pages for a negative id
+    if (page < held_.size() && held_[page] != nullptr) {
+        HeldMark(id) = false;
     }
 }
 
@@ -107,6 +139,7 @@ void MatrixTable::FreeColumns() {
 
 void MatrixTable::Reset() {
     pages_.clear();
+    held_.clear();
     nextId_ = 0;
     capacity_ = kFirstCapacity;
 }

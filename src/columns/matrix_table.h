@@ -2,6 +2,7 @@
 
 #include <kestrona/matrix_column.h>
 
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -21,11 +22,14 @@ struct MatrixEntry {
 // out and none of its entries holds anything any more, since ids are not given out twice. So an entry keeps its place,
 // a far id costs one page, and matrices that came and went leave nothing behind.
 //
+// A cell goes on holding the id of a matrix that was freed, and may get a matrix under it again. So the table remembers
+// of each id whether a cell may hold it, in one bit, until the column of the cell goes: no file gets such an id.
+//
 // Invariant: 0 <= nextId_ <= capacity_. The capacity only tells for how many ids there is room; it holds no memory.
 class MatrixTable {
 public:
     static constexpr std::int32_t kNoId = -1;
-    // Ids end here. The directory of pages takes at most 2 MiB.
+    // Ids end here. The directories of pages take at most 4 MiB.
     static constexpr std::int32_t kMaxIds = 1 << 30;
     // Sizes and indices end here.
     static constexpr std::uint32_t kSizeLimit = 0x7fffffff;
@@ -36,6 +40,8 @@ public:
     std::int32_t TakeId();
     // An id that came from elsewhere is in use: no new one will equal it. Requires: 0 <= id < kMaxIds.
     void NoteId(std::int32_t id);
+    // Takes this very id, which a file has. False when a cell may hold it already. Requires: 0 <= id < kMaxIds.
+    [[nodiscard]] bool ClaimId(std::int32_t id);
 
     // Null for an id that never had an entry.
     [[nodiscard]] const MatrixEntry* Find(std::int32_t id) const { return FindEntry(id); }
@@ -45,6 +51,8 @@ public:
     // Drops what has no entry.
     void SetSize(std::int32_t id, std::uint32_t size);
     void Free(std::int32_t id);
+    // Frees an id whose cell is about to go.
+    void Release(std::int32_t id);
     // Frees every column; the sizes stay.
     void FreeColumns();
     // Back to the table of a process that has just started.
@@ -59,13 +67,16 @@ private:
     static constexpr std::int32_t kCapacityStep = 4096;
 
     struct Page;
+    using Marks = std::bitset<kPageEntries>;
 
     MatrixTable();
     [[nodiscard]] MatrixEntry* FindEntry(std::int32_t id) const;
     Page& NeedPage(std::int32_t id);
+    Marks::reference HeldMark(std::int32_t id);
     void ReleasePageIfSpent(std::size_t page);
 
     std::vector<std::unique_ptr<Page>> pages_;
+    std::vector<std::unique_ptr<Marks>> held_; // ids that a cell may hold, in pages likewise
     std::int32_t nextId_ = 0;
     std::int32_t capacity_ = kFirstCapacity;
 };

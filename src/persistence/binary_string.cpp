@@ -8,6 +8,7 @@
 #include <kestrona/unicode.h>
 
 #include <bit>
+#include <cassert>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -124,6 +125,7 @@ void KSDLL_WriteBinaryString(std::FILE* file, const wchar_t* text) {
     const std::u16string units = text != nullptr ? Kestrona::ToUtf16(text) : std::u16string();
     // NOLINTNEXTLINE(*-reinterpret-cast): raw units
     std::string bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t));
+    assert(bytes.size() <= std::size_t{0x7FFFFFFF});
     const auto size = static_cast<std::int32_t>(bytes.size());
     std::fwrite(&size, sizeof size, 1, file);
     if (size == 0) {

@@ -28,8 +28,10 @@ namespace {
 // A file with larger ids or matrices is damaged.
 constexpr std::int32_t kMaxFileId = 1 << 26;
 constexpr std::int32_t kMaxFileSize = 1 << 26;
-// Records that a file of any size may have in a field that takes no byte in it.
-constexpr std::size_t kFreeRecords = std::size_t{1} << 16;
+// Calculated matrices that a file of any size may have, and the bytes of the file that stand for each further one: the
+// key of a record.
+constexpr std::size_t kFreeMatrices = std::size_t{1} << 16;
+constexpr std::size_t kKeySize = sizeof(double);
 
 using Ids = std::vector<std::int32_t>;
 
@@ -51,29 +53,49 @@ void WriteMatrix(const MatrixEntry* entry, std::FILE* file) {
     }
 }
 
-void FreeMatricesOf(const IColumn<std::int32_t>& identities) {
+// The cells let go of their ids, so that the file can have them.
+void ReleaseMatricesOf(const IColumn<std::int32_t>& identities) {
     const auto count = static_cast<std::int32_t>(identities.GetCurrentSize());
     for (std::int32_t record = 0; record < count; ++record) {
-        MatrixTable::Instance().Free(identities.GetValue(record));
+        MatrixTable::Instance().Release(identities.GetValue(record));
     }
 }
 
-bool IsFree(std::int32_t id) {
-    const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
-    return entry == nullptr || entry->column == nullptr;
-}
+// Ids of a file, as far as they lie close enough together: the table of matrices has a page for each 4096 ids, which a
+// few ids far from one another must not make many of.
+class IdClaims {
+public:
+    explicit IdClaims(std::size_t ids) : pages_left_(kFreePages + ids / kIdsForPage) {}
+
+    // Whether the id is the caller's from now on. Never for one that a cell of the process may hold.
+    bool Claim(std::int32_t id) {
+        return id >= 0 && id < kMaxFileId && TakePage(id / kPageIds) && MatrixTable::Instance().ClaimId(id);
+    }
+
+private:
+    static constexpr std::int32_t kPageIds = 4096;
+    static constexpr std::size_t kFreePages = 16;
+    static constexpr std::size_t kIdsForPage = 256;
+
+    bool TakePage(std::int32_t page) {
+        const bool is_open = pages_.contains(page);
+        if (!is_open && pages_left_ > 0) {
+            pages_.insert(page);
+            --pages_left_;
+            return true;
+        }
+        return is_open;
+    }
+
+    std::size_t pages_left_;
+    boost::unordered_flat_set<std::int32_t> pages_;
+};
 
 // Keeps the ids that can be kept, each once, and gives the other records new ones.
 void SettleIds(Ids& ids) {
-    boost::unordered_flat_set<std::int32_t> kept;
-    for (std::int32_t& id : ids) {
-        if (id < 0 || id >= kMaxFileId || !IsFree(id) || !kept.insert(id).second) {
-            id = MatrixTable::kNoId;
-        }
-    }
-    if (!ids.empty()) {
-        KSDLL_ReserveMatrixIds(std::ranges::max(ids) + 1);
-    }
+    IdClaims claims(ids.size());
+    std::ranges::replace_if(
+        ids, [&](std::int32_t id) { return !claims.Claim(id); }, MatrixTable::kNoId);
     for (std::int32_t& id : ids) {
         if (id == MatrixTable::kNoId) {
             id = MatrixTable::Instance().TakeId();
@@ -99,7 +121,7 @@ void TakeIds(MemoryResidentData& store, std::int32_t format, std::int32_t field,
     if (identities == nullptr) {
         return;
     }
-    FreeMatricesOf(*identities);
+    ReleaseMatricesOf(*identities);
     ids.resize(records, MatrixTable::kNoId);
     HasCommonMatrix(store, format, field) ? SettleCommonIds(ids) : SettleIds(ids);
     identities->ReplaceValues(std::move(ids));
@@ -120,10 +142,6 @@ bool ReadSize(std::FILE* file, std::int32_t& size) {
     }
     size = std::max(size, 0);
     return true;
-}
-
-std::size_t BytesOf(std::FILE* file) {
-    return static_cast<std::size_t>(std::max(std::ftell(file), 0L)) + Platform::BytesLeft(file);
 }
 
 std::int32_t MatricesOf(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t records) {
@@ -151,7 +169,7 @@ void ReadMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t f
     const std::int32_t matrices = MatricesOf(store, format, field, records);
     // Every matrix takes the bytes of its size at least.
     const std::size_t held = Platform::BytesLeft(file) / sizeof(std::int32_t);
-    const std::size_t known = HasCommonMatrix(store, format, field) ? ids.size() : 0;
+    const std::size_t known = ids.size();
     TakeIds(store, format, field, std::move(ids), std::max(known, std::min(static_cast<std::size_t>(matrices), held)));
     std::int32_t size = 0;
     for (std::int32_t record = 0; record < matrices && ReadSize(file, size); ++record) {
@@ -166,7 +184,7 @@ void ReadMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t f
 
 void MakeCalculatedMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t records,
                             std::FILE* file) {
-    const std::size_t bound = std::max(kFreeRecords, BytesOf(file));
+    const std::size_t bound = std::max(kFreeMatrices, Platform::BytesOf(file) / kKeySize);
     const std::int32_t matrices = MatricesOf(store, format, field, records);
     const auto made = static_cast<std::int32_t>(std::min(static_cast<std::size_t>(matrices), bound));
     TakeIds(store, format, field, {}, static_cast<std::size_t>(made));

@@ -12,13 +12,13 @@ namespace Kestrona::Persistence {
 void WriteMatrices(Data::MemoryResident::MemoryResidentData& store, std::int32_t format, std::int32_t field,
                    std::FILE* file);
 
-// Frees the matrices that the field had. An id of the file is kept where no matrix of the process has it; else the
-// record gets a new one. Neither counts as a change.
+// Frees the matrices that the field had. An id of the file is kept where no other cell of the process may hold it; else
+// the record gets a new one. Neither counts as a change.
 void ReadMatrices(Data::MemoryResident::MemoryResidentData& store, std::int32_t format, std::int32_t field,
                   std::int32_t records, std::FILE* file);
 
-// Makes an empty matrix for each record and reads nothing. The file's size bounds how many: one with fewer bytes than
-// records has no keys for them.
+// Makes an empty matrix for each record and reads nothing. The file's size bounds how many: a file that has no room for
+// the keys of so many records is damaged.
 void MakeCalculatedMatrices(Data::MemoryResident::MemoryResidentData& store, std::int32_t format, std::int32_t field,
                             std::int32_t records, std::FILE* file);
 

@@ -1,6 +1,6 @@
 #include "columns/column_file.h"
-#include "columns/matrix_table.h"
 #include "persistence/matrix_storage.h"
+#include "platform/file_reading.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/table_storage.h>
@@ -111,9 +111,16 @@ void ReadField(MemoryResidentData& store, std::int32_t format, std::int32_t fiel
     }
 }
 
-// Nothing for a count that no format can have.
+// Records of defaults take no bytes, so the size of a file bounds their number only beyond what any table has.
+bool IsPlausible(std::int32_t records, std::FILE* file) {
+    constexpr std::int32_t kMostRecords = 1 << 24;
+    return records >= 0 && records < kFirstScratchRecord &&
+           (records <= kMostRecords || static_cast<std::size_t>(records) <= Platform::BytesOf(file));
+}
+
+// False for a count that no format can have.
 bool ReadRecordCount(std::FILE* file, std::int32_t& records) {
-    return std::fread(&records, sizeof records, 1, file) == 1 && records >= 0 && records < kFirstScratchRecord;
+    return std::fread(&records, sizeof records, 1, file) == 1 && IsPlausible(records, file);
 }
 
 } // namespace

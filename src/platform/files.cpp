@@ -29,10 +29,6 @@ bool IsFaithfulPath(std::wstring_view path) {
     return !path.empty();
 }
 
-std::optional<std::string> SystemPath(const std::wstring& path) {
-    return IsFaithfulPath(path) ? std::optional(ToUtf8(path)) : std::nullopt;
-}
-
 bool IsFolder(std::FILE* file) {
     struct stat status {};
 
@@ -40,6 +36,22 @@ bool IsFolder(std::FILE* file) {
 }
 
 } // namespace
+
+std::optional<std::string> SystemPath(const std::wstring& path) {
+    return IsFaithfulPath(path) ? std::optional(ToUtf8(path)) : std::nullopt;
+}
+
+bool IsSameFile(const std::wstring& first, const std::wstring& second) {
+    const auto first_path = SystemPath(first);
+    const auto second_path = SystemPath(second);
+
+    struct stat a {};
+
+    struct stat b {};
+
+    return first_path && second_path && stat(first_path->c_str(), &a) == 0 && stat(second_path->c_str(), &b) == 0 &&
+           a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
 
 std::FILE* OpenFile(const std::wstring& path, const char* mode) {
     assert(mode != nullptr);

@@ -21,6 +21,12 @@ using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 // Opens as fopen, not inherited by child processes. Null when that fails or the path is a folder. The caller closes it.
 std::FILE* OpenFile(const std::wstring& path, const char* mode);
 
+// The path as the system takes it. Nothing for a path that names no file.
+std::optional<std::string> SystemPath(const std::wstring& path);
+
+// Whether both paths lead to one file that is there, by whatever links.
+bool IsSameFile(const std::wstring& first, const std::wstring& second);
+
 // Whether the path is there and is not a folder.
 bool FileExists(const std::wstring& path);
 

@@ -34,6 +34,11 @@ bool FreeIdentity(std::int32_t id) {
     return true;
 }
 
+bool ReleaseIdentity(std::int32_t id) {
+    MatrixTable::Instance().Release(id);
+    return true;
+}
+
 } // namespace
 
 std::int32_t MatrixIdOf(const field_info& field, std::int32_t record) {
@@ -75,8 +80,8 @@ void FreeMatrices(formats_info& format) {
 }
 
 void FreeOwnedMatrices(const IColumn<std::int32_t>& identities) {
-    ForEachIdentity(identities, 0, Records(identities), FreeIdentity);
-    ForEachIdentity(identities, kFirstScratchRecord, kScratchRecords, FreeIdentity);
+    ForEachIdentity(identities, 0, Records(identities), ReleaseIdentity);
+    ForEachIdentity(identities, kFirstScratchRecord, kScratchRecords, ReleaseIdentity);
 }
 
 } // namespace Kestrona::Data::MemoryResident

@@ -30,7 +30,8 @@ void EmptyMatrices(field_info& field);
 // Frees the matrices of every record of every field. The scratch records keep theirs.
 void FreeMatrices(formats_info& format);
 
-// Frees every matrix that the column names, those of the scratch records included.
+// Frees every matrix that the column names, those of the scratch records included, for a column that goes: a file may
+// then have the ids.
 void FreeOwnedMatrices(const IColumn<std::int32_t>& identities);
 
 } // namespace Kestrona::Data::MemoryResident

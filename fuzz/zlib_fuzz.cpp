@@ -1,0 +1,62 @@
+#include "platform/deflate.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+// Any bytes taken apart as a compressed file, and compressed and taken apart again.
+
+namespace {
+
+using namespace Kestrona::Platform;
+
+// zlib makes at most about a thousand bytes of one.
+constexpr std::size_t kMostOfOne = 1040;
+
+void Require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using File = std::unique_ptr<std::FILE, Closer>;
+
+struct Result {
+    std::int32_t code;
+    std::string bytes;
+};
+
+template <typename Convert>
+Result Run(Convert convert, const void* data, std::size_t size) {
+    char* bytes = nullptr;
+    std::size_t written = 0;
+    const File source(fmemopen(const_cast<void*>(data), size, "rb"));
+    File target(open_memstream(&bytes, &written));
+    const std::int32_t code = convert(source.get(), target.get());
+    target.reset();
+    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, std::free);
+    return {code, std::string(bytes, written)};
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) {
+        return 0;
+    }
+    const Result apart = Run(InflateFile, data, size);
+    Require(apart.code == kDeflateDone || apart.code == kDeflateDataDamaged);
+    Require(apart.bytes.size() <= size * kMostOfOne);
+    const Result compressed = Run(DeflateFile, data, size);
+    Require(compressed.code == kDeflateDone);
+    const Result back = Run(InflateFile, compressed.bytes.data(), compressed.bytes.size());
+    Require(back.code == kDeflateDone && back.bytes == std::string(reinterpret_cast<const char*>(data), size));
+    return 0;
+}
