@@ -1,8 +1,7 @@
 #include "definition/field_types.h"
 #include "definition/print_field.h"
+#include "definition/print_tables.h"
 #include "definition/print_text.h"
-#include "definition/string_tables.h"
-#include "definition/values.h"
 
 #include <kestrona/host/definition.h>
 
@@ -16,14 +15,13 @@ namespace {
 using Data::MemoryResident::IMemoryResidentData;
 using Language::PrintName;
 using Language::PrintText;
-using Language::PrintValue;
 
 class DefinitionPrinter {
 public:
     explicit DefinitionPrinter(IMemoryResidentData& store) : store_(store) {}
 
     std::string Print() {
-        PrintTables();
+        text_ = Language::PrintTables(store_);
         PrintSubstitutions();
         for (std::int32_t format = 0; format < store_.GetFormatCount(); ++format) {
             if (store_.GetDbName(format) != nullptr) {
@@ -34,45 +32,6 @@ public:
     }
 
 private:
-    void PrintTables() {
-        for (std::int32_t table = 0; table < kMaxStringTables && store_.GetTableName(table) != nullptr; ++table) {
-            const std::wstring_view name = store_.GetTableName(table);
-            if (name == Language::kConstantTable) {
-                PrintConstants(table);
-            } else if (name == Language::kHelpTable) {
-                PrintHelp(table);
-            } else {
-                PrintTable(table);
-            }
-        }
-    }
-
-    void PrintConstants(std::int32_t table) {
-        for (std::int32_t i = 0; i < store_.GetTableFields(table); ++i) {
-            text_ += "define " + PrintName(store_.GetTableText(table, i)) + " = " +
-                     PrintValue(store_.GetTableValue(table, i)) + "\n";
-        }
-        EndParagraph();
-    }
-
-    void PrintHelp(std::int32_t table) {
-        for (std::int32_t i = 0; i < store_.GetTableFields(table); ++i) {
-            text_ += "help " + PrintValue(store_.GetTableValue(table, i)) + " " +
-                     PrintText(store_.GetTableText(table, i)) + "\n";
-        }
-        EndParagraph();
-    }
-
-    void PrintTable(std::int32_t table) {
-        text_ += "table " + PrintText(store_.GetTableName(table)) + " {\n";
-        for (std::int32_t i = 0; i < store_.GetTableFields(table); ++i) {
-            text_ += "    " + PrintText(store_.GetTableText(table, i)) + " = " +
-                     PrintValue(store_.GetTableValue(table, i)) + "\n";
-        }
-        text_ += "}\n";
-        EndParagraph();
-    }
-
     void PrintSubstitutions() {
         wchar_t* from = nullptr;
         wchar_t* to = nullptr;
@@ -137,20 +96,22 @@ private:
     }
 
     // A child has the extension of its parent without saying so.
-    void PrintExtension(std::int32_t format) {
+    bool HasOwnExtension(std::int32_t format) {
         const wchar_t* extension = store_.GetDbExtension(format);
         const wchar_t* inherited = store_.GetDbExtension(store_.GetAssociateTableNumber(format));
-        const bool is_inherited =
-            extension != nullptr && inherited != nullptr && std::wstring_view(extension) == inherited;
-        if (extension != nullptr && !is_inherited) {
-            PrintProperty("extension", PrintName(extension));
+        return extension != nullptr && (inherited == nullptr || std::wstring_view(extension) != inherited);
+    }
+
+    void PrintExtension(std::int32_t format) {
+        if (HasOwnExtension(format)) {
+            PrintProperty("extension", PrintName(store_.GetDbExtension(format)));
         }
     }
 
+    // A format without an extension of its own has a dataset without a name.
     void PrintDataset(std::int32_t format) {
         const wchar_t* dataset = store_.GetDefaultDatasetName(format);
-        const bool has_extension = store_.GetDbExtension(format) != nullptr;
-        if (dataset != nullptr && (has_extension || *dataset != L'\0')) {
+        if (dataset != nullptr && (*dataset != L'\0' || HasOwnExtension(format))) {
             PrintProperty("dataset", PrintText(dataset));
         }
     }

@@ -30,10 +30,11 @@ Form FormOf(MemoryResidentData& store, std::int32_t format, std::int32_t field) 
     if (!IsPersisted(store, format, field)) {
         return Form::Nothing;
     }
-    if (store.ClassDefined(format, field, Classes::kFreeFormat)) {
-        return Form::Texts;
+    // A list of stored strings is free text by its class, yet what the field itself holds is the list.
+    if ((store.GetDbType(format, field) & TypeBit::kMatrix) != 0) {
+        return Form::Matrices;
     }
-    return (store.GetDbType(format, field) & TypeBit::kMatrix) != 0 ? Form::Matrices : Form::Numbers;
+    return store.ClassDefined(format, field, Classes::kFreeFormat) ? Form::Texts : Form::Numbers;
 }
 
 // A column that was never made stands in the block like one without values.

@@ -60,7 +60,21 @@ public:
     /// entry. The process's own state (version mark, title, help file name) stays as it is.
     LoadOutcome FillAndResolve(const std::string& path, Data::MemoryResident::MemoryResidentData& store);
 
-    /// The store that `LoadDefinition` fills.
+    /// Loads the process's definition from a compiled file into `Store`, once a process like `LoadDefinition`.
+    LoadOutcome LoadCompiled(const std::string& path);
+
+    /// Loads the process's definition from its source into `Store`, once a process like `LoadDefinition`, and writes it
+    /// to a compiled file. A definition with errors writes no file.
+    LoadOutcome CompileDefinition(const std::string& source, const std::string& target);
+
+    /// Loads any store, any number of times, from a file of any kind: the source of a definition, a compiled one, or a
+    /// snapshot, whose records come along (see `LoadSnapshot` for `dataset`). What is wrong is shown as a message.
+    /// Apart from the help file name that a compiled definition or a snapshot brings, the process's own state stays as
+    /// it is.
+    LoadOutcome FillFromFile(const std::string& path, Data::MemoryResident::MemoryResidentData& store,
+                             const std::wstring& dataset = {});
+
+    /// The store that `LoadDefinition`, `LoadCompiled` and `CompileDefinition` fill.
     [[nodiscard]] Data::MemoryResident::MemoryResidentData& Store() { return *store_; }
 
     /// Makes a further store, in the locale of the options.
@@ -83,6 +97,8 @@ private:
     void InstallLogger(DefaultHostOptions& options);
     void InstallFeedback(DefaultHostOptions& options);
     void InstallNativeConfig(DefaultHostOptions& options);
+    LoadOutcome FillFromSnapshot(const std::string& path, Data::MemoryResident::MemoryResidentData& store,
+                                 const std::wstring& dataset);
     void OnMessage(const ShownMessage& message);
     void ClearFeedback();
     void FinishFeedback();

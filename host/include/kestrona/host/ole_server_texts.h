@@ -6,7 +6,8 @@
 
 namespace Kestrona::Host {
 
-/// Keeps the two texts that travel with a compiled configuration. Both are empty at first.
+/// Keeps the two texts that travel with a compiled configuration. Both are empty at first. `DefaultHost` puts the
+/// string tables of the definition behind them in a file, and takes them off again.
 class OleServerTexts : public IOleServerManager {
 public:
     void GetServerTexts(std::wstring& first, std::wstring& second) override;

@@ -47,7 +47,7 @@ struct SnapshotTable {
     std::int32_t fields = 0;
     std::int32_t records = 0;
     std::int64_t offset = 0; ///< Of the block, in bytes.
-    std::int64_t size = 0;   ///< Of the block's records, in bytes.
+    std::int64_t size = 0;   ///< Of what follows the record count, in bytes.
 };
 
 /// What can be told of a snapshot without loading it.
@@ -76,8 +76,8 @@ enum class FileKind : std::uint8_t {
 [[nodiscard]] FileKind KindOfFile(const std::string& path);
 
 /// Reads header and directory of a snapshot and checks them against the file's size. Cost grows with the number of
-/// tables, not with their size; a compressed snapshot is decompressed to a temporary file first. Nothing, and
-/// `problem`, when it cannot be told.
+/// tables, not with their size; a compressed snapshot is decompressed to a temporary file first, and its checksum
+/// compared. Nothing, and `problem`, when it cannot be told.
 [[nodiscard]] std::optional<SnapshotInfo> ReadSnapshotInfo(const std::string& path, FileProblem& problem);
 
 struct SnapshotOptions {
@@ -90,7 +90,8 @@ struct SnapshotOptions {
 /// A table can be added several times, with the records of another dataset in the store each time.
 class SnapshotWriter {
 public:
-    /// `tables` is how many blocks will be added. The definition of `store`, which is borrowed, is written now.
+    /// `tables` is how many blocks will be added. The definition of `store`, which is borrowed, is written now. Every
+    /// format must have a name.
     SnapshotWriter(Data::MemoryResident::MemoryResidentData& store, const std::string& path, std::int32_t tables,
                    SnapshotOptions options = {});
     SnapshotWriter(const SnapshotWriter&) = delete;
@@ -117,7 +118,8 @@ private:
 /// Loads a snapshot as working data into a store that has no formats: its definition, resolved, and its records. Of a
 /// table with several datasets the block called `dataset` is loaded, else the first one. The whole file is checked
 /// before the store is touched as far as that is possible without loading; false, and `problem`, when it failed, also
-/// where the resolution has reported (then `problem.fault` is `None`). The store must be thrown away then.
+/// where the resolution has reported (then `problem.fault` is `None`). The store must be thrown away then. Nothing that
+/// was loaded counts as changed. The help file name of the process becomes that of the snapshot.
 [[nodiscard]] bool LoadSnapshot(const std::string& path, Data::MemoryResident::MemoryResidentData& store,
                                 const std::wstring& dataset, FileProblem& problem);
 

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <kestrona/host_interfaces.h>
+#include <kestrona/store.h>
+
+namespace Kestrona::Host {
+
+// What the once-a-process entry does after the resolution: marks the fields whose default is given by its text.
+void MarkStringDefaults(Data::MemoryResident::MemoryResidentData& store);
+
+// Resolves a definition that was read from a stream and makes its columns. False after the data module has reported.
+[[nodiscard]] bool ResolveRead(Data::MemoryResident::MemoryResidentData& store, IInformationFeedback* feedback);
+
+} // namespace Kestrona::Host

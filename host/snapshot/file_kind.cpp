@@ -1,0 +1,62 @@
+#include "open_file.h"
+#include "snapshot/layout.h"
+#include "snapshot/zlib_stream.h"
+
+#include <kestrona/compiled_configuration.h>
+#include <kestrona/host/snapshot.h>
+
+#include <cstring>
+#include <filesystem>
+
+namespace Kestrona::Host {
+
+namespace {
+
+using Configuration::Compiled::CommonCompiledConfigFunctions;
+
+// What is looked at. The banner of a compiled definition is much shorter.
+constexpr std::size_t kStart = 4096;
+// Versions of the format that a compiled definition can have.
+constexpr float kFirstFormat = 1.0F;
+constexpr float kLastFormat = 1000.0F;
+
+// A banner, the mark at its end, and a version behind it. A banner of 16-bit text has a mark of two bytes.
+bool LooksCompiled(std::string_view start) {
+    const auto mark = static_cast<char>(CommonCompiledConfigFunctions::get_VersionStartMarker());
+    const std::size_t end = start.find(mark);
+    if (end == std::string_view::npos) {
+        return false;
+    }
+    const bool is_wide = start.substr(0, end).find('\0') != std::string_view::npos;
+    const std::string_view behind = start.substr(std::min(end + (is_wide ? 2 : 1), start.size()));
+    float version = 0.0F;
+    if (behind.size() < sizeof version) {
+        return false;
+    }
+    std::memcpy(&version, behind.data(), sizeof version);
+    return version >= kFirstFormat && version <= kLastFormat;
+}
+
+} // namespace
+
+FileKind KindOfFile(const std::string& path) {
+    std::error_code error;
+    const OpenFile file(std::filesystem::is_regular_file(path, error) ? std::fopen(path.c_str(), "rbe") : nullptr);
+    if (file == nullptr) {
+        return FileKind::Unreadable;
+    }
+    std::string start(kStart, '\0');
+    start.resize(std::fread(start.data(), 1, start.size(), file.get()));
+    if (std::ferror(file.get()) != 0) {
+        return FileKind::Unreadable;
+    }
+    if (start.starts_with(Snapshots::kMarker)) {
+        return FileKind::Snapshot;
+    }
+    if (Snapshots::LooksLikeZlib(start)) {
+        return FileKind::CompressedSnapshot;
+    }
+    return LooksCompiled(start) ? FileKind::CompiledDefinition : FileKind::Other;
+}
+
+} // namespace Kestrona::Host

@@ -1,0 +1,67 @@
+#include "snapshot/file_problem.h"
+
+#include "printable.h"
+
+#include <kestrona/unicode.h>
+
+#include <system_error>
+
+namespace Kestrona::Host {
+
+namespace {
+
+const char* PhraseOf(FileFault fault) {
+    switch (fault) {
+    case FileFault::None:
+        break;
+    case FileFault::CannotOpen:
+        return "cannot be opened";
+    case FileFault::CannotRead:
+        return "cannot be read";
+    case FileFault::CannotWrite:
+        return "cannot be written";
+    case FileFault::WrongMarker:
+        return "is another kind of file";
+    case FileFault::WrongVersion:
+        return "has a version that is not read";
+    case FileFault::Truncated:
+        return "ends too early";
+    case FileFault::Damaged:
+        return "is damaged";
+    case FileFault::TooLarge:
+        return "would get too large";
+    }
+    return "";
+}
+
+} // namespace
+
+std::string FileProblem::ToString() const {
+    if (fault == FileFault::None) {
+        return {};
+    }
+    std::string line = "'" + path + "' " + PhraseOf(fault);
+    if (offset) {
+        line += " at offset " + std::to_string(*offset);
+    }
+    if (!expected.empty()) {
+        line += ": found " + found + ", expected " + expected;
+    } else if (!found.empty()) {
+        line += ": " + found;
+    }
+    return PrintableLine(FromUtf8(line));
+}
+
+} // namespace Kestrona::Host
+
+namespace Kestrona::Host::Snapshots {
+
+FileProblem SystemProblem(FileFault fault, const std::string& path, int error) {
+    return {fault, path, {}, error != 0 ? std::generic_category().message(error) : "", ""};
+}
+
+std::string Bytes(std::int64_t count) {
+    return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+} // namespace Kestrona::Host::Snapshots

@@ -1,0 +1,104 @@
+#include "snapshot/snapshot_file.h"
+
+#include "snapshot/file_problem.h"
+#include "snapshot/layout.h"
+#include "snapshot/zlib_stream.h"
+
+#include <kestrona/data_compressor.h>
+#include <kestrona/unicode.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+
+namespace Kestrona::Host::Snapshots {
+
+namespace {
+
+using DataCompressor::DataCompressor;
+
+std::int64_t SizeOf(std::FILE* file) {
+    return std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
+}
+
+std::string Hex(std::uint32_t word) {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "0x%08x", word);
+    return text.data();
+}
+
+} // namespace
+
+std::unique_ptr<SnapshotFile> SnapshotFile::Open(const std::string& path, FileProblem& problem) {
+    std::unique_ptr<SnapshotFile> snapshot(new SnapshotFile(path));
+    if (!snapshot->OpenPlain(path, problem)) {
+        return nullptr;
+    }
+    snapshot->size_on_disk_ = snapshot->size_;
+    std::string start(kMarker.size(), '\0');
+    std::rewind(snapshot->Stream());
+    start.resize(std::fread(start.data(), 1, start.size(), snapshot->Stream()));
+    if (std::ferror(snapshot->Stream()) != 0) {
+        problem = SystemProblem(FileFault::CannotRead, path);
+        return nullptr;
+    }
+    return LooksLikeZlib(start) && !snapshot->Decompress(problem) ? nullptr : std::move(snapshot);
+}
+
+bool SnapshotFile::OpenPlain(const std::string& path, FileProblem& problem) {
+    std::error_code error;
+    const auto kind = std::filesystem::status(path, error).type();
+    if (kind != std::filesystem::file_type::regular && !error) { // a pipe would keep the reader waiting
+        problem = {FileFault::CannotOpen, path_, {}, "not a regular file", ""};
+        return false;
+    }
+    file_.reset(std::fopen(path.c_str(), "rbe"));
+    if (file_ == nullptr) {
+        problem = SystemProblem(FileFault::CannotOpen, path_);
+        return false;
+    }
+    size_ = SizeOf(file_.get());
+    if (size_ < 0) {
+        problem = SystemProblem(FileFault::CannotRead, path_);
+        return false;
+    }
+    return true;
+}
+
+bool SnapshotFile::Decompress(FileProblem& problem) {
+    errno = 0;
+    copy_ = std::make_unique<TemporaryFile>();
+    if (copy_->Stream() == nullptr) {
+        problem = SystemProblem(FileFault::CannotWrite, copy_->Path());
+        return false;
+    }
+    errno = 0;
+    switch (DataCompressor().DecompressFile(FromUtf8(path_), FromUtf8(copy_->Path()))) {
+    case DataCompressor::kDone:
+        return CheckSum(problem);
+    case DataCompressor::kDataDamaged:
+        problem = {FileFault::Damaged, path_, {}, "its compressed data cannot be read", ""};
+        return false;
+    case DataCompressor::kFileFailed:
+        problem = SystemProblem(FileFault::CannotWrite, copy_->Path()); // the other one has just been read
+        return false;
+    default:
+        problem = {FileFault::CannotRead, path_, {}, "not enough memory", ""};
+        return false;
+    }
+}
+
+// A stream whose end is missing decompresses without complaint.
+bool SnapshotFile::CheckSum(FileProblem& problem) {
+    const std::uint32_t expected = LastWord(file_.get());
+    if (!OpenPlain(copy_->Path(), problem)) {
+        return false;
+    }
+    const std::uint32_t found = Adler32(file_.get());
+    if (found != expected) {
+        problem = {FileFault::Truncated, path_, {}, "checksum " + Hex(found), Hex(expected)};
+    }
+    return found == expected;
+}
+
+} // namespace Kestrona::Host::Snapshots

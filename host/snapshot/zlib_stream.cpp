@@ -1,0 +1,59 @@
+#include "snapshot/zlib_stream.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace Kestrona::Host::Snapshots {
+
+namespace {
+
+constexpr std::uint32_t kModulus = 65521;
+// Bytes after which the sums must be reduced before 32 bits are too few.
+constexpr std::size_t kMostUnreduced = 5552;
+constexpr long kSumSize = 4;
+
+} // namespace
+
+bool LooksLikeZlib(std::string_view bytes) {
+    if (bytes.size() < 2) {
+        return false;
+    }
+    const auto method = static_cast<unsigned char>(bytes[0]);
+    const auto flags = static_cast<unsigned char>(bytes[1]);
+    const bool wants_dictionary = (flags & 0x20) != 0;
+    return method == 0x78 && (method * 256 + flags) % 31 == 0 && !wants_dictionary;
+}
+
+std::uint32_t Adler32(std::FILE* file) {
+    std::rewind(file);
+    std::array<unsigned char, kMostUnreduced * 16> block{};
+    std::uint32_t sum = 1;
+    std::uint32_t sum_of_sums = 0;
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), file)) {
+        for (std::size_t start = 0; start < count; start += kMostUnreduced) {
+            const std::size_t end = std::min(count, start + kMostUnreduced);
+            for (std::size_t i = start; i < end; ++i) {
+                sum += block[i];
+                sum_of_sums += sum;
+            }
+            sum %= kModulus;
+            sum_of_sums %= kModulus;
+        }
+    }
+    return sum_of_sums << 16 | sum;
+}
+
+std::uint32_t LastWord(std::FILE* file) {
+    std::array<unsigned char, kSumSize> bytes{};
+    if (std::fseek(file, -kSumSize, SEEK_END) != 0 || std::fread(bytes.data(), bytes.size(), 1, file) != 1) {
+        return 0;
+    }
+    std::uint32_t word = 0;
+    for (const unsigned char byte : bytes) {
+        word = word << 8 | byte;
+    }
+    return word;
+}
+
+} // namespace Kestrona::Host::Snapshots

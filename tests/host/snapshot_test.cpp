@@ -1,0 +1,253 @@
+#include "host/snapshot_fixture.h"
+
+#include <kestrona/classes.h>
+#include <kestrona/data_compressor.h>
+#include <kestrona/host/definition.h>
+#include <kestrona/matrices.h>
+#include <kestrona/process.h>
+#include <kestrona/unicode.h>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <cstdio>
+
+// Whole plants into files and back.
+
+namespace Kestrona::Host {
+namespace {
+
+using testing::HasSubstr;
+
+void Save(Store& store, const std::string& path, bool compress = false) {
+    FileProblem problem;
+    ASSERT_TRUE(SaveSnapshot(store, path, {compress}, problem)) << problem.ToString();
+    EXPECT_EQ(problem.fault, FileFault::None);
+}
+
+TEST_F(SnapshotTest, AStoreComesBackCellByCell) {
+    const std::string plant = KESTRONA_SOURCE_DIR "/examples/plant/plant.ksdef";
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        SCOPED_TRACE(seed);
+        const auto store = seed == 1 ? MakeSmallStore() : MakeStore(plant);
+        FillByChance(*store, seed == 2 ? 40 : 7, seed);
+        const std::string definition = PrintDefinition(*store);
+        const std::string cells = CellsOf(*store);
+        Save(*store, Path("a.kes"));
+        Save(*store, Path("b.kes"));
+        EXPECT_EQ(Difference(WithoutStamp(BytesOf(Path("a.kes"))), WithoutStamp(BytesOf(Path("b.kes")))), "");
+        Save(*store, Path("c.kes"), true);
+        ASSERT_EQ(DataCompressor::DataCompressor().DecompressFile(FromUtf8(Path("c.kes")), FromUtf8(Path("d.kes"))), 0);
+        EXPECT_EQ(Difference(WithoutStamp(BytesOf(Path("a.kes"))), WithoutStamp(BytesOf(Path("d.kes")))), "");
+        EXPECT_EQ(FilesInFolder(), 4U) << "nothing is left behind";
+
+        for (const char* const name : {"a.kes", "c.kes"}) {
+            SCOPED_TRACE(name);
+            const auto other = host_->CreateStore();
+            FileProblem problem;
+            ASSERT_TRUE(LoadSnapshot(Path(name), *other, L"", problem)) << problem.ToString() << out_;
+            EXPECT_FALSE(HasChanges(*other));
+            EXPECT_EQ(Difference(PrintDefinition(*other), definition), "");
+            EXPECT_EQ(Difference(CellsOf(*other), cells), "");
+            Save(*other, Path("e.kes"));
+            const auto third = host_->CreateStore();
+            ASSERT_EQ(host_->FillFromFile(Path("e.kes"), *third), LoadOutcome::Ok) << out_;
+            EXPECT_EQ(Difference(CellsOf(*third), cells), "");
+            EXPECT_EQ(Difference(PrintDefinition(*third), definition), "");
+            // Several plants in one process keep apart.
+            FillByChance(*other, 2, seed + 100);
+            EXPECT_TRUE(HasChanges(*other));
+            EXPECT_EQ(Difference(CellsOf(*store), cells), "");
+            EXPECT_EQ(Difference(CellsOf(*third), cells), "");
+        }
+        std::filesystem::remove(Path("e.kes"));
+    }
+}
+
+TEST_F(SnapshotTest, TheHeadTellsWhatIsInIt) {
+    const auto store = MakeSmallStore();
+    const std::int64_t before = std::chrono::system_clock::now().time_since_epoch() / std::chrono::milliseconds(1);
+    Save(*store, Path("a.kes"));
+    Save(*store, Path("c.kes"), true);
+    for (const bool compressed : {false, true}) {
+        const std::string path = Path(compressed ? "c.kes" : "a.kes");
+        EXPECT_EQ(KindOfFile(path), compressed ? FileKind::CompressedSnapshot : FileKind::Snapshot);
+        FileProblem problem;
+        const auto info = ReadSnapshotInfo(path, problem);
+        ASSERT_TRUE(info) << problem.ToString();
+        EXPECT_EQ(info->compressed, compressed);
+        EXPECT_EQ(info->layout, 1);
+        EXPECT_GE(info->saved_at, before);
+        EXPECT_LE(info->saved_at, before + 600'000);
+        EXPECT_EQ(info->matrix_count, GetTotalMatrixCount());
+        EXPECT_EQ(info->file_size, static_cast<std::int64_t>(BytesOf(path).size()));
+        EXPECT_EQ(info->uncompressed_size, static_cast<std::int64_t>(BytesOf(Path("a.kes")).size()));
+        ASSERT_EQ(info->tables.size(), 3U);
+        std::int64_t at = 62 + info->definition_size + 4 * 3;
+        for (std::int32_t format = 0; format < 3; ++format) {
+            const SnapshotTable& table = info->tables[static_cast<std::size_t>(format)];
+            EXPECT_EQ(table.name, store->GetDbName(format));
+            EXPECT_EQ(table.dataset, L"");
+            EXPECT_EQ(table.fields, store->GetDbFields(format));
+            EXPECT_EQ(table.records, format == 2 ? 0 : 3) << "nothing is kept of the third one";
+            EXPECT_EQ(table.offset, at);
+            at += 4 + 2 * static_cast<std::int64_t>(table.name.size()) + 4 + 1 + 4 + table.size;
+        }
+        EXPECT_EQ(at, info->uncompressed_size);
+    }
+}
+
+// What a reader that knows nothing of the library finds in the file.
+nlohmann::json Decoded(const std::string& path) {
+    const std::string command = "python3 '" KESTRONA_SOURCE_DIR "/tests/oracles/snapshot.py' decode '" + path + "'";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    return nlohmann::json::parse(pipe.get(), nullptr, false);
+}
+
+// A cell of a decoded column. Cells behind the column's end have the default.
+template <typename T>
+T CellOf(const nlohmann::json& column, std::int32_t record, T default_value) {
+    const auto index = static_cast<std::size_t>(record);
+    return index < column.size() ? column[index].get<T>() : default_value;
+}
+
+TEST_F(SnapshotTest, AnotherReaderFindsTheSameCells) {
+    const auto store = MakeSmallStore();
+    FillByChance(*store, 20, 9);
+    Save(*store, Path("a.kes"));
+    const nlohmann::json decoded = Decoded(Path("a.kes"));
+    ASSERT_TRUE(decoded.is_object()) << "python3 is needed";
+    EXPECT_EQ(decoded["header"]["value"], 1);
+    EXPECT_EQ(decoded["definition"]["substitutions"], nlohmann::json::parse(R"([["machine", "work centre"]])"));
+    int columns = 0;
+    for (std::int32_t format = 0; format < 2; ++format) {
+        const nlohmann::json& block = decoded["blocks"][static_cast<std::size_t>(format)];
+        ASSERT_EQ(block["records"], store->GetCurrentDbSize(format));
+        for (std::int32_t field = 0; field < store->GetDbFields(format); ++field) {
+            const std::string name = ToUtf8(store->GetColumnName(format, field));
+            if (!block["cells"].contains(name)) {
+                continue;
+            }
+            ++columns;
+            const nlohmann::json& column = block["cells"][name];
+            for (std::int32_t record = 0; record < store->GetCurrentDbSize(format); ++record) {
+                SCOPED_TRACE(name + " " + std::to_string(record));
+                if (column.is_object()) {
+                    const auto index = static_cast<std::size_t>(record);
+                    const std::int32_t size = column["sizes"][index];
+                    ASSERT_EQ(size, KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(*store, format, field, record)));
+                    for (std::int32_t i = 0; i < size; ++i) {
+                        const auto element = static_cast<std::uint32_t>(i);
+                        EXPECT_EQ(CellOf(column["elements"][index], i, -1.0),
+                                  KSDLL_GetMatrixValue(*store, format, field, record, element));
+                    }
+                } else if (store->ClassDefined(format, field, Classes::kFreeFormat)) {
+                    EXPECT_EQ(FromUtf8(CellOf<std::string>(column, record, "")),
+                              store->GetDbString(format, field, record));
+                } else {
+                    EXPECT_EQ(CellOf(column, record, store->GetDbDefaultValue(format, field)),
+                              store->GetDbValue(format, field, record));
+                }
+            }
+        }
+    }
+    EXPECT_EQ(columns, 10) << "without calculated, shared and unsaved ones";
+}
+
+TEST_F(SnapshotTest, ATableCanHaveABlockForEachDataset) {
+    constexpr std::int32_t kOrders = 1;
+    const auto store = MakeSmallStore();
+    SnapshotWriter writer(*store, Path("a.kes"), 4);
+    store->SetDatasetName(kOrders, L"Week \U0001F3A8");
+    ASSERT_TRUE(writer.AddTable(0, L""));
+    ASSERT_TRUE(writer.AddTable(kOrders, store->GetDbCurrentDatasetName(kOrders)));
+    const std::string first = CellsOf(*store);
+    store->SetCurrentDbSize(kOrders, 1);
+    store->SetDbValue(kOrders, 0, 0, 99.0);
+    const std::string second = CellsOf(*store);
+    ASSERT_TRUE(writer.AddTable(kOrders, L"Rush"));
+    EXPECT_FALSE(SnapshotWriter(*store, Path("b.kes"), 2).Commit()) << "no tables were added";
+    ASSERT_TRUE(writer.AddTable(2, L""));
+    ASSERT_TRUE(writer.Commit()) << writer.Problem().ToString();
+    EXPECT_EQ(FilesInFolder(), 1U);
+
+    FileProblem problem;
+    const auto info = ReadSnapshotInfo(Path("a.kes"), problem);
+    ASSERT_TRUE(info) << problem.ToString();
+
+    struct Case {
+        const wchar_t* wanted;
+        std::size_t block;
+        const std::string& cells;
+    };
+
+    for (const Case& c :
+         {Case{L"", 1, first}, {L"week \U0001F3A8", 1, first}, {L"RUSH", 2, second}, {L"no", 1, first}}) {
+        SCOPED_TRACE(ToUtf8(c.wanted));
+        const auto other = host_->CreateStore();
+        ASSERT_TRUE(LoadSnapshot(Path("a.kes"), *other, c.wanted, problem)) << problem.ToString();
+        EXPECT_EQ(Difference(CellsOf(*other), c.cells), "");
+        EXPECT_EQ(other->GetDbCurrentDatasetName(kOrders), info->tables[c.block].dataset);
+        // The other one takes its place, and leaves nothing of it.
+        const SnapshotTable& next = info->tables[c.block == 1 ? 2 : 1];
+        ASSERT_TRUE(LoadSnapshotTable(Path("a.kes"), *other, next, problem)) << problem.ToString();
+        EXPECT_EQ(Difference(CellsOf(*other), c.block == 1 ? second : first), "");
+        EXPECT_EQ(other->GetDbCurrentDatasetName(kOrders), next.dataset);
+        EXPECT_FALSE(HasChanges(*other));
+        SnapshotTable wrong = next;
+        wrong.offset = info->tables[0].offset;
+        EXPECT_FALSE(LoadSnapshotTable(Path("a.kes"), *other, wrong, problem));
+        EXPECT_EQ(problem.fault, FileFault::Damaged);
+    }
+}
+
+TEST_F(SnapshotTest, ADefinitionIsTheSameFromEachKindOfFile) {
+    const std::string plant = KESTRONA_SOURCE_DIR "/examples/plant/plant.ksdef";
+    const auto source = MakeStore(plant);
+    ASSERT_EQ(host_->CompileDefinition(plant, Path("plant.cnf")), LoadOutcome::Ok) << out_;
+    EXPECT_EQ(KindOfFile(plant), FileKind::Other);
+    EXPECT_EQ(KindOfFile(Path("plant.cnf")), FileKind::CompiledDefinition);
+    EXPECT_EQ(KindOfFile(Path("none")), FileKind::Unreadable);
+    Save(*source, Path("plant.kes"));
+    for (const char* const name : {"plant.cnf", "plant.kes"}) {
+        SCOPED_TRACE(name);
+        const auto store = MakeStore(Path(name));
+        EXPECT_EQ(Difference(PrintDefinition(*store), PrintDefinition(*source)), "");
+        for (std::int32_t format = 0; format < source->GetFormatCount(); ++format) {
+            for (std::int32_t field = 0; field < source->GetDbFields(format); ++field) {
+                EXPECT_EQ(store->GetDbTable(format, field), source->GetDbTable(format, field));
+                EXPECT_EQ(store->GetDbTableY(format, field), source->GetDbTableY(format, field));
+                EXPECT_EQ(store->GetDbSource(format, field), source->GetDbSource(format, field));
+                EXPECT_STREQ(store->GetDbClassString(format, field), source->GetDbClassString(format, field));
+            }
+        }
+    }
+    EXPECT_EQ(host_->LoadCompiled(Path("plant.cnf")), LoadOutcome::AlreadyLoaded);
+}
+
+TEST_F(SnapshotTest, TheDefinitionOfTheProcessCanComeCompiled) {
+    const std::string plant = KESTRONA_SOURCE_DIR "/examples/plant/plant.ksdef";
+    const std::string definition = PrintDefinition(*MakeStore(plant));
+    ASSERT_EQ(host_->CompileDefinition(plant, Path("plant.cnf")), LoadOutcome::Ok) << out_;
+    Restart();
+    ASSERT_EQ(host_->LoadCompiled(Path("plant.cnf")), LoadOutcome::Ok) << out_;
+    EXPECT_EQ(Difference(PrintDefinition(host_->Store()), definition), "");
+    Restart();
+    EXPECT_EQ(host_->LoadCompiled(Path("none.cnf")), LoadOutcome::Unreadable);
+    Restart();
+    EXPECT_EQ(host_->CompileDefinition(plant, Path("none/plant.cnf")), LoadOutcome::Findings);
+}
+
+TEST_F(SnapshotTest, TextsThatCannotBeReadAreLeftOutWithAWarning) {
+    const auto store = MakeSmallStore();
+    store->SetTableText(0, 0, KSDLL_AddText(L"")); // a constant without a name
+    Save(*store, Path("a.kes"));
+    const auto other = host_->CreateStore();
+    EXPECT_EQ(host_->FillFromFile(Path("a.kes"), *other), LoadOutcome::Ok) << out_;
+    EXPECT_EQ(Difference(CellsOf(*other), CellsOf(*store)), "");
+    EXPECT_THAT(out_, HasSubstr("warning: The string tables are left out. string tables:1:"));
+}
+
+} // namespace
+} // namespace Kestrona::Host
