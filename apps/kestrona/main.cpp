@@ -1,4 +1,6 @@
+#include "commands/command_options.h"
 #include "commands/commands.h"
+#include "commands/file_commands.h"
 #include "commands/key_commands.h"
 #include "exit_codes.h"
 
@@ -18,38 +20,6 @@ using namespace Kestrona::Tool;
 constexpr const char* kFooter = "Exit codes: 0 good, 1 findings, 2 usage, 3 unreadable input, 4 damaged input, "
                                 "5 key wrong or missing.";
 
-void AddOutputForm(CLI::App& command, OutputForm& form) {
-    command.add_option("-o,--output", form, "Output form: table, csv, json, jsonl or markdown")
-        ->transform(CLI::CheckedTransformer(OutputFormNames(), CLI::ignore_case).description(""))
-        ->option_text("FORM");
-}
-
-void AddDefinition(CLI::App& command, std::string& definition) {
-    command.add_option("DEFINITION", definition, "Definition file")->required();
-}
-
-/// The switches of every command that prints records of a format.
-template <typename Options>
-void AddRecordChoice(CLI::App& command, Options& options, bool data_is_required = true) {
-    command.add_option("--data", options.folders, "Folder of CSV files, one for each format; may be repeated")
-        ->required(data_is_required)
-        ->option_text("FOLDER")
-        ->allow_extra_args(false);
-    command
-        .add_option("--where", options.conditions,
-                    "Print only records with FIELD=VALUE (the sign may be = < <= > >=), or for which an expression is "
-                    "not 0; may be repeated, and all must hold")
-        ->option_text("CONDITION")
-        ->allow_extra_args(false);
-    command.add_option("--order", options.order, "Sort by these fields, divided by commas; :desc turns one round")
-        ->delimiter(',')
-        ->option_text("FIELD[:desc],...")
-        ->allow_extra_args(false);
-    command.add_flag("--group-family", options.group_families, "Print members of a family behind their parent");
-    command.add_option("--limit", options.limit, "Print at most this many records")->option_text("N");
-    AddKey(command, options.key);
-}
-
 void AddFile(CLI::App& command, std::string& file) {
     command.add_option("-f,--file", file, "File to write; stdout without it")->option_text("FILE");
 }
@@ -63,7 +33,7 @@ int Run(int argc, char** argv) {
 
     CheckOptions check;
     CLI::App* check_command = app.add_subcommand("check", "Tell what is wrong with a definition");
-    AddDefinition(*check_command, check.definition);
+    AddDefinitionSource(*check_command, check.definition);
     check_command->add_option("-o,--output", check.form, "Output form: text, json or sarif")
         ->transform(CLI::CheckedTransformer(Lint::ReportFormNames(), CLI::ignore_case).description(""))
         ->option_text("FORM");
@@ -95,10 +65,8 @@ int Run(int argc, char** argv) {
     docs_command->callback([&] { code = RunDocs(docs); });
 
     ShowOptions show;
-    CLI::App* show_command = app.add_subcommand("show", "Load CSV files and print a format's records");
-    AddDefinition(*show_command, show.definition);
-    show_command->add_option("TABLE", show.table, "Format to print")->required();
-    AddRecordChoice(*show_command, show);
+    CLI::App* show_command = app.add_subcommand("show", "Print the records of a format");
+    AddRecordChoice(*show_command, show.records);
     show_command->add_option("--columns", show.columns, "Fields to print, divided by commas, in this order")
         ->delimiter(',')
         ->option_text("FIELD,...")
@@ -107,36 +75,29 @@ int Run(int argc, char** argv) {
         ->add_option("--add", show.added, "Print a further column NAME with the value of EXPRESSION; may be repeated")
         ->option_text("NAME=EXPRESSION")
         ->allow_extra_args(false);
-    CLI::Option* raw = show_command->add_flag("--raw", show.raw, "Print stored values; csv, json and jsonl do so");
-    show_command->add_flag("--text", show.text, "Print display texts; table and markdown do so")->excludes(raw);
-    AddOutputForm(*show_command, show.form);
+    CLI::Option* raw =
+        show_command->add_flag("--raw", show.records.raw, "Print stored values; csv, json and jsonl do so");
+    show_command->add_flag("--text", show.records.text, "Print display texts; table and markdown do so")->excludes(raw);
     show_command->callback([&] { code = RunShow(show); });
 
     EvalOptions eval;
-    CLI::App* eval_command =
-        app.add_subcommand("eval", "Load CSV files and print an expression's value for each record");
-    AddDefinition(*eval_command, eval.definition);
-    eval_command->add_option("TABLE", eval.table, "Format of the records")->required();
+    CLI::App* eval_command = app.add_subcommand("eval", "Print an expression's value for each record of a format");
+    AddRecordChoice(*eval_command, eval.records);
     eval_command->add_option("EXPRESSION", eval.expression, "Expression; put -- before one that begins with a minus")
         ->required();
     eval_command->add_flag("--text", eval.inside_of_text, "The expression is the inside of a text with fields in it");
-    AddRecordChoice(*eval_command, eval);
-    eval_command->add_flag("--raw", eval.raw, "Print the stored key; csv, json and jsonl do so");
-    AddOutputForm(*eval_command, eval.form);
+    eval_command->add_flag("--raw", eval.records.raw, "Print the stored key; csv, json and jsonl do so");
     eval_command->callback([&] { code = RunEval(eval); });
 
     TrackOptions track;
     CLI::App* track_command =
         app.add_subcommand("track", "Find the way from a format to a field, and print the value there for each record");
-    AddDefinition(*track_command, track.definition);
-    track_command->add_option("TABLE", track.table, "Format to start from")->required();
+    AddRecordChoice(*track_command, track.records);
     track_command->add_option("TARGET", track.target, "FORMAT.FIELD, or class:NAME for the nearest field of a class")
         ->required();
     track_command->add_flag("--lists", track.lists, "Go through lists and matrices, too");
-    AddRecordChoice(*track_command, track, false);
-    CLI::Option* raw_track = track_command->add_flag("--raw", track.raw, "Print stored values in every form");
-    track_command->add_flag("--text", track.text, "Print display texts in every form")->excludes(raw_track);
-    AddOutputForm(*track_command, track.form);
+    CLI::Option* raw_track = track_command->add_flag("--raw", track.records.raw, "Print stored values in every form");
+    track_command->add_flag("--text", track.records.text, "Print display texts in every form")->excludes(raw_track);
     track_command->callback([&] { code = RunTrack(track); });
 
     TranslateExtractOptions extract;
@@ -145,17 +106,18 @@ int Run(int argc, char** argv) {
     translate_command->require_subcommand(1);
     CLI::App* extract_command =
         translate_command->add_subcommand("extract", "Write the lists KSSERVER.LST and KS_PDB.LST for a translator");
-    AddDefinition(*extract_command, extract.definition);
+    AddDefinitionSource(*extract_command, extract.definition);
     extract_command->add_option("-o,--output", extract.folder, "Folder to write to; the current one without it")
         ->option_text("FOLDER");
     extract_command->callback([&] { code = RunTranslateExtract(extract); });
     CLI::App* apply_command = translate_command->add_subcommand(
         "apply", "Show a definition's texts as filled lists translate them, and the entries that are of no use");
-    AddDefinition(*apply_command, apply.definition);
+    AddDefinitionSource(*apply_command, apply.definition);
     apply_command->add_option("LIST", apply.lists, "List files")->required();
     AddOutputForm(*apply_command, apply.form);
     apply_command->callback([&] { code = RunTranslateApply(apply); });
 
+    AddFileCommands(app, code);
     AddKeyCommands(app, code);
 
     try {

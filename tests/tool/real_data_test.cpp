@@ -97,6 +97,30 @@ TEST(RealData, EveryWorkOrderAndRoutingComesBackAsItWas) {
     }
 }
 
+// A snapshot shows of a table what the files show, to the letter.
+TEST(RealData, TablesComeBackFromASnapshot) {
+    const std::string data = DataFolder();
+    if (data.empty()) {
+        return;
+    }
+    const std::string definition = SourcePath("examples/adventureworks/adventureworks.ksdef");
+    const std::string snapshot = OwnPath("adventureworks.kes");
+    const std::vector<std::string> folders{"--data", data + "/derived-csv", "--data", data + "/raw-tsv-2017"};
+    const auto run = [&](std::vector<std::string> arguments, const std::vector<std::string>& more) {
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const ToolRun result = RunTool(arguments);
+        EXPECT_EQ(result.exit_code, 0) << result.err;
+        return result.out;
+    };
+    run({"import", definition, "-o", snapshot, "--compress"}, folders);
+    for (const std::string table : {"Product", "BillOfMaterials", "WorkOrder", "WorkOrderRouting"}) {
+        const std::string shown = run({"show", snapshot, table, "-o", "csv"}, {});
+        EXPECT_GT(std::ranges::count(shown, '\n'), 500) << table;
+        EXPECT_TRUE(shown == run({"show", definition, table, "-o", "csv"}, folders)) << table;
+    }
+    std::filesystem::remove(snapshot);
+}
+
 // The stocked quantity of the source is what the expression makes of its other columns, whichever way it is asked.
 TEST(RealData, EveryWorkOrderIsStockedByItsRule) {
     const std::string data = DataFolder();

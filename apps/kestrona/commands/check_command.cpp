@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "commands/file_problems.h"
 #include "exit_codes.h"
 #include "lint/check_definition.h"
 #include "output/text_output.h"
@@ -29,6 +30,9 @@ int CodeOf(const Lint::Report& report, bool strict) {
 } // namespace
 
 int RunCheck(const CheckOptions& options) {
+    if (const int code = RefuseCompiled(options.definition, "check"); code != kExitGood) {
+        return code;
+    }
     const Lint::Report report = Lint::CheckDefinition(options.definition);
     const int code = WriteText(Written(report, options.form), "");
     return code == kExitGood ? CodeOf(report, options.strict) : code;

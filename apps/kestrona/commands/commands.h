@@ -50,57 +50,44 @@ struct DocsOptions {
 /// Writes a data dictionary.
 int RunDocs(const DocsOptions& options);
 
-struct ShowOptions {
-    std::string definition;
+/// The records that a command works on, and the form in which it prints them.
+struct RecordChoice {
+    std::string source;  ///< A definition, compiled or not, or a snapshot.
+    std::string dataset; ///< Of a snapshot's tables with several; empty for the first one of each.
     KeyOptions key;
-    std::vector<std::string> folders;
+    std::vector<std::string> folders; ///< The records of a definition.
     std::string table;
-    OutputForm form = OutputForm::Table;
     std::vector<std::string> conditions; ///< `FIELD=VALUE` and the like, or expressions; all must hold.
-    std::vector<std::string> columns;    ///< Fields to print, in this order; empty for all.
-    std::vector<std::string> added;      ///< `NAME=EXPRESSION`: columns behind the fields.
     std::vector<std::string> order;      ///< `FIELD[:desc]`: fields to sort by.
     bool group_families = false;         ///< Members of a family stand behind their parent.
-    bool raw = false;                    ///< Print stored values in every output form.
-    bool text = false;                   ///< Print display texts in every output form.
     std::size_t limit = 0;               ///< Most rows to print; 0 for all.
+    OutputForm form = OutputForm::Table;
+    bool raw = false;  ///< Print stored values in every output form.
+    bool text = false; ///< Print display texts in every output form.
 };
 
-/// Loads a definition and folders of CSV files, and prints one format's records.
+struct ShowOptions {
+    RecordChoice records;
+    std::vector<std::string> columns; ///< Fields to print, in this order; empty for all.
+    std::vector<std::string> added;   ///< `NAME=EXPRESSION`: columns behind the fields.
+};
+
+/// Prints one format's records.
 int RunShow(const ShowOptions& options);
 
 struct EvalOptions {
-    std::string definition;
-    KeyOptions key;
-    std::vector<std::string> folders;
-    std::string table;
+    RecordChoice records;
     std::string expression;
     bool inside_of_text = false; ///< The expression is the inside of a text.
-    bool raw = false;            ///< Print the stored key in every output form.
-    OutputForm form = OutputForm::Table;
-    std::vector<std::string> conditions; ///< Like those of `ShowOptions`.
-    std::vector<std::string> order;      ///< Likewise.
-    bool group_families = false;
-    std::size_t limit = 0; ///< Most rows to print; 0 for all.
 };
 
-/// Loads a definition and folders of CSV files, and prints an expression's value for each record of a format.
+/// Prints an expression's value for each record of a format.
 int RunEval(const EvalOptions& options);
 
 struct TrackOptions {
-    std::string definition;
-    KeyOptions key;
-    std::vector<std::string> folders; ///< Without one only the path is told.
-    std::string table;
-    std::string target; ///< `FORMAT.FIELD`, or `class:` and the name of a class.
-    bool lists = false; ///< Go through lists, too.
-    bool raw = false;
-    bool text = false;
-    OutputForm form = OutputForm::Table;
-    std::vector<std::string> conditions; ///< Like those of `ShowOptions`.
-    std::vector<std::string> order;
-    bool group_families = false;
-    std::size_t limit = 0;
+    RecordChoice records; ///< Without any only the path is told.
+    std::string target;   ///< `FORMAT.FIELD`, or `class:` and the name of a class.
+    bool lists = false;   ///< Go through lists, too.
 };
 
 /// Finds the path of references from a format to a field, tells it step by step, and prints the value at its end for

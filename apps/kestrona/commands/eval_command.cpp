@@ -1,7 +1,5 @@
 #include "commands/commands.h"
-#include "commands/import_folders.h"
-#include "commands/print_records.h"
-#include "commands/session.h"
+#include "commands/opened_table.h"
 #include "exit_codes.h"
 
 #include <kestrona/unicode.h>
@@ -10,6 +8,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace Kestrona::Tool {
 namespace {
@@ -39,31 +38,23 @@ std::optional<RecordExpression> ParseOrTell(IMemoryResidentData& store, std::int
 } // namespace
 
 int RunEval(const EvalOptions& options) {
-    Session session;
-    if (const int code = session.Load(options.definition, options.key); code != kExitGood) {
+    OpenedTable table;
+    if (const int code = table.Open(options.records); code != kExitGood) {
         return code;
     }
-    auto& store = session.Store();
-    const std::int32_t format = session.FindFormat(options.table);
-    if (format < 0) {
+    auto& store = table.Store();
+    auto expression = ParseOrTell(store, table.Format(), options);
+    if (!expression) {
         return kExitUsage;
     }
-    auto expression = ParseOrTell(store, format, options);
-    auto filter = RecordFilter::Parse(store, format, options.conditions);
-    auto order = ParseOrder(store, format, options.order, options.group_families);
-    if (!expression || !filter || !order) {
-        return kExitUsage;
-    }
-    const int code = ImportFolders(store, options.folders);
+    const int code = table.ReadFolders();
     if (code == kExitUnreadableInput) {
         return code;
     }
-    RecordPrint print{
-        {OwnField(store, format, store.GetDbKey(format))}, {}, std::move(*filter), options.limit, options.form,
-        StyleFor(options.form, options.raw, false)};
-    print.order = std::move(*order);
-    print.added.push_back({ColumnName(store, format), std::move(*expression)});
-    return PrintRecords(store, format, std::move(print)) ? code : kExitUnreadableInput;
+    std::vector<NamedExpression> added;
+    added.push_back({ColumnName(store, table.Format()), std::move(*expression)});
+    const FollowedField key = OwnField(store, table.Format(), store.GetDbKey(table.Format()));
+    return table.Print({key}, std::move(added)) ? code : kExitUnreadableInput;
 }
 
 } // namespace Kestrona::Tool

@@ -105,4 +105,13 @@ int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& fo
     return code;
 }
 
+void ReimportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders) {
+    std::vector<ImportedFile> files;
+    for (const std::string& folder : folders) {
+        std::ranges::move(ImportFolder(store, folder).files, std::back_inserter(files));
+    }
+    ResolveReferences(store, files);
+    FillMatrices(store, files);
+}
+
 } // namespace Kestrona::Tool

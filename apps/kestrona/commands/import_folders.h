@@ -13,4 +13,7 @@ namespace Kestrona::Tool {
 /// Loads folders of CSV files into the store and prints to stderr what became of them. Returns the worst exit code.
 int ImportFolders(Data::MemoryResident::IMemoryResidentData& store, const std::vector<std::string>& folders);
 
+/// Loads folders that have been loaded before once more, without a word.
+void ReimportFolders(Data::MemoryResident::IMemoryResidentData& store, const std::vector<std::string>& folders);
+
 } // namespace Kestrona::Tool

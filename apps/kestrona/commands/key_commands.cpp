@@ -1,5 +1,7 @@
 #include "commands/key_commands.h"
 
+#include "commands/command_options.h"
+
 #include <CLI/CLI.hpp>
 
 #include <memory>
@@ -30,20 +32,11 @@ void AddAudit(CLI::App& app, int& code) {
     audit->require_subcommand(1);
     CLI::App* const show = audit->add_subcommand("show", "Print the entries, a row for each changed field");
     show->add_option("FILE", options->file, "Audit file")->required();
-    show->add_option("-o,--output", options->form, "Output form: table, csv, json, jsonl or markdown")
-        ->transform(CLI::CheckedTransformer(OutputFormNames(), CLI::ignore_case).description(""))
-        ->option_text("FORM");
+    AddOutputForm(*show, options->form);
     show->callback([options, &code] { code = RunAuditShow(*options); });
 }
 
 } // namespace
-
-void AddKey(CLI::App& command, KeyOptions& key) {
-    command.add_option("--key-file", key.file, "File with the key of encrypted fields, protected or plain")
-        ->option_text("FILE");
-    command.add_flag("--ask-key", key.ask,
-                     "Ask for the pass phrase at the terminal if neither --key-file nor the environment gives it");
-}
 
 void AddKeyCommands(CLI::App& app, int& code) {
     AddCrypt(app, code, "encrypt", "Encrypt texts as encrypted fields hold them", RunEncrypt);

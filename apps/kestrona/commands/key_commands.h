@@ -41,8 +41,6 @@ struct AuditShowOptions {
 /// Prints the entries of an audit file, a row for each changed field.
 int RunAuditShow(const AuditShowOptions& options);
 
-/// Adds the switches that name a key.
-void AddKey(CLI::App& command, KeyOptions& key);
 /// Adds all of these commands; `code` takes the exit code of the one that runs.
 void AddKeyCommands(CLI::App& app, int& code);
 

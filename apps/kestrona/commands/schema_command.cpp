@@ -2,13 +2,12 @@
 #include "commands/session.h"
 #include "exit_codes.h"
 #include "field_description.h"
+#include "output/property_sheet.h"
 #include "schema/class_names.h"
 #include "schema/field_links.h"
 
 #include <kestrona/classification_readers.h>
 #include <kestrona/unicode.h>
-
-#include <utility>
 
 namespace Kestrona::Tool {
 namespace {
@@ -61,29 +60,12 @@ int ListFields(IMemoryResidentData& store, std::int32_t format, OutputForm form)
     return WriteTable(source, form, stdout) ? kExitGood : kExitUnreadableInput;
 }
 
-// One row for each thing that there is to say.
-class FieldSheet {
-public:
-    FieldSheet() : source_({{"Property"}, {"Value"}}) {}
-
-    void Add(std::string property, std::string value) {
-        if (!value.empty()) {
-            source_.AddRow({std::move(property), std::move(value)});
-        }
-    }
-
-    [[nodiscard]] const ListSource& Source() const { return source_; }
-
-private:
-    ListSource source_;
-};
-
 std::string DialogLevelText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     return store.IsHiddenDialog(format, field) ? "hidden" : std::to_string(store.GetDbDialogLevel(format, field));
 }
 
 int ShowField(IMemoryResidentData& store, std::int32_t format, std::int32_t field, OutputForm form) {
-    FieldSheet sheet;
+    PropertySheet sheet;
     sheet.Add("Field", FieldName(store, format, field));
     sheet.Add("Name in dialogs", ToUtf8(GetDialogFieldName(store, format, field)));
     sheet.Add("Type", TypeName(store, format, field));
@@ -101,7 +83,7 @@ int ShowField(IMemoryResidentData& store, std::int32_t format, std::int32_t fiel
         sheet.Add("Class", name);
     }
     sheet.Add("Classification", ToUtf8(store.GetDbClassString(format, field)));
-    return WriteTable(sheet.Source(), form, stdout) ? kExitGood : kExitUnreadableInput;
+    return WriteTable(sheet, form, stdout) ? kExitGood : kExitUnreadableInput;
 }
 
 int Describe(Session& session, const SchemaOptions& options) {

@@ -1,11 +1,20 @@
 #include "commands/session.h"
 
+#include "commands/file_problems.h"
+#include "commands/saved_secrets.h"
+#include "data/compiled_head.h"
+#include "data/field_names.h"
 #include "exit_codes.h"
 
+#include <kestrona/safe_file.h>
 #include <kestrona/unicode.h>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <sys/resource.h>
+
+#include <set>
+#include <vector>
 
 namespace Kestrona::Tool {
 namespace {
@@ -16,12 +25,8 @@ Host::DefaultHostOptions HostOptions() {
     return options;
 }
 
-} // namespace
-
-Session::Session() : host_(HostOptions()) {}
-
-int Session::Load(const std::string& definition) {
-    switch (host_.LoadDefinition(definition)) {
+int CodeOf(Host::LoadOutcome outcome) {
+    switch (outcome) {
     case Host::LoadOutcome::Ok:
         return kExitGood;
     case Host::LoadOutcome::Unreadable:
@@ -33,9 +38,89 @@ int Session::Load(const std::string& definition) {
     return kExitFindings;
 }
 
-int Session::Load(const std::string& definition, const KeyOptions& key) {
-    const int code = SetUpKey(key);
-    return code == kExitGood ? Load(definition) : code;
+/// Says on stderr that the file has no dataset of this name. Returns an exit code.
+int FindDataset(const std::string& path, const std::string& dataset) {
+    const Host::FileKind kind = Host::KindOfFile(path);
+    if (kind != Host::FileKind::Snapshot && kind != Host::FileKind::CompressedSnapshot) {
+        fmt::print(stderr, "kestrona: error: '{}' is no snapshot and has no datasets; leave out --dataset\n", path);
+        return kExitUsage;
+    }
+    Host::FileProblem problem;
+    const auto info = Host::ReadSnapshotInfo(path, problem);
+    if (!info) {
+        return TellProblem(problem);
+    }
+    std::set<std::string> known;
+    for (const Host::SnapshotTable& table : info->tables) {
+        if (EqualIgnoringCase(table.dataset, FromUtf8(dataset))) {
+            return kExitGood;
+        }
+        known.insert(ToUtf8(table.dataset));
+    }
+    known.erase("");
+    fmt::print(stderr, "kestrona: error: '{}' has no dataset '{}'{}{}\n", path, dataset,
+               known.empty() ? "" : "; there are ", fmt::join(known, ", "));
+    return kExitUsage;
+}
+
+} // namespace
+
+Session::Session() : host_(HostOptions()) {}
+
+int Session::Load(const std::string& path) {
+    const Host::FileKind kind = Host::KindOfFile(path);
+    if (kind == Host::FileKind::Snapshot || kind == Host::FileKind::CompressedSnapshot) {
+        return LoadSnapshot(path, {});
+    }
+    return LoadDefinition(path, kind);
+}
+
+int Session::Load(const std::string& path, const KeyOptions& key, const std::string& dataset) {
+    if (const int code = SetUpKey(key); code != kExitGood) {
+        return code;
+    }
+    if (dataset.empty()) {
+        return Load(path);
+    }
+    const int code = FindDataset(path, dataset);
+    return code == kExitGood ? LoadSnapshot(path, dataset) : code;
+}
+
+int Session::LoadDefinition(const std::string& path, Host::FileKind kind) {
+    if (kind == Host::FileKind::CompiledDefinition) {
+        return LoadCompiled(path);
+    }
+    Host::FileProblem problem;
+    if (kind == Host::FileKind::Other && !CheckIsText(path, problem)) {
+        return TellProblem(problem);
+    }
+    return CodeOf(host_.LoadDefinition(path));
+}
+
+int Session::LoadCompiled(const std::string& path) {
+    Host::FileProblem problem;
+    if (!CheckCompiledHead(path, problem)) {
+        return TellProblem(problem);
+    }
+    const int code = CodeOf(host_.LoadCompiled(path));
+    return code == kExitFindings ? TellProblem({Host::FileFault::Damaged, path, {}, "", ""}) : code;
+}
+
+int Session::Compile(const std::string& definition, const std::string& target) {
+    // The library says the same of a target that cannot be written as of a definition that cannot be resolved.
+    if (const SafeFile probe(FromUtf8(target)); !probe.IsOpen()) {
+        return TellProblem({Host::FileFault::CannotWrite, target, {}, ToUtf8(probe.Error()), ""});
+    }
+    return CodeOf(host_.CompileDefinition(definition, target));
+}
+
+int Session::LoadSnapshot(const std::string& path, const std::string& dataset) {
+    Host::FileProblem problem;
+    if (!Host::LoadSnapshot(path, Store(), FromUtf8(dataset), problem)) {
+        return TellProblem(problem);
+    }
+    has_records_ = true;
+    return OpenSavedSecrets(Store());
 }
 
 Data::MemoryResident::MemoryResidentData& Session::Store() {
@@ -44,31 +129,30 @@ Data::MemoryResident::MemoryResidentData& Session::Store() {
 
 std::int32_t Session::FindFormat(const std::string& name) {
     auto& store = Store();
-    std::string known;
-    for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        const wchar_t* format_name = store.GetDbName(format);
-        const std::string text = format_name == nullptr ? std::string() : ToUtf8(format_name);
-        if (text == name || ToUtf8(store.GetDbDisplayName(format)) == name) {
-            return format;
+    const std::int32_t named = FormatNamed(store, name);
+    if (named < 0) {
+        std::vector<std::string> known;
+        for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
+            const wchar_t* const format_name = store.GetDbName(format);
+            known.push_back(format_name == nullptr ? std::string() : ToUtf8(format_name));
         }
-        known += (known.empty() ? "" : ", ") + text;
+        fmt::print(stderr, "kestrona: error: no format is called '{}'; there are {}\n", name, fmt::join(known, ", "));
     }
-    fmt::print(stderr, "kestrona: error: no format is called '{}'; there are {}\n", name, known);
-    return -1;
+    return named;
 }
 
 std::int32_t Session::FindField(std::int32_t format, const std::string& name) {
     auto& store = Store();
-    std::string known;
-    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        const std::string text = ToUtf8(store.GetColumnName(format, field));
-        if (text == name) {
-            return field;
+    const std::int32_t named = FieldNamed(store, format, name);
+    if (named < 0) {
+        std::vector<std::string> known;
+        for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+            known.push_back(ToUtf8(store.GetColumnName(format, field)));
         }
-        known += (known.empty() ? "" : ", ") + text;
+        fmt::print(stderr, "kestrona: error: no field of the format is called '{}'; there are {}\n", name,
+                   fmt::join(known, ", "));
     }
-    fmt::print(stderr, "kestrona: error: no field of the format is called '{}'; there are {}\n", name, known);
-    return -1;
+    return named;
 }
 
 std::size_t PeakMemory() {

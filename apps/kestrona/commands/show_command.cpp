@@ -1,11 +1,7 @@
 #include "commands/commands.h"
-#include "commands/import_folders.h"
-#include "commands/print_records.h"
+#include "commands/opened_table.h"
 #include "commands/record_source.h"
-#include "commands/session.h"
 #include "exit_codes.h"
-
-#include <kestrona/unicode.h>
 
 #include <fmt/format.h>
 
@@ -53,30 +49,21 @@ std::optional<std::vector<FollowedField>> ChooseFields(IMemoryResidentData& stor
 } // namespace
 
 int RunShow(const ShowOptions& options) {
-    Session session;
-    if (const int code = session.Load(options.definition, options.key); code != kExitGood) {
+    OpenedTable table;
+    if (const int code = table.Open(options.records); code != kExitGood) {
         return code;
     }
-    auto& store = session.Store();
-    const std::int32_t format = session.FindFormat(options.table);
-    if (format < 0) {
-        return kExitUsage;
-    }
     std::string left_out;
-    auto fields = ChooseFields(store, format, options.columns, left_out);
-    auto added = ParseAddedColumns(store, format, options.added);
-    auto filter = RecordFilter::Parse(store, format, options.conditions);
-    auto order = ParseOrder(store, format, options.order, options.group_families);
-    if (!fields || !added || !filter || !order) {
+    auto fields = ChooseFields(table.Store(), table.Format(), options.columns, left_out);
+    auto added = ParseAddedColumns(table.Store(), table.Format(), options.added);
+    if (!fields || !added) {
         return kExitUsage;
     }
-    const int code = ImportFolders(store, options.folders);
+    const int code = table.ReadFolders();
     if (code == kExitUnreadableInput) {
         return code;
     }
-    if (!PrintRecords(store, format,
-                      {std::move(*fields), std::move(*added), std::move(*filter), options.limit, options.form,
-                       StyleFor(options.form, options.raw, options.text), std::move(*order)})) {
+    if (!table.Print(*fields, std::move(*added))) {
         return kExitUnreadableInput;
     }
     if (!left_out.empty()) {

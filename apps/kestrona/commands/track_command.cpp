@@ -1,7 +1,5 @@
 #include "commands/commands.h"
-#include "commands/import_folders.h"
-#include "commands/print_records.h"
-#include "commands/session.h"
+#include "commands/opened_table.h"
 #include "commands/tracked_source.h"
 #include "data/track_target.h"
 #include "exit_codes.h"
@@ -12,7 +10,6 @@
 
 #include <cstdio>
 #include <memory>
-#include <utility>
 
 namespace Kestrona::Tool {
 namespace {
@@ -20,14 +17,6 @@ namespace {
 using Data::MemoryResident::MemoryResidentData;
 using Tracking::TrackingPath;
 using Tracking::Conditions::ITrackingCondition;
-
-/// What to track, all of it checked.
-struct Track {
-    std::int32_t format;
-    std::unique_ptr<ITrackingCondition> target;
-    RecordFilter filter;
-    RecordOrder order;
-};
 
 std::unique_ptr<ITrackingCondition> ParseTargetOrTell(MemoryResidentData& store, const std::string& text) {
     std::string problem;
@@ -48,55 +37,42 @@ TrackingPath FindPath(MemoryResidentData& store, std::int32_t format, ITrackingC
     return path;
 }
 
-int PrintValues(MemoryResidentData& store, const TrackOptions& options, const Track& track) {
-    const int code = ImportFolders(store, options.folders);
+int PrintValues(OpenedTable& table, const TrackOptions& options, ITrackingCondition& target) {
+    const int code = table.ReadFolders();
     if (code == kExitUnreadableInput) {
         return code;
     }
     // Paths hold columns, and reading files may have made others.
-    const TrackingPath path = FindPath(store, track.format, *track.target, options.lists);
-    WriteTable(PathSource(store, path, track.format), OutputForm::Table, stderr);
-    const TrackedSource source(store, path, track.format, ChooseRecords(track.filter, track.order, options.limit),
-                               StyleFor(options.form, options.raw, options.text));
-    if (!WriteTable(source, options.form, stdout)) {
-        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
-        return kExitUnreadableInput;
-    }
-    return code;
+    auto& store = table.Store();
+    const TrackingPath path = FindPath(store, table.Format(), target, options.lists);
+    WriteTable(PathSource(store, path, table.Format()), OutputForm::Table, stderr);
+    const TrackedSource source(store, path, table.Format(), table.Records(), table.Style());
+    return table.Write(source) ? code : kExitUnreadableInput;
 }
 
-int PrintTrack(MemoryResidentData& store, const TrackOptions& options, const Track& track) {
-    const TrackingPath path = FindPath(store, track.format, *track.target, options.lists);
+int PrintTrack(OpenedTable& table, const TrackOptions& options, ITrackingCondition& target) {
+    auto& store = table.Store();
+    const TrackingPath path = FindPath(store, table.Format(), target, options.lists);
     if (path.field < 0) {
-        fmt::print(stderr, "kestrona: no way leads from {} to {}{}\n", ToUtf8(store.GetDbName(track.format)),
+        fmt::print(stderr, "kestrona: no way leads from {} to {}{}\n", ToUtf8(store.GetDbName(table.Format())),
                    options.target, options.lists ? "" : "; --lists would go through lists, too");
         return kExitFindings;
     }
-    if (!options.folders.empty()) {
-        return PrintValues(store, options, track);
+    if (table.HasRecords()) {
+        return PrintValues(table, options, target);
     }
-    return WriteTable(PathSource(store, path, track.format), options.form, stdout) ? kExitGood : kExitUnreadableInput;
+    return table.Write(PathSource(store, path, table.Format())) ? kExitGood : kExitUnreadableInput;
 }
 
 } // namespace
 
 int RunTrack(const TrackOptions& options) {
-    Session session;
-    if (const int code = session.Load(options.definition, options.key); code != kExitGood) {
+    OpenedTable table;
+    if (const int code = table.Open(options.records, NoRecords::Allowed); code != kExitGood) {
         return code;
     }
-    auto& store = session.Store();
-    const std::int32_t format = session.FindFormat(options.table);
-    if (format < 0) {
-        return kExitUsage;
-    }
-    auto target = ParseTargetOrTell(store, options.target);
-    auto filter = RecordFilter::Parse(store, format, options.conditions);
-    auto order = ParseOrder(store, format, options.order, options.group_families);
-    if (!target || !filter || !order) {
-        return kExitUsage;
-    }
-    return PrintTrack(store, options, {format, std::move(target), std::move(*filter), std::move(*order)});
+    const auto target = ParseTargetOrTell(table.Store(), options.target);
+    return target ? PrintTrack(table, options, *target) : kExitUsage;
 }
 
 } // namespace Kestrona::Tool

@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "commands/file_problems.h"
 #include "commands/session.h"
 #include "exit_codes.h"
 
@@ -76,6 +77,9 @@ private:
 
 /// Loads the definition and leaves its lists in the folder. Returns an exit code.
 int Extract(Session& session, const std::string& definition, const fs::path& folder) {
+    if (const int code = RefuseCompiled(definition, "translate"); code != kExitGood) {
+        return code;
+    }
     const std::string absolute = fs::absolute(definition).string();
     int code = kExitGood;
     {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <system_error>
 #include <unordered_map>
+#include <utility>
 
 namespace Kestrona::Tool {
 namespace {
@@ -87,21 +88,28 @@ bool IsReferenceBetweenData(IMemoryResidentData& store, std::int32_t format, std
 
 } // namespace
 
-ImportReport ImportFolder(IMemoryResidentData& store, const std::string& folder) {
-    ImportReport report;
+std::vector<FormatFile> FindFiles(IMemoryResidentData& store, const std::string& folder, std::string& error) {
+    std::vector<FormatFile> found;
     FilesByTable files;
-    if (!ListFiles(folder, files, report.error)) {
-        return report;
+    if (!ListFiles(folder, files, error)) {
+        return found;
     }
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
         const wchar_t* name = store.GetDbName(format);
-        const auto found = name == nullptr ? files.end() : files.find(ToUtf8(name));
-        if (found == files.end()) {
-            continue;
+        const auto file = name == nullptr ? files.end() : files.find(ToUtf8(name));
+        if (file != files.end()) {
+            found.push_back({format, file->second.string()});
         }
+    }
+    return found;
+}
+
+ImportReport ImportFolder(IMemoryResidentData& store, const std::string& folder) {
+    ImportReport report;
+    for (FormatFile& found : FindFiles(store, folder, report.error)) {
         ImportedFile file;
-        file.file = found->second.string();
-        file.format = format;
+        file.file = std::move(found.path);
+        file.format = found.format;
         ImportFile(store, file, report.rejections);
         report.files.push_back(std::move(file));
     }

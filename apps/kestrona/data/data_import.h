@@ -48,7 +48,18 @@ struct ImportReport {
     std::string error;                 ///< Not empty when the folder cannot be read.
 };
 
-/// Loads, for each format of the store, the file of that name: `NAME.csv`, or one whose name ends in `.NAME.csv`.
+/// A file that holds the records of a format.
+struct FormatFile {
+    std::int32_t format = -1;
+    std::string path;
+};
+
+/// Returns, for each format of the store that has one in the folder, the file of that name: `NAME.csv`, or one whose
+/// name ends in `.NAME.csv`. Says through `error` that the folder cannot be read.
+[[nodiscard]] std::vector<FormatFile> FindFiles(Data::MemoryResident::IMemoryResidentData& store,
+                                                const std::string& folder, std::string& error);
+
+/// Loads the files that `FindFiles` gives.
 ///
 /// The first row gives the field names; a file whose first row holds none has its columns in the order of the stored
 /// fields. A row with a cell that does not fit its field, with too few or too many cells, or with a key that an earlier

@@ -1,6 +1,7 @@
 #include "data/record_condition.h"
 
 #include "data/display_text.h"
+#include "data/field_names.h"
 #include "data/reference_texts.h"
 #include "encryption.h"
 
@@ -35,16 +36,6 @@ std::string_view Trim(std::string_view text) {
         return {};
     }
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
-std::int32_t FieldNamed(IMemoryResidentData& store, std::int32_t format, std::string_view name) {
-    const std::wstring wanted = FromUtf8(name);
-    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        if (store.GetColumnName(format, field) == wanted) {
-            return field;
-        }
-    }
-    return -1;
 }
 
 /// The text cut at a sign.

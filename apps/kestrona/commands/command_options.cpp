@@ -1,0 +1,56 @@
+#include "commands/command_options.h"
+
+#include <CLI/CLI.hpp>
+
+namespace Kestrona::Tool {
+
+void AddOutputForm(CLI::App& command, OutputForm& form) {
+    command.add_option("-o,--output", form, "Output form: table, csv, json, jsonl or markdown")
+        ->transform(CLI::CheckedTransformer(OutputFormNames(), CLI::ignore_case).description(""))
+        ->option_text("FORM");
+}
+
+void AddDefinitionSource(CLI::App& command, std::string& definition) {
+    command.add_option("DEFINITION", definition, "Definition file")->required();
+}
+
+void AddDefinition(CLI::App& command, std::string& definition) {
+    command.add_option("DEFINITION", definition, "Definition file, compiled definition or snapshot")->required();
+}
+
+CLI::Option* AddFolders(CLI::App& command, std::vector<std::string>& folders) {
+    return command.add_option("--data", folders, "Folder of CSV files, one for each format; may be repeated")
+        ->option_text("FOLDER")
+        ->allow_extra_args(false);
+}
+
+void AddKey(CLI::App& command, KeyOptions& key) {
+    command.add_option("--key-file", key.file, "File with the key of encrypted fields, protected or plain")
+        ->option_text("FILE");
+    command.add_flag("--ask-key", key.ask,
+                     "Ask for the pass phrase at the terminal if neither --key-file nor the environment gives it");
+}
+
+void AddRecordChoice(CLI::App& command, RecordChoice& choice) {
+    AddDefinition(command, choice.source);
+    command.add_option("TABLE", choice.table, "Format of the records")->required();
+    AddFolders(command, choice.folders);
+    command.add_option("--dataset", choice.dataset, "Dataset of the tables of a snapshot that have several")
+        ->option_text("NAME");
+    command
+        .add_option("--where", choice.conditions,
+                    "Print only records with FIELD=VALUE (the sign may be = < <= > >=), or for which an expression is "
+                    "not 0; may be repeated, and all must hold")
+        ->option_text("CONDITION")
+        ->allow_extra_args(false);
+    command.add_option("--order", choice.order, "Sort by these fields, divided by commas; :desc turns one round")
+        ->delimiter(',')
+        ->option_text("FIELD[:desc],...")
+        ->allow_extra_args(false);
+    command.add_flag("--group-family", choice.group_families, "Print members of a family behind their parent");
+    command.add_option("--limit", choice.limit, "Print at most this many records")->option_text("N");
+    AddKey(command, choice.key);
+    AddOutputForm(command, choice.form);
+}
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "commands/commands.h"
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+/// \file
+/// Switches that several commands have.
+
+namespace Kestrona::Tool {
+
+void AddOutputForm(CLI::App& command, OutputForm& form);
+
+/// A definition as its author wrote it.
+void AddDefinitionSource(CLI::App& command, std::string& definition);
+/// Whatever holds a definition.
+void AddDefinition(CLI::App& command, std::string& definition);
+
+/// Returns the switch, so that a command can require it.
+CLI::Option* AddFolders(CLI::App& command, std::vector<std::string>& folders);
+
+/// The switches that name a key.
+void AddKey(CLI::App& command, KeyOptions& key);
+
+/// What every command that prints records of a format has, from the file to the output form.
+void AddRecordChoice(CLI::App& command, RecordChoice& choice);
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,81 @@
+#include "commands/file_problems.h"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+namespace Kestrona::Tool {
+namespace {
+
+using Host::FileFault;
+using Host::FileKind;
+
+/// Bytes that are looked at. Definitions hold no zeros, other files soon do.
+constexpr std::size_t kStart = 4096;
+
+int CodeOf(FileFault fault) {
+    switch (fault) {
+    case FileFault::None:
+        return kExitFindings;
+    case FileFault::Truncated:
+    case FileFault::Damaged:
+        return kExitDamagedInput;
+    case FileFault::CannotOpen:
+    case FileFault::CannotRead:
+    case FileFault::CannotWrite:
+    case FileFault::WrongMarker:
+    case FileFault::WrongVersion:
+    case FileFault::TooLarge:
+        break;
+    }
+    return kExitUnreadableInput;
+}
+
+} // namespace
+
+int TellProblem(const Host::FileProblem& problem) {
+    if (problem.fault != FileFault::None) {
+        fmt::print(stderr, "kestrona: error: {}\n", problem.ToString());
+    }
+    return CodeOf(problem.fault);
+}
+
+bool CheckIsText(const std::string& path, Host::FileProblem& problem) {
+    std::string start(kStart, '\0');
+    std::ifstream file(path, std::ios::binary);
+    start.resize(static_cast<std::size_t>(file.read(start.data(), static_cast<std::streamsize>(kStart)).gcount()));
+    const std::size_t zero = start.find('\0');
+    if (zero == std::string::npos) {
+        return true;
+    }
+    problem = {FileFault::WrongMarker, path, static_cast<std::int64_t>(zero), "a zero byte",
+               "a definition, compiled or not, or a snapshot"};
+    return false;
+}
+
+int RefuseSameFile(const std::string& source, const std::string& target) {
+    std::error_code unknown;
+    if (source != target && !std::filesystem::equivalent(source, target, unknown)) {
+        return kExitGood;
+    }
+    fmt::print(stderr, "kestrona: error: '{}' is read and cannot be written to, too\n", source);
+    return kExitUsage;
+}
+
+int RefuseCompiled(const std::string& path, const char* command) {
+    const FileKind kind = Host::KindOfFile(path);
+    const bool compiled = kind == FileKind::CompiledDefinition;
+    if (!compiled && kind != FileKind::Snapshot && kind != FileKind::CompressedSnapshot) {
+        return kExitGood;
+    }
+    fmt::print(stderr, "kestrona: error: '{}' is a {}; {} needs the source of a definition\n", path,
+               compiled ? "compiled definition" : "snapshot", command);
+    return kExitUnreadableInput;
+}
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "exit_codes.h"
+
+#include <kestrona/host/snapshot.h>
+
+#include <string>
+
+/// \file
+/// What the commands say of files that are not as they should be.
+
+namespace Kestrona::Tool {
+
+/// Says on stderr what is wrong with a file, if there is something to say. Returns the exit code that goes with it;
+/// `kExitFindings` where the definition in a sound file has been found wrong.
+int TellProblem(const Host::FileProblem& problem);
+
+/// Tells whether a regular file begins like a text and so can be the source of a definition; `problem` otherwise. The
+/// parser would find each of its bytes wrong.
+[[nodiscard]] bool CheckIsText(const std::string& path, Host::FileProblem& problem);
+
+/// Says on stderr that both names are those of one file, which a command would read and write at once. Returns
+/// `kExitUsage` then, else `kExitGood`.
+int RefuseSameFile(const std::string& source, const std::string& target);
+
+/// Says on stderr that a command needs the source of a definition if the file holds another form of one. Returns
+/// `kExitUnreadableInput` then, else `kExitGood`.
+int RefuseCompiled(const std::string& path, const char* command);
+
+} // namespace Kestrona::Tool

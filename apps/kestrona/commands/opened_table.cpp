@@ -1,0 +1,97 @@
+#include "commands/opened_table.h"
+
+#include "commands/import_folders.h"
+#include "exit_codes.h"
+
+#include <kestrona/unicode.h>
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <utility>
+
+namespace Kestrona::Tool {
+namespace {
+
+std::optional<RecordOrder> ParseOrder(Data::MemoryResident::MemoryResidentData& store, std::int32_t format,
+                                      const RecordChoice& choice) {
+    std::string problem;
+    auto order = RecordOrder::Parse(store, format, choice.order, choice.group_families, problem);
+    if (!order) {
+        fmt::print(stderr, "kestrona: error: --order: {}\n", problem);
+    }
+    return order;
+}
+
+} // namespace
+
+int OpenedTable::CheckSource(NoRecords without) const {
+    if (session_.HasRecords() && !choice_->folders.empty()) {
+        fmt::print(stderr, "kestrona: error: '{}' is a snapshot and has its own records; leave out --data\n",
+                   choice_->source);
+        return kExitUsage;
+    }
+    if (without == NoRecords::Refused && !HasRecords()) {
+        fmt::print(stderr, "kestrona: error: '{}' is a definition without records; give some with --data FOLDER\n",
+                   choice_->source);
+        return kExitUsage;
+    }
+    return kExitGood;
+}
+
+int OpenedTable::Open(const RecordChoice& choice, NoRecords without) {
+    choice_ = &choice;
+    if (const int code = session_.Load(choice.source, choice.key, choice.dataset); code != kExitGood) {
+        return code;
+    }
+    if (const int code = CheckSource(without); code != kExitGood) {
+        return code;
+    }
+    format_ = session_.FindFormat(choice.table);
+    if (format_ < 0) {
+        return kExitUsage;
+    }
+    filter_ = RecordFilter::Parse(Store(), format_, choice.conditions);
+    order_ = ParseOrder(Store(), format_, choice);
+    return filter_ && order_ ? kExitGood : kExitUsage;
+}
+
+int OpenedTable::ReadFolders() {
+    return choice_->folders.empty() ? kExitGood : ImportFolders(Store(), choice_->folders);
+}
+
+std::vector<std::int32_t> OpenedTable::Records(std::size_t* found) const {
+    std::vector<std::int32_t> records = filter_->Find();
+    order_->Arrange(records);
+    if (found != nullptr) {
+        *found = records.size();
+    }
+    if (choice_->limit > 0 && choice_->limit < records.size()) {
+        records.resize(choice_->limit);
+    }
+    return records;
+}
+
+bool OpenedTable::Write(const TableSource& source) const {
+    const bool written = WriteTable(source, choice_->form, stdout);
+    if (!written) {
+        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+    }
+    return written;
+}
+
+bool OpenedTable::Print(const std::vector<FollowedField>& fields, std::vector<NamedExpression> added) {
+    std::size_t found = 0;
+    const std::vector<std::int32_t> records = Records(&found);
+    const AddedColumns source(Store(), fields, std::move(added), records, Style());
+    if (!Write(source)) {
+        return false;
+    }
+    const std::string matching = filter_->IsEmpty() ? "" : fmt::format(" ({} match)", found);
+    fmt::print(stderr, "{} of {} records of {}{}; peak memory {:.1f} MB\n", source.RowCount(),
+               Store().GetCurrentDbSize(format_), ToUtf8(Store().GetDbName(format_)), matching,
+               static_cast<double>(PeakMemory()) / 1.0e6);
+    return true;
+}
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,120 @@
+#include "open_file.h"
+#include "snapshot/file_problem.h"
+#include "snapshot/zlib_stream.h"
+
+#include <kestrona/data_compressor.h>
+#include <kestrona/host/compressed_file.h>
+#include <kestrona/safe_file.h>
+#include <kestrona/unicode.h>
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace Kestrona::Host {
+
+namespace {
+
+using DataCompressor::DataCompressor;
+using Snapshots::SystemProblem;
+
+using Conversion = std::int32_t (DataCompressor::*)(const std::wstring& source, const std::wstring& target);
+
+std::string Hex(std::uint32_t word) {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "0x%08x", word);
+    return text.data();
+}
+
+// Null, and `problem`, for what is no readable file. A pipe would keep the reader waiting.
+OpenFile OpenSource(const std::string& path, FileProblem& problem) {
+    std::error_code error;
+    const auto kind = std::filesystem::status(path, error).type();
+    if (kind != std::filesystem::file_type::regular && !error && kind != std::filesystem::file_type::not_found) {
+        problem = {FileFault::CannotOpen, path, {}, "not a regular file", ""};
+        return nullptr;
+    }
+    OpenFile file(std::fopen(path.c_str(), "rbe"));
+    if (file == nullptr) {
+        problem = SystemProblem(FileFault::CannotOpen, path);
+    }
+    return file;
+}
+
+FileProblem Unwritable(const std::string& path, const SafeFile& target) {
+    return {FileFault::CannotWrite, path, {}, ToUtf8(target.Error()), ""};
+}
+
+// Why the source is no zlib stream.
+FileProblem DamagedStream(const std::string& path, std::FILE* source) {
+    std::array<char, 2> start{};
+    std::rewind(source);
+    const std::size_t count = std::fread(start.data(), 1, start.size(), source);
+    if (Snapshots::LooksLikeZlib(std::string_view(start.data(), count))) {
+        return {FileFault::Damaged, path, {}, "its compressed data cannot be read", ""};
+    }
+    return {FileFault::WrongMarker, path, 0, "other bytes", "a zlib stream"};
+}
+
+bool Convert(const std::string& source, Conversion conversion, const std::string& target, SafeFile& draft,
+             FileProblem& problem) {
+    const OpenFile file = OpenSource(source, problem);
+    if (file == nullptr) {
+        return false;
+    }
+    if (!draft.IsOpen()) {
+        problem = Unwritable(target, draft);
+        return false;
+    }
+    errno = 0;
+    const std::int32_t result = (DataCompressor().*conversion)(FromUtf8(source), draft.DraftPath());
+    if (result == DataCompressor::kDataDamaged) {
+        problem = DamagedStream(source, file.get());
+    } else if (result == DataCompressor::kFileFailed) {
+        problem = SystemProblem(FileFault::CannotWrite, target); // the source has just been opened
+    } else if (result != DataCompressor::kDone) {
+        problem = {FileFault::CannotRead, source, {}, "not enough memory", ""};
+    }
+    return result == DataCompressor::kDone;
+}
+
+// A stream whose end is missing decompresses without complaint.
+bool CheckEnd(const std::string& source, std::FILE* content, FileProblem& problem) {
+    const OpenFile file = OpenSource(source, problem);
+    if (file == nullptr) {
+        return false;
+    }
+    std::fseek(file.get(), 0, SEEK_END);
+    const long size = std::ftell(file.get());
+    const std::uint32_t found = Snapshots::LastWord(file.get());
+    const std::uint32_t expected = Snapshots::Adler32(content);
+    if (found != expected || size == 0) {
+        problem = {FileFault::Truncated, source, size, "checksum " + Hex(found) + " before it", Hex(expected)};
+        return false;
+    }
+    return true;
+}
+
+bool Commit(const std::string& path, SafeFile& draft, FileProblem& problem) {
+    const bool written = draft.Commit();
+    if (!written) {
+        problem = Unwritable(path, draft);
+    }
+    return written;
+}
+
+} // namespace
+
+bool CompressFile(const std::string& source, const std::string& target, FileProblem& problem) {
+    SafeFile draft(FromUtf8(target));
+    return Convert(source, &DataCompressor::CompressFile, target, draft, problem) && Commit(target, draft, problem);
+}
+
+bool DecompressFile(const std::string& source, const std::string& target, FileProblem& problem) {
+    SafeFile draft(FromUtf8(target));
+    return Convert(source, &DataCompressor::DecompressFile, target, draft, problem) &&
+           CheckEnd(source, draft.File(), problem) && Commit(target, draft, problem);
+}
+
+} // namespace Kestrona::Host
