@@ -29,8 +29,25 @@ set_target_properties(libcsv::libcsv PROPERTIES
     IMPORTED_LOCATION "${LIBCSV_LIBRARY}"
     INTERFACE_INCLUDE_DIRECTORIES "${LIBCSV_INCLUDE_DIR}")
 
+# What the tool exports to beside text files. Each is left out where its library is not installed.
+pkg_check_modules(sqlite3 IMPORTED_TARGET sqlite3)
+pkg_check_modules(xlsxwriter IMPORTED_TARGET xlsxwriter)
+option(KESTRONA_SQLITE "Let the tool export to SQLite" ${sqlite3_FOUND})
+option(KESTRONA_XLSX "Let the tool export to XLSX" ${xlsxwriter_FOUND})
+foreach(library IN ITEMS SQLITE:sqlite3:libsqlite3-dev XLSX:xlsxwriter:libxlsxwriter-dev)
+    string(REPLACE ":" ";" library "${library}")
+    list(GET library 0 switch)
+    list(GET library 1 module)
+    list(GET library 2 package)
+    if(KESTRONA_${switch} AND NOT ${module}_FOUND)
+        message(FATAL_ERROR "KESTRONA_${switch} is on and ${module} was not found (Debian package ${package})")
+    endif()
+endforeach()
+
 if(KESTRONA_DEVELOPER)
     find_package(GTest CONFIG REQUIRED)
     find_package(benchmark CONFIG REQUIRED)
-    pkg_check_modules(sqlite3 REQUIRED IMPORTED_TARGET sqlite3)
+    if(NOT sqlite3_FOUND)
+        message(FATAL_ERROR "SQLite, which a benchmark compares with, was not found (Debian package libsqlite3-dev)")
+    endif()
 endif()

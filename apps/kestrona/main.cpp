@@ -1,5 +1,7 @@
 #include "commands/command_options.h"
 #include "commands/commands.h"
+#include "commands/diff_command.h"
+#include "commands/export_command.h"
 #include "commands/file_commands.h"
 #include "commands/key_commands.h"
 #include "exit_codes.h"
@@ -118,6 +120,8 @@ int Run(int argc, char** argv) {
     apply_command->callback([&] { code = RunTranslateApply(apply); });
 
     AddFileCommands(app, code);
+    AddExportCommand(app, code);
+    AddDiffCommand(app, code);
     AddKeyCommands(app, code);
 
     try {

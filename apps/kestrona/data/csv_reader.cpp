@@ -12,6 +12,8 @@
 namespace Kestrona::Tool {
 namespace {
 
+/// Of two that stand equally often the first is taken.
+constexpr std::string_view kDelimiters = ",\t;|";
 constexpr std::size_t kBlock = std::size_t{1} << 16;
 /// libcsv's parser state between two rows.
 constexpr int kNoRowBegun = 0;
@@ -100,6 +102,40 @@ private:
     bool stopped_ = false;
 };
 
+/// Whether a quoted cell ends with this quote: a delimiter or the end of the line stands behind it.
+bool EndsCell(std::string_view line, std::size_t quote) {
+    return quote + 1 >= line.size() || kDelimiters.find(line[quote + 1]) != std::string_view::npos ||
+           line[quote + 1] == '\r';
+}
+
+/// Where the cell that begins with a quote at `place` ends.
+std::size_t ClosingQuote(std::string_view line, std::size_t place) {
+    std::size_t end = line.find('"', place + 1);
+    while (end != std::string_view::npos && !EndsCell(line, end)) {
+        const bool is_doubled = line[end + 1] == '"';
+        end = line.find('"', end + (is_doubled ? 2 : 1));
+    }
+    return end;
+}
+
+/// Takes out the cells of a line that stand in quotes: the delimiters in them are text. A quote that nothing closes is
+/// text itself, and so is every later one.
+std::string WithoutQuotedCells(std::string_view line) {
+    std::string rest;
+    bool has_quoted = true;
+    for (std::size_t place = 0; place < line.size(); ++place) {
+        const bool begins = place == 0 || kDelimiters.find(line[place - 1]) != std::string_view::npos;
+        if (has_quoted && begins && line[place] == '"') {
+            const std::size_t end = ClosingQuote(line, place);
+            has_quoted = end != std::string_view::npos;
+            place = has_quoted ? end : place;
+        } else {
+            rest += line[place];
+        }
+    }
+    return rest;
+}
+
 bool StartsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
@@ -107,10 +143,10 @@ bool StartsWith(std::string_view text, std::string_view start) {
 } // namespace
 
 CsvDialect GuessDialect(std::string_view start) {
-    const std::string_view line = start.substr(0, start.find('\n'));
+    const std::string line = WithoutQuotedCells(start.substr(0, start.find('\n')));
     CsvDialect dialect;
     std::ptrdiff_t most = 0;
-    for (const char candidate : {',', '\t', ';', '|'}) {
+    for (const char candidate : kDelimiters) {
         const std::ptrdiff_t count = std::count(line.begin(), line.end(), candidate);
         if (count > most) {
             most = count;

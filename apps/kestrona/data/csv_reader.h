@@ -30,7 +30,8 @@ struct CsvOutcome {
     bool unreadable = false;
 };
 
-/// Guesses the dialect from the start of a file: the delimiter that stands most often in its first line.
+/// Guesses the dialect from the start of a file: the delimiter that stands most often in its first line,
+/// cells in quotes aside.
 [[nodiscard]] CsvDialect GuessDialect(std::string_view start);
 
 /// Reads a UTF-8 file and hands each row that is not blank to `take`, which returns false to stop. A leading byte order

@@ -108,10 +108,7 @@ bool RowImporter::CheckNumber(const CsvRow& row, std::size_t column) {
 
 bool RowImporter::CheckText(const CsvRow& row, std::size_t column) {
     const PlannedColumn& plan = plan_.columns[column];
-    std::string_view cell = row.cells[column];
-    if (column + 1 == row.cells.size() && cell.ends_with('\r')) {
-        cell.remove_suffix(1);
-    }
+    const std::string_view cell = row.cells[column];
     std::size_t bad = 0;
     if (!IsValidUtf8(cell, &bad)) {
         return Reject(row, plan.name, std::string(cell), fmt::format("byte {} is no UTF-8", bad + 1));

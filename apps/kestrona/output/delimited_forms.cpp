@@ -6,8 +6,12 @@
 namespace Kestrona::Tool {
 namespace {
 
-void AppendCsvCell(std::string& line, std::string_view cell) {
-    if (cell.find_first_of(",\"\r\n") == std::string_view::npos) {
+constexpr std::string_view kQuotedInCells = ",\"\r\n";
+/// A reader may guess the delimiter from the heading, so that no other one may seem to stand there.
+constexpr std::string_view kQuotedInHeading = ",;|\t\"\r\n";
+
+void AppendCsvCell(std::string& line, std::string_view cell, std::string_view quoted) {
+    if (cell.find_first_of(quoted) == std::string_view::npos) {
         line += cell;
         return;
     }
@@ -43,16 +47,17 @@ void WriteCsv(const TableSource& source, std::FILE* out) {
     std::string line;
     for (std::size_t c = 0; c < columns; ++c) {
         line += c == 0 ? "" : ",";
-        AppendCsvCell(line, source.Columns()[c].name);
+        AppendCsvCell(line, source.Columns()[c].name, kQuotedInHeading);
     }
     Write(line += '\n', out);
     for (std::size_t r = 0; r < source.RowCount(); ++r) {
         line.clear();
         for (std::size_t c = 0; c < columns; ++c) {
             line += c == 0 ? "" : ",";
-            AppendCsvCell(line, source.Cell(r, c));
+            AppendCsvCell(line, source.Cell(r, c), kQuotedInCells);
         }
-        Write(line += '\n', out);
+        // A blank line is no row for a reader.
+        Write(line.empty() ? "\"\"\n" : line += '\n', out);
     }
 }
 

@@ -1,0 +1,199 @@
+#include "commands/diff_command.h"
+
+#include "commands/command_options.h"
+#include "commands/import_folders.h"
+#include "commands/record_source.h"
+#include "commands/saved_secrets.h"
+#include "commands/session.h"
+#include "data/field_names.h"
+#include "diff/diff_source.h"
+#include "exit_codes.h"
+
+#include <kestrona/host/default_host.h>
+#include <kestrona/host/snapshot.h>
+#include <kestrona/unicode.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+namespace Kestrona::Tool {
+namespace {
+
+using Data::MemoryResident::IMemoryResidentData;
+using Data::MemoryResident::MemoryResidentData;
+
+/// The code that differences have must not stand for findings in a definition or rejected rows.
+int CodeOfInput(int code) {
+    return code == kExitFindings ? static_cast<int>(kExitDamagedInput) : code;
+}
+
+bool IsSnapshot(const std::string& file) {
+    const Host::FileKind kind = Host::KindOfFile(file);
+    return kind == Host::FileKind::Snapshot || kind == Host::FileKind::CompressedSnapshot;
+}
+
+int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string& dataset, MemoryResidentData& store) {
+    switch (host.FillFromFile(file, store, FromUtf8(dataset))) {
+    case Host::LoadOutcome::Ok:
+        return IsSnapshot(file) ? OpenSavedSecrets(store) : int{kExitGood};
+    case Host::LoadOutcome::Unreadable:
+        return kExitUnreadableInput;
+    case Host::LoadOutcome::Findings:
+    case Host::LoadOutcome::AlreadyLoaded:
+        break;
+    }
+    return kExitDamagedInput;
+}
+
+/// Returns whether the store can be compared; `code` takes the worst of what has happened.
+bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const std::string& dataset, MemoryResidentData& store,
+              int& code) {
+    if (!input.folders.empty() && IsSnapshot(input.file)) {
+        fmt::print(stderr, "kestrona: error: '{}' is a snapshot and has its own records; give it no folder\n",
+                   input.file);
+        code = kExitUsage;
+        return false;
+    }
+    const int loaded = LoadFile(host, input.file, dataset, store);
+    if (loaded != kExitGood) {
+        code = loaded;
+        return false;
+    }
+    if (input.folders.empty()) {
+        return true;
+    }
+    const int imported = CodeOfInput(ImportFolders(store, input.folders));
+    code = std::max(code, imported);
+    return imported != kExitUnreadableInput;
+}
+
+bool HaveTables(const DiffSides& sides, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        if (FormatNamed(sides.old_store, name) < 0 && FormatNamed(sides.new_store, name) < 0) {
+            fmt::print(stderr, "kestrona: error: no format of either side is called '{}'\n", name);
+            return false;
+        }
+    }
+    return true;
+}
+
+void TellRepeats(const std::string& table, std::size_t repeats, const char* side) {
+    if (repeats > 0) {
+        fmt::print(
+            stderr,
+            "kestrona: warning: {}: {} records of the {} side have the key of an earlier one; records of one key "
+            "are compared in their order\n",
+            table, repeats, side);
+    }
+}
+
+/// Names the encrypted fields of which only one thing is known, whether there is a text.
+void TellLocked(const DiffSides& sides, const TableDiff& diff) {
+    for (const FieldPair& pair : diff.fields) {
+        const std::int32_t format = pair.old_field.format;
+        const std::int32_t field = pair.old_field.field;
+        const bool is_locked = IsLocked(sides.old_store, format, field) ||
+                               IsLocked(sides.new_store, pair.new_field.format, pair.new_field.field);
+        if (is_locked && diff.old_records > 0 && diff.new_records > 0) {
+            fmt::print(stderr,
+                       "kestrona: warning: {}.{} is encrypted, and there is no key: texts that differ cannot be "
+                       "told; {}\n",
+                       diff.name, ToUtf8(sides.old_store.GetColumnName(format, field)), kHowToGiveAKey);
+        }
+    }
+}
+
+/// Returns whether there is a difference.
+bool TellNumbers(const DiffSides& sides, const std::vector<TableDiff>& diffs) {
+    std::size_t differing = 0;
+    std::size_t removed = 0;
+    std::size_t added = 0;
+    std::size_t changed = 0;
+    for (const TableDiff& diff : diffs) {
+        TellRepeats(diff.name, diff.old_repeats, "old");
+        TellRepeats(diff.name, diff.new_repeats, "new");
+        TellLocked(sides, diff);
+        differing += static_cast<std::size_t>(diff.Differs());
+        removed += diff.removed.size();
+        added += diff.added.size();
+        changed += diff.changed_records;
+    }
+    fmt::print(stderr, "{} of {} tables differ: {} records removed, {} added, {} changed; peak memory {:.1f} MB\n",
+               differing, diffs.size(), removed, added, changed, static_cast<double>(PeakMemory()) / 1.0e6);
+    return differing > 0;
+}
+
+bool Print(const DiffOptions& options, const DiffSides& sides, const std::vector<TableDiff>& diffs) {
+    const bool written = options.summary
+                             ? WriteTable(DiffSummary(diffs), options.form, stdout)
+                             : WriteTable(DiffSource(sides, diffs, StyleFor(options.form, options.raw, options.text)),
+                                          options.form, stdout);
+    if (!written) {
+        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+    }
+    return written;
+}
+
+int Compare(const DiffOptions& options, const DiffSides& sides) {
+    if (!HaveTables(sides, options.tables)) {
+        return kExitUsage;
+    }
+    const std::vector<TableDiff> diffs = CompareStores(sides, options.tables);
+    if (!Print(options, sides, diffs)) {
+        return kExitUnreadableInput;
+    }
+    return TellNumbers(sides, diffs) ? kExitFindings : kExitGood;
+}
+
+} // namespace
+
+int RunDiff(const DiffOptions& options) {
+    Host::DefaultHostOptions host_options;
+    host_options.progress = true;
+    Host::DefaultHost host(std::move(host_options));
+    int code = SetUpKey(options.key);
+    if (code != kExitGood) {
+        return code;
+    }
+    const auto old_store = host.CreateStore();
+    const auto new_store = host.CreateStore();
+    if (!LoadSide(host, options.old_input, options.dataset, *old_store, code) ||
+        !LoadSide(host, options.new_input, options.dataset, *new_store, code)) {
+        return code;
+    }
+    return std::max(code, Compare(options, {*old_store, *new_store, options.tolerance}));
+}
+
+void AddDiffCommand(CLI::App& app, int& code) {
+    const auto options = std::make_shared<DiffOptions>();
+    CLI::App* const command =
+        app.add_subcommand("diff", "Compare two sets of records by their keys; exit code 1 when they differ");
+    command->add_option("OLD", options->old_input.file, "Definition file, compiled definition or snapshot")->required();
+    command->add_option("NEW", options->new_input.file, "Likewise")->required();
+    const auto add_many = [command](const char* name, std::vector<std::string>& values, const char* help,
+                                    const char* word) {
+        command->add_option(name, values, help)->option_text(word)->allow_extra_args(false);
+    };
+    add_many("--data-old", options->old_input.folders, "Folder of CSV files for OLD; may be repeated", "FOLDER");
+    add_many("--data-new", options->new_input.folders, "Folder of CSV files for NEW; may be repeated", "FOLDER");
+    add_many("--table", options->tables, "Format to compare; may be repeated; all without it", "TABLE");
+    command
+        ->add_option("--tolerance", options->tolerance,
+                     "Numbers, dates and durations that are no further apart count as equal")
+        ->check(CLI::NonNegativeNumber)
+        ->option_text("X");
+    command->add_flag("--summary", options->summary, "Print the numbers for each table only");
+    command->add_option("--dataset", options->dataset, "Dataset of the tables of snapshots that have several")
+        ->option_text("NAME");
+    AddOutputForm(*command, options->form);
+    CLI::Option* const raw = command->add_flag("--raw", options->raw, "Print stored values; csv, json and jsonl do so");
+    command->add_flag("--text", options->text, "Print display texts; table and markdown do so")->excludes(raw);
+    AddKey(*command, options->key);
+    command->callback([options, &code] { code = RunDiff(*options); });
+}
+
+} // namespace Kestrona::Tool

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "output/table_source.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// \file
+/// Tables on their way to a file, and the files that there are.
+
+namespace Kestrona::Tool {
+
+enum class ExportType {
+    Integer,
+    Real,
+    Date, ///< Cells are ISO dates, or numbers of days where there is no such date.
+    Text,
+};
+
+struct ExportColumn {
+    ExportType type = ExportType::Text;
+    std::optional<std::size_t> target; ///< The table, among those exported, whose keys the cells hold.
+};
+
+struct ExportTable {
+    std::string name; ///< UTF-8.
+    std::unique_ptr<TableSource> source;
+    std::vector<ExportColumn> columns; ///< One for each column of the source.
+    std::optional<std::size_t> key;    ///< The key's column; nothing where the cells are no stored values.
+};
+
+struct ExportResult {
+    std::string error;                   ///< What went wrong, "" for nothing.
+    std::vector<std::string> notes = {}; ///< What the user should know.
+    bool lossy = false;                  ///< The file does not hold all of the data; the notes tell what is missing.
+};
+
+/// Writes each table to a file NAME.csv in a folder, which is made if it is not there. Each file appears whole or not
+/// at all.
+[[nodiscard]] ExportResult WriteCsvFolder(const std::vector<ExportTable>& tables, const std::string& folder);
+
+/// Writes one object, `{"version":1,"tables":{NAME:[...]}}`. The file appears whole or not at all, as with the others.
+[[nodiscard]] ExportResult WriteJsonFile(const std::vector<ExportTable>& tables, const std::string& path);
+
+/// Writes a database with a table for each one. Columns that hold keys of an exported table become foreign keys.
+[[nodiscard]] ExportResult WriteSqliteFile(const std::vector<ExportTable>& tables, const std::string& path);
+
+/// Writes a workbook with a sheet for each table. Nothing is written if a table is too large for a sheet.
+[[nodiscard]] ExportResult WriteXlsxFile(const std::vector<ExportTable>& tables, const std::string& path);
+
+} // namespace Kestrona::Tool

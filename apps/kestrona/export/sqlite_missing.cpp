@@ -1,0 +1,10 @@
+// Implements: WriteSqliteFile, for builds without SQLite.
+#include "export/export_table.h"
+
+namespace Kestrona::Tool {
+
+ExportResult WriteSqliteFile(const std::vector<ExportTable>&, const std::string&) {
+    return {"this program was built without SQLite (KESTRONA_SQLITE)"};
+}
+
+} // namespace Kestrona::Tool

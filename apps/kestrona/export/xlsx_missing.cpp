@@ -1,0 +1,10 @@
+// Implements: WriteXlsxFile, for builds without libxlsxwriter.
+#include "export/export_table.h"
+
+namespace Kestrona::Tool {
+
+ExportResult WriteXlsxFile(const std::vector<ExportTable>&, const std::string&) {
+    return {"this program was built without libxlsxwriter (KESTRONA_XLSX)"};
+}
+
+} // namespace Kestrona::Tool
