@@ -19,8 +19,8 @@
 /// cannot be opened. Throws the wide text "No value present" (`const wchar_t*`) when a compiled file is wanted and none
 /// is named.
 ///
-/// Compiled files can be neither read nor written yet: such a load reports the file by `DisplayGenericUnableToRead` and
-/// fails.
+/// A load that compiles writes the file whole or leaves the former one as it was; a failure to write it fails the load.
+/// Throws the wide text "Unexpected state" when `CompileType` names no kind of file.
 ///
 /// With `ExecutionState::get_ExtractTranslations` the load opens the lists of texts to translate (translation_writer.h)
 /// in the current directory.

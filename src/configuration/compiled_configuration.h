@@ -8,14 +8,14 @@
 // Reading and writing a whole compiled configuration file.
 namespace Kestrona::Configuration {
 
-// Fills the store from a compiled file and resolves it. False after reporting. The module has no reader yet: every file
-// is reported as unreadable.
+// Fills the store from a compiled file and resolves it; `native_config` hears where it came from. False after
+// reporting.
 bool ReadCompiledConfiguration(Data::MemoryResident::MemoryResidentData& store, const std::wstring& path,
                                INativeConfigWrapper* native_config, IInformationFeedback* feedback,
                                IOleServerManager* ole_servers);
 
-// Writes the store's definition to a compiled file. False after reporting. The module has no writer yet: the file is
-// reported and not touched.
+// Writes the store's definition to a compiled file. False after reporting; a file of this name is then as it was.
+// Throws the wide text "Unexpected state" (`const wchar_t*`), and touches no file, when the compile type has none.
 bool WriteCompiledConfiguration(Data::MemoryResident::MemoryResidentData& store, const std::wstring& path,
                                 IOleServerManager* ole_servers);
 

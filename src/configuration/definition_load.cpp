@@ -1,3 +1,4 @@
+#include "configuration/compiled/help_file.h"
 #include "configuration/compiled_configuration.h"
 #include "configuration/load_state.h"
 #include "configuration/messages.h"

@@ -36,15 +36,25 @@ void KeepOutOfDatabase(MemoryResidentData& store, std::int32_t format) {
     column.KeepOriginal();
 }
 
+// The format with a field of this classification, -1 for none: the next one behind the child, then the first one before
+// it. The child itself is no parent.
+std::int32_t FindByClassification(MemoryResidentData& store, std::int32_t child, const std::wstring& classification) {
+    const std::int32_t behind = KSDLL_FindClassificationInstance(store, classification, child + 1).format;
+    if (behind >= 0) {
+        return behind;
+    }
+    const std::int32_t first = KSDLL_FindClassificationInstance(store, classification).format;
+    return first < child ? first : -1;
+}
+
 // Replaces a parent that is told by one of its classifications by its name. False when there is none.
 bool NameParent(MemoryResidentData& store, std::int32_t format, const std::wstring& classification,
                 std::int32_t& parent) {
-    const TableColumn found = KSDLL_FindClassificationInstance(store, classification);
-    parent = found.format;
-    if (found.format < 0 || found.field < 0) {
+    parent = FindByClassification(store, format, classification);
+    if (parent < 0) {
         return false;
     }
-    store.SetAssociatedTable(format, KSDLL_AddText(store.GetDbName(found.format)),
+    store.SetAssociatedTable(format, KSDLL_AddText(store.GetDbName(parent)),
                              store.IsAssociatedTableEligibleCommonDataset(format));
     return true;
 }

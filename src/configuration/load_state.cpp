@@ -1,9 +1,9 @@
 #include "configuration/load_state.h"
 
+#include "configuration/compiled/help_file.h"
 #include "platform/files.h"
 
 #include <kestrona/definition_load.h>
-#include <kestrona/owned_text.h>
 #include <kestrona/process.h>
 #include <kestrona/services.h>
 
@@ -30,7 +30,6 @@ struct LoadState {
     bool from_compiled = false;
     bool tables_claimed = false;
     std::array<wchar_t, kMaxFileName + 1> definition_file{};
-    OwnedText help_file;
 };
 
 LoadState& State() {
@@ -72,24 +71,12 @@ void SetFromCompiled(bool value) {
     State().from_compiled = value;
 }
 
-const wchar_t* HelpFileName() {
-    return static_cast<const wchar_t*>(KSDLL_GetPointerSv(kSvHelpFile));
-}
-
-void SetHelpFileName(const std::wstring& name) {
-    OwnedText copy(KSDLL_AddText(name.c_str()));
-    KSDLL_SetPointerSv(kSvHelpFile, copy.get());
-    State().help_file = std::move(copy);
-}
-
 bool ClaimStringTables() {
     return !std::exchange(State().tables_claimed, true);
 }
 
 void ResetLoadStateForTests() {
-    if (KSDLL_GetPointerSv(kSvHelpFile) == State().help_file.get()) {
-        KSDLL_SetPointerSv(kSvHelpFile, nullptr);
-    }
+    ForgetHelpFileName();
     State() = LoadState{};
     ResetRunState();
 }

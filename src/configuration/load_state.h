@@ -19,11 +19,6 @@ bool SetDefinitionFileName(const std::wstring& name);
 
 void SetFromCompiled(bool value);
 
-// The help file name stands in the save variables as a pointer; null when there is none. A name that is set here is
-// copied and belongs to this module.
-const wchar_t* HelpFileName();
-void SetHelpFileName(const std::wstring& name);
-
 // True at the first call in a process: whoever asks then sets the built-in string tables up.
 bool ClaimStringTables();
 

@@ -13,6 +13,7 @@ inline constexpr std::int32_t kMsgStageCheck = 17138;
 inline constexpr std::int32_t kMsgTitle = 17147;
 
 // The load as a whole
+inline constexpr std::int32_t kMsgNoCompiledFile = 19062;    // file
 inline constexpr std::int32_t kMsgLoadedBefore = 21001;      // no arguments
 inline constexpr std::int32_t kMsgNoPrimaryKey = 21039;      // format
 inline constexpr std::int32_t kMsgNoAssociatedTable = 21069; // format

@@ -5,6 +5,8 @@
 
 #include <kestrona/classes.h>
 
+#include <string_view>
+
 namespace Kestrona::Configuration {
 
 using Data::MemoryResident::IMemoryResidentData;
@@ -21,6 +23,8 @@ constexpr const wchar_t* kUpdateOtherTable = L"LOOKUP UPDATE classification in F
                                              L"reference but the table is different to the table in the referenced "
                                              L"field";
 
+constexpr std::wstring_view kInheritFromParentWord = L"INHERIT FROM PARENT";
+
 // Where LOOKUP SOURCE leads, or LOOKUP UPDATE on a field with both.
 TableColumn LookupTarget(const FieldScope& scope) {
     return {scope.Slot(DataSlot::kLookupFormat), scope.Slot(DataSlot::kLookupField)};
@@ -35,6 +39,21 @@ bool RefuseSource(const FieldScope& scope, TableColumn source, std::int32_t reas
     return Fail(Platform::FormatText(JoinedMessages({kMsgSource1, kMsgSource2, kMsgSource3, reason}),
                                      store.GetDbName(source.format), scope.FormatName(),
                                      store.GetColumnName(source.format, source.field), scope.FieldName()));
+}
+
+// A field that a later FAMILY field names gets its class when its own turn is over, and keeps its parent sort. Where
+// the definition is resolved again, from a compiled file or otherwise, the class stands there from the beginning.
+bool GotClassBehindItsTurn(const FieldScope& scope) {
+    if (!scope.Is(Classes::kFamilyTarget) || scope.Holds(kInheritFromParentWord)) {
+        return false;
+    }
+    for (std::int32_t field = 0; field < scope.Field(); ++field) {
+        if (IsClass(scope, {scope.Format(), field}, Classes::kFamily) &&
+            scope.Store().GetDbTable(scope.Format(), field) == scope.Field()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -90,7 +109,7 @@ bool CheckReferenceIsNoText(FieldScope& scope) {
 }
 
 bool ReleaseFromParentSort(FieldScope& scope) {
-    if (scope.Is(Classes::kInheritFromParent)) {
+    if (scope.Is(Classes::kInheritFromParent) && !GotClassBehindItsTurn(scope)) {
         scope.Store().SetParentSortEnabled(scope.Format(), scope.Field(), false);
     }
     return true;

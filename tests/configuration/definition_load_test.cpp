@@ -1,3 +1,4 @@
+#include "configuration/compiled/help_file.h"
 #include "configuration/definition_fixture.h"
 #include "configuration/load_state.h"
 
@@ -160,11 +161,15 @@ struct SourceCase {
 
 TEST_F(DefinitionLoad, TakesTheRoadThatSourceAndCompilingTell) {
     const SourceCase cases[] = {
-        {false, ConfigurationSource::CompiledFile, true, {}, L"CreateCompiledFileManager returned OK"},
+        {false,
+         ConfigurationSource::CompiledFile,
+         true,
+         {L"SetCompiledResource"},
+         L"CreateCompiledFileManager returned OK"},
         {false,
          ConfigurationSource::EmbeddedResource,
          true,
-         {L"ExtractConfiguration 12"},
+         {L"ExtractConfiguration 12", L"SetCompiledResource"},
          L"CreateCompiledFileManager returned OK"},
         {false,
          ConfigurationSource::EmbeddedResource,
@@ -180,12 +185,14 @@ TEST_F(DefinitionLoad, TakesTheRoadThatSourceAndCompilingTell) {
         Touch("extracted.tmp");
         CompilationState& compilation = CompilationState::Instance();
         compilation.set_IsCompiling(each.compiling);
+        compilation.set_CompileType(ConfigurationCompileType::Cnf);
         compilation.set_Source(each.source);
         compilation.set_CompiledConfigurationFile(std::wstring(L"plant.ks"));
         extracts_ = each.extracts;
         events_.clear();
         log_->lines.clear();
-        EXPECT_EQ(Load(), -1);
+        EXPECT_EQ(Load(), each.compiling ? 0 : -1);
+        EXPECT_EQ(std::filesystem::remove("plant.ks"), each.compiling);
         EXPECT_EQ(Events(events_.begin() + 3, events_.end()), each.events);
         EXPECT_EQ(log_->lines.size() > 1 ? log_->lines[1] : L"", each.line == nullptr ? L"" : each.line);
         EXPECT_EQ(std::filesystem::exists("extracted.tmp"),

@@ -46,6 +46,18 @@ TEST_F(JoinTables, KeepsAFormatOutOfTheDatabaseWhenItsOptionalParentIsAbsent) {
     EXPECT_EQ(store_.GetFieldInfo(0, 0)->original.classString, L"UNIQUE | EXCLUDE FROM DB");
 }
 
+TEST_F(JoinTables, LooksForAParentBehindTheChildThenBeforeItAndNeverInIt) {
+    Add(L"Stock", {Real(L"Key", L"ORDER KEY | STOCK")});
+    const auto parent_of = [&](std::int32_t child, const wchar_t* classification) {
+        store_.SetAssociatedTable(child, KSDLL_AddText(classification), false);
+        EXPECT_TRUE(Join());
+        return store_.GetAssociateTableNumber(child);
+    };
+    EXPECT_EQ(parent_of(1, L"BY CLASSIFICATION(ORDER KEY)"), 2);
+    EXPECT_EQ(parent_of(1, L"BY CLASSIFICATION(UNIQUE)"), 0);
+    EXPECT_EQ(parent_of(2, L"BY CLASSIFICATION(STOCK)"), -1);
+}
+
 TEST_F(JoinTables, StandsAFormatWithoutKeyWhoseParentIsAbsent) {
     Name(L"BY CLASSIFICATION(NO SUCH)");
     store_.SetDbKey(0, -1);
