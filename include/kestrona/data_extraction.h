@@ -95,9 +95,11 @@ public:
 
     /// Reads header and directory, no column data.
     void ReadSummaryDataFromFile(const std::wstring& file, ExtractionSummary& summary);
-    /// Fills the store's schema and makes its columns.
+    /// Fills the store's schema and makes its columns. Where the definition is damaged, which is reported, the store is
+    /// left without formats.
     void ReadCompiledTableDefinition(const std::wstring& file);
-    /// Loads the block at `offset` into `format`, in the place of whatever the format held.
+    /// Loads the block at `offset` into `format`, in the place of whatever the format held. Takes at most 4096
+    /// records more than the file has bytes.
     void ReadTableDataFromFile(const std::wstring& file, std::int32_t format, int offset);
 
     /// Returns one field of the block at `data_offset` as text, one element for each record. The table that a DATABASE
@@ -127,22 +129,28 @@ public:
     void ResetChecksum();
 
 private:
-    struct Reference;
-    struct Extraction;
+    class Extraction;
+    struct LoadedBlock;
 
+    // The number of tables and that of matrices; 0 and 0, and nothing read, when the file has another marker.
     [[nodiscard]] std::pair<int, int> ReadFileHeader(std::FILE* file, ExtractionSummary& summary);
     void ReadTableSummaryDataFromFile(long file_size, int table_count, std::FILE* file,
                                       std::vector<TableExtractionSummary>& tables);
-    [[nodiscard]] std::wstring ReadFormatName(std::FILE* file);
-    [[nodiscard]] std::wstring ReadString(std::FILE* file);
-    [[nodiscard]] bool ReadBool(std::FILE* file);
-    [[nodiscard]] int ReadRowCount(std::FILE* file);
-    [[nodiscard]] int ReadFieldCount(std::FILE* file);
-    void ReadTableHeader(std::FILE* file);
+    [[nodiscard]] static std::wstring ReadFormatName(std::FILE* file);
+    [[nodiscard]] static std::wstring ReadString(std::FILE* file);
+    [[nodiscard]] static bool ReadBool(std::FILE* file);
+    [[nodiscard]] static int ReadRowCount(std::FILE* file);
+    [[nodiscard]] static int ReadFieldCount(std::FILE* file);
+    static void ReadTableHeader(std::FILE* file);
     [[nodiscard]] bool LookupTableAndFieldNames(const std::wstring& table, const std::wstring& field,
                                                 std::int32_t* format, std::int32_t* field_number);
-    [[nodiscard]] bool GetDisplayStringFromStorageValue(double value, int type, std::wstring* text);
-    [[nodiscard]] bool GetRawDisplayStringFromStorageValue(double value, int type, std::wstring* text);
+    // Goes by name or, for a field, by number, and accepts no field that the format does not have.
+    [[nodiscard]] bool FindFormatAndField(const std::wstring& table, const std::wstring& field, std::int32_t* format,
+                                          std::int32_t* field_number);
+    [[nodiscard]] static bool GetDisplayStringFromStorageValue(double value, int type, std::wstring* text);
+    [[nodiscard]] static bool GetRawDisplayStringFromStorageValue(double value, int type, std::wstring* text);
+
+    [[nodiscard]] LoadedBlock LoadBlock(const std::wstring& file, std::int32_t format, int offset);
 
     Data::MemoryResident::MemoryResidentData& store_;
     IOleServerManager* ole_servers_;

@@ -2,7 +2,6 @@
 #include "configuration/compiled/compiled_fixture.h"
 #include "configuration/compiled/definition_description.h"
 #include "configuration/compiled/file_body.h"
-#include "configuration/compiled/shared_columns.h"
 #include "configuration/definition_fixture.h"
 #include "platform/files.h"
 
@@ -367,18 +366,6 @@ TEST_F(CompiledFile, HoldsAStreamThatIsReadUnresolvedToo) {
     EXPECT_EQ(DescribeSubstitutions(*store), DescribeSubstitutions(*source));
     EXPECT_TRUE(writer.entries.starts_with(L"/2 /2 /2 " + source->GetDbDisplayName(0) + L"/2 " +
                                            source->GetColumnName(0, 0) + L"/2 "));
-
-    SetSharedColumns(*store);
-    std::int32_t shared = 0;
-    for (std::int32_t format = 0; format < store->GetFormatCount(); ++format) {
-        for (std::int32_t field = 0; field < store->GetDbFields(format); ++field) {
-            const bool leans = store->ClassDefined(format, field, Classes::kAdditionalReference) ||
-                               store->ClassDefined(format, field, Classes::kOverride);
-            EXPECT_EQ(store->GetDbTableY(format, field), leans ? source->GetDbTableY(format, field) : -1);
-            shared += leans ? 1 : 0;
-        }
-    }
-    EXPECT_GE(shared, 2);
 }
 
 } // namespace
