@@ -1,14 +1,13 @@
+#include "fuzz.h"
 #include "platform/base64.h"
 #include "platform/user_key.h"
 
 #include <kestrona/encryption.h>
 #include <kestrona/unicode.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <string_view>
 
 // Any text read as an encrypted and as a protected one: a plain text or one of the told failures. What decodes from
 // base64 encodes to a text that decodes to the same bytes.
@@ -16,13 +15,8 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Encryption;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 EncryptionService& Service() {
     static EncryptionService& service = [&]() -> EncryptionService& {
@@ -38,7 +32,7 @@ EncryptionService& Service() {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::wstring text = FromUtf8({reinterpret_cast<const char*>(data), size});
+    const std::wstring text = TextOf(data, size);
     const auto bytes = Platform::DecodeBase64(text);
     if (bytes) {
         Require(Platform::DecodeBase64(Platform::EncodeBase64(*bytes)) == bytes);
