@@ -1,6 +1,7 @@
 // Columns beside what one would write by hand: plain vectors, one virtual call, hash maps, sorted arrays.
 //
 // Every peer runs in the same program, so compare the ratios of one run. "each" is the time of one operation.
+#include "measure.h"
 
 #include <kestrona/change_set.h>
 #include <kestrona/concrete_columns.h>
@@ -8,7 +9,6 @@
 #include <kestrona/record_state.h>
 #include <kestrona/schema_records.h>
 
-#include <benchmark/benchmark.h>
 #include <boost/unordered/unordered_flat_map.hpp>
 
 #include <algorithm>
@@ -25,6 +25,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kColumns = 20;
@@ -156,16 +157,6 @@ std::unique_ptr<IColumn<double>> MakeDoubles() {
     return std::make_unique<DoubleColumn>(new NullRecordStateStrategy, 0.0);
 }
 
-std::unique_ptr<IColumn<double>> MakeIntegers() {
-    return std::make_unique<IntegerColumn>(0, new NullRecordStateStrategy);
-}
-
-// Shows the time of one operation, with its unit.
-void CountPerOperation(benchmark::State& state, double operations) {
-    state.counters["each"] =
-        benchmark::Counter(operations, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 // Arguments: rows, order.
 template <typename Column>
 void ReadCells(benchmark::State& state, Plant<Column> plant) {
@@ -177,7 +168,7 @@ void ReadCells(benchmark::State& state, Plant<Column> plant) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountPerOperation(state, static_cast<double>(kProbes));
+    CountEach(state, static_cast<double>(kProbes));
 }
 
 template <typename Column>
@@ -191,24 +182,7 @@ void WriteCells(benchmark::State& state, Plant<Column> plant) {
             plant.At(0, cell.field).SetValue(cell.record, value);
         }
     }
-    CountPerOperation(state, static_cast<double>(kProbes));
-}
-
-void ReadPlainVectors(benchmark::State& state) {
-    const auto rows = static_cast<std::int32_t>(state.range(0));
-    std::vector<std::vector<double>> columns(kColumns);
-    for (auto& column : columns) {
-        column.assign(static_cast<std::size_t>(rows), 1.5);
-    }
-    const auto cells = Cells(rows, static_cast<Order>(state.range(1)));
-    for (auto _ : state) {
-        double sum = 0;
-        for (const Cell cell : cells) {
-            sum += columns[static_cast<std::size_t>(cell.field)][static_cast<std::size_t>(cell.record)];
-        }
-        benchmark::DoNotOptimize(sum);
-    }
-    CountPerOperation(state, static_cast<double>(kProbes));
+    CountEach(state, static_cast<double>(kProbes));
 }
 
 template <typename Column>
@@ -218,10 +192,6 @@ void ReadHandWritten(benchmark::State& state) {
 
 void ReadDoubleColumns(benchmark::State& state) {
     ReadCells(state, LibraryPlant(static_cast<std::int32_t>(state.range(0)), MakeDoubles));
-}
-
-void ReadIntegerColumns(benchmark::State& state) {
-    ReadCells(state, LibraryPlant(static_cast<std::int32_t>(state.range(0)), MakeIntegers));
 }
 
 template <typename Column>
@@ -256,7 +226,7 @@ void ReadBlocks(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountPerOperation(state, kMillion);
+    CountEach(state, kMillion);
 }
 
 void CellArguments(benchmark::internal::Benchmark* bench) {
@@ -268,11 +238,9 @@ void CellArguments(benchmark::internal::Benchmark* bench) {
     bench->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(ReadPlainVectors)->Apply(CellArguments);
 BENCHMARK(ReadHandWritten<HandWrittenDoubles>)->Apply(CellArguments);
 BENCHMARK(ReadHandWritten<HandWrittenTests>)->Apply(CellArguments);
 BENCHMARK(ReadDoubleColumns)->Apply(CellArguments);
-BENCHMARK(ReadIntegerColumns)->Apply(CellArguments);
 BENCHMARK(ReadBlocks)->Unit(benchmark::kMillisecond);
 BENCHMARK(WriteHandWritten<HandWrittenDoubles>)->Apply(CellArguments);
 BENCHMARK(WriteHandWritten<HandWrittenTests>)->Apply(CellArguments);
@@ -298,17 +266,6 @@ struct TreeMarks {
     void Mark(std::int32_t record) { marks[record] = true; }
 };
 
-struct SortedArrayMarks {
-    std::vector<std::int32_t> marks;
-
-    void Mark(std::int32_t record) {
-        const auto place = std::lower_bound(marks.begin(), marks.end(), record);
-        if (place == marks.end() || *place != record) {
-            marks.insert(place, record);
-        }
-    }
-};
-
 // Argument: marks, each on another of 1 million records.
 template <typename Marks>
 void MarkRecords(benchmark::State& state) {
@@ -321,12 +278,11 @@ void MarkRecords(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(marks);
     }
-    CountPerOperation(state, static_cast<double>(records.size()));
+    CountEach(state, static_cast<double>(records.size()));
 }
 
 BENCHMARK(MarkRecords<PagedMarks>)->Arg(10000)->Arg(100000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 BENCHMARK(MarkRecords<TreeMarks>)->Arg(10000)->Arg(100000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
-BENCHMARK(MarkRecords<SortedArrayMarks>)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 // Values 0 to distinct - 1, in random order where each occurs once.
 std::vector<double> Keys(std::int32_t rows, std::int32_t distinct) {
@@ -354,36 +310,19 @@ void BuildIndex(benchmark::State& state) {
         column->BeginBulkUpdate();
         column->EndBulkUpdate();
     }
-    CountPerOperation(state, kMillion);
-}
-
-void BuildFirstIndex(benchmark::State& state) {
-    const auto keys = Keys(kMillion, static_cast<std::int32_t>(state.range(0)));
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto column = IndexedKeys(keys);
-        state.ResumeTiming();
-        column->EndBulkUpdate();
-        state.PauseTiming();
-        column.reset();
-        state.ResumeTiming();
-    }
-    CountPerOperation(state, kMillion);
+    CountEach(state, kMillion);
 }
 
 void BuildMapOfVectors(benchmark::State& state) {
     const auto keys = Keys(kMillion, static_cast<std::int32_t>(state.range(0)));
-    for (auto _ : state) {
-        MapOfVectors map;
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            map[keys[i]].push_back(static_cast<std::int32_t>(i));
-        }
-        benchmark::DoNotOptimize(map);
-        state.PauseTiming();
-        map = MapOfVectors();
-        state.ResumeTiming();
-    }
-    CountPerOperation(state, kMillion);
+    MeasureFresh(
+        state, [] { return MapOfVectors(); },
+        [&](MapOfVectors& map) {
+            for (std::size_t i = 0; i < keys.size(); ++i) {
+                map[keys[i]].push_back(static_cast<std::int32_t>(i));
+            }
+        });
+    CountEach(state, kMillion);
 }
 
 void DistinctCounts(benchmark::internal::Benchmark* bench) {
@@ -391,7 +330,6 @@ void DistinctCounts(benchmark::internal::Benchmark* bench) {
 }
 
 BENCHMARK(BuildIndex)->Apply(DistinctCounts);
-BENCHMARK(BuildFirstIndex)->Apply(DistinctCounts);
 BENCHMARK(BuildMapOfVectors)->Apply(DistinctCounts);
 
 // Argument: rows, all with different keys.
@@ -418,7 +356,7 @@ void LookUpInIndex(benchmark::State& state) {
         }
     }
     benchmark::DoNotOptimize(sum);
-    CountPerOperation(state, static_cast<double>(kProbes));
+    CountEach(state, static_cast<double>(kProbes));
 }
 
 void LookUpInFlatMap(benchmark::State& state) {
@@ -435,70 +373,34 @@ void LookUpInFlatMap(benchmark::State& state) {
         }
     }
     benchmark::DoNotOptimize(sum);
-    CountPerOperation(state, static_cast<double>(kProbes));
+    CountEach(state, static_cast<double>(kProbes));
 }
 
 BENCHMARK(LookUpInIndex)->Arg(10000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 BENCHMARK(LookUpInFlatMap)->Arg(10000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 
 // 1 million rows with the values 0 and 1 in equal number; moves random rows from one value to the other.
-class TwoIndexedValues {
-public:
-    TwoIndexedValues() : column_(IndexedKeys(Keys(kMillion, 2))) { CountOnes(); }
-
-    void Move(std::int32_t record) { column_->SetValue(record, 1.0 - column_->GetValue(record)); }
-
-    std::size_t CountOnes() { return std::unique_ptr<FindResult>(column_->FindAll(1.0))->Size(); }
-
-private:
-    std::unique_ptr<IColumn<double>> column_;
-};
-
-class TwoSortedArrays {
-public:
-    TwoSortedArrays() : values_(Keys(kMillion, 2)) {
-        for (std::int32_t i = 0; i < kMillion; ++i) {
-            SetOf(i).push_back(i);
-        }
-    }
-
-    void Move(std::int32_t record) {
-        SetOf(record).erase(std::lower_bound(SetOf(record).begin(), SetOf(record).end(), record));
-        double& value = values_[static_cast<std::size_t>(record)];
-        value = 1.0 - value;
-        SetOf(record).insert(std::lower_bound(SetOf(record).begin(), SetOf(record).end(), record), record);
-    }
-
-    std::size_t CountOnes() { return sets_[1].size(); }
-
-private:
-    std::vector<std::int32_t>& SetOf(std::int32_t record) {
-        return sets_[values_[static_cast<std::size_t>(record)] == 0.0 ? 0 : 1];
-    }
-
-    std::vector<double> values_;
-    std::vector<std::int32_t> sets_[2];
-};
-
-// Argument: moves before each search.
-template <typename Values>
+// The argument is the number of moves before each search.
 void MoveRows(benchmark::State& state) {
-    Values values;
+    const auto column = IndexedKeys(Keys(kMillion, 2));
+    const auto count_ones = [&] {
+        return std::unique_ptr<FindResult>(column->FindAll(1.0))->Size();
+    };
     const auto moves = static_cast<std::int32_t>(state.range(0));
     std::mt19937 random(3);
-    std::size_t ones = 0;
+    std::size_t ones = count_ones();
     for (auto _ : state) {
         for (std::int32_t i = 0; i < moves; ++i) {
-            values.Move(static_cast<std::int32_t>(random() % kMillion));
+            const auto record = static_cast<std::int32_t>(random() % kMillion);
+            column->SetValue(record, 1.0 - column->GetValue(record));
         }
-        ones += values.CountOnes();
+        ones += count_ones();
     }
     benchmark::DoNotOptimize(ones);
-    CountPerOperation(state, moves);
+    CountEach(state, moves);
 }
 
-BENCHMARK(MoveRows<TwoIndexedValues>)->Arg(1)->Arg(10)->Arg(1000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
-BENCHMARK(MoveRows<TwoSortedArrays>)->Arg(1)->Arg(10)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(MoveRows)->Arg(1)->Arg(10)->Arg(1000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
 
 // The same lookups where the index must take its lock. Last of all: a process that has had a second thread may count as
 // one with threads from then on.

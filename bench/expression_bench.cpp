@@ -3,16 +3,13 @@
 // "Single" evaluates record by record, "Block" a whole column at once, "Field" and "FieldBlock" read a calculated
 // field. SQLite steps through a SELECT of the same expression over the same values. "each" is the time of one record,
 // or of one parse.
-#include <kestrona/classes.h>
+#include "fixtures/schema.h"
+#include "measure.h"
+#include "sqlite_database.h"
+
 #include <kestrona/expression_parsing.h>
-#include <kestrona/process.h>
 #include <kestrona/store.h>
 
-#include <benchmark/benchmark.h>
-#include <sqlite3.h>
-
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -22,6 +19,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using Data::MemoryResident::CreateMemoryResidentData;
 using Data::MemoryResident::MemoryResidentData;
 
@@ -82,11 +80,6 @@ const Values& TheValues() {
     return values;
 }
 
-void NameField(MemoryResidentData& store, std::int32_t field, const std::wstring& name, std::uint32_t type) {
-    store.SetColumnName(0, field, name);
-    store.SetDbType(0, field, type);
-}
-
 void Calculate(MemoryResidentData& store, std::int32_t field, const std::wstring& expression) {
     INativeExpression* const compiled = KSDLL_CreateFieldExpression(store, 0, field, expression, false, nullptr);
     if (compiled == nullptr) {
@@ -96,29 +89,18 @@ void Calculate(MemoryResidentData& store, std::int32_t field, const std::wstring
 }
 
 void DeclareFields(MemoryResidentData& store) {
-    store.SetFormatCount(1);
-    store.SetDbName(0, KSDLL_AddText(L"Parts"));
-    store.SetDbFields(0, kFields);
-    store.CreateDbFieldInfo(0, kFields);
-    store.SetDbKey(0, 0);
-    NameField(store, 0, L"Key", TypeBit::kReal);
+    std::vector<Fixtures::Field> fields{Fixtures::Number(L"Key")};
     for (std::int32_t number = 0; number < kNumbers; ++number) {
-        NameField(store, 1 + number, std::wstring(1, static_cast<wchar_t>(L'A' + number)), TypeBit::kReal);
+        fields.push_back(Fixtures::Number(std::wstring(1, static_cast<wchar_t>(L'A' + number))));
     }
-    NameField(store, kText, L"Name", TypeBit::kReference);
-    store.AddDbClass(0, kText, Classes::kFreeFormat);
+    fields.push_back(Fixtures::Text(L"Name"));
     for (std::int32_t field = kFirstCalculated; field < kFields; ++field) {
-        NameField(store, field, L"F" + std::to_wstring(field - kFirstCalculated), TypeBit::kReal);
-        store.AddDbClass(0, field, Classes::kEvaluate);
+        fields.push_back(Fixtures::Calculated(L"F" + std::to_wstring(field - kFirstCalculated)));
     }
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store.AddDbClass(0, field, Classes::kExcludeFromDb);
-        if (field == kText) {
-            store.CreateDbStrings(0, field);
-        } else {
-            store.CreateDbValues(0, field);
-        }
+    for (Fixtures::Field& field : fields) {
+        field.classes.push_back(Classes::kExcludeFromDb);
     }
+    Fixtures::AddTable(store, L"Parts", fields);
 }
 
 void DeclareCalculations(MemoryResidentData& store) {
@@ -150,58 +132,24 @@ MemoryResidentData& Store() {
     return *store;
 }
 
-class Database {
-public:
-    Database() {
-        Check(sqlite3_open(":memory:", &handle_));
-        Execute("create table parts (a real, b real, c real, d real, name text)");
-        Execute("begin");
-        sqlite3_stmt* const insert = Prepare("insert into parts values (?, ?, ?, ?, ?)");
+Database& TheDatabase() {
+    static const std::unique_ptr<Database> database = [] {
+        auto made = std::make_unique<Database>();
+        made->Execute("create table parts (a real, b real, c real, d real, name text); begin");
+        const Statement insert = made->Prepare("insert into parts values (?, ?, ?, ?, ?)");
         const Values& values = TheValues();
         for (std::size_t record = 0; record < kRecords; ++record) {
             for (int number = 0; number < kNumbers; ++number) {
-                sqlite3_bind_double(insert, 1 + number, values.numbers[number][record]);
+                sqlite3_bind_double(insert.get(), 1 + number, values.numbers[number][record]);
             }
             const std::string name(values.names[record].begin(), values.names[record].end());
-            sqlite3_bind_text(insert, 1 + kNumbers, name.c_str(), -1, SQLITE_TRANSIENT);
-            sqlite3_step(insert);
-            sqlite3_reset(insert);
+            sqlite3_bind_text(insert.get(), 1 + kNumbers, name.c_str(), -1, SQLITE_TRANSIENT);
+            RunOnce(insert);
         }
-        sqlite3_finalize(insert);
-        Execute("commit");
-    }
-
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
-
-    ~Database() { sqlite3_close(handle_); }
-
-    sqlite3_stmt* Prepare(const std::string& sql) {
-        sqlite3_stmt* statement = nullptr;
-        Check(sqlite3_prepare_v2(handle_, sql.c_str(), -1, &statement, nullptr));
-        return statement;
-    }
-
-private:
-    void Execute(const char* sql) { Check(sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr)); }
-
-    static void Check(int code) {
-        if (code != SQLITE_OK) {
-            throw std::runtime_error(sqlite3_errstr(code));
-        }
-    }
-
-    sqlite3* handle_ = nullptr;
-};
-
-Database& TheDatabase() {
-    static Database database;
-    return database;
-}
-
-void CountEach(benchmark::State& state, std::int64_t count) {
-    state.counters["each"] = benchmark::Counter(
-        static_cast<double>(count), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+        made->Execute("commit");
+        return made;
+    }();
+    return *database;
 }
 
 std::unique_ptr<INativeExpression> Compiled(Case subject) {
@@ -310,17 +258,15 @@ void FieldBlock(benchmark::State& state) {
 
 template <Case kSubject>
 void Sqlite(benchmark::State& state) {
-    sqlite3_stmt* const select =
-        TheDatabase().Prepare("select " + std::string(kSubjects[kSubject].sql) + " from parts");
+    const Statement select = TheDatabase().Prepare("select " + std::string(kSubjects[kSubject].sql) + " from parts");
     Measure<kSubject>(state, [&] {
         double sum = 0.0;
-        while (sqlite3_step(select) == SQLITE_ROW) {
-            sum += sqlite3_column_double(select, 0);
+        while (sqlite3_step(select.get()) == SQLITE_ROW) {
+            sum += sqlite3_column_double(select.get(), 0);
         }
-        sqlite3_reset(select);
+        sqlite3_reset(select.get());
         return sum;
     });
-    sqlite3_finalize(select);
 }
 
 #define KS_ROADS(subject)                                                                                              \

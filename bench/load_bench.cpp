@@ -1,11 +1,11 @@
 // How long it takes to resolve a definition, and how that grows with its length.
+#include "measure.h"
+
 #include <kestrona/classes.h>
 #include <kestrona/definition_load.h>
 #include <kestrona/execution_state.h>
 #include <kestrona/process.h>
 #include <kestrona/store.h>
-
-#include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <initializer_list>
@@ -15,6 +15,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using Data::MemoryResident::MemoryResidentData;
 
 constexpr std::int32_t kFields = 100;
@@ -74,21 +75,19 @@ void FillFormat(MemoryResidentData& store, std::int32_t format, std::int32_t for
 void ResolveDefinition(benchmark::State& state) {
     ExecutionState::Instance().set_IsRunningHeadless(true);
     const auto formats = static_cast<std::int32_t>(state.range(0));
-    for ([[maybe_unused]] auto _ : state) {
-        state.PauseTiming();
+    const auto make = [&] {
         auto store = Data::MemoryResident::CreateMemoryResidentData();
         store->SetFormatCount(formats);
         for (std::int32_t format = 0; format < formats; ++format) {
             FillFormat(*store, format, formats);
         }
-        state.ResumeTiming();
+        return store;
+    };
+    MeasureFresh(state, make, [&](const auto& store) {
         if (check_database_access(*store, state.range(1) != 0, nullptr) != 0) {
             state.SkipWithError("the definition was refused");
         }
-        state.PauseTiming();
-        store.reset();
-        state.ResumeTiming();
-    }
+    });
     state.counters["per_field"] =
         benchmark::Counter(static_cast<double>(formats) * kFields,
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);

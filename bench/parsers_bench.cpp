@@ -103,25 +103,6 @@ void BM_StandardPatternsAlone(benchmark::State& state, const std::wstring& text)
     CountKeywords(state, patterns.size());
 }
 
-template <typename Parser>
-void BM_Construct(benchmark::State& state) {
-    const ClassificationParser_TABLE other;
-    for (auto _ : state) {
-        const Parser parser;
-        benchmark::DoNotOptimize(&parser);
-    }
-}
-
-// Another pattern was asked for in between.
-void BM_ConstructTwoByTurns(benchmark::State& state) {
-    for (auto _ : state) {
-        const ClassificationParser_SUBSTITUTE first;
-        const ClassificationParser_DATABASE second;
-        benchmark::DoNotOptimize(&first);
-        benchmark::DoNotOptimize(&second);
-    }
-}
-
 void BM_GrowthOrdinary(benchmark::State& state) {
     const auto parsers = AllParsers();
     const std::wstring text =
@@ -145,17 +126,6 @@ void BM_GrowthNearMisses(benchmark::State& state, const char* name, const wchar_
     state.SetComplexityN(state.range(0));
 }
 
-void BM_GrowthNearMissesPatternAlone(benchmark::State& state, const char* name, const wchar_t* unit,
-                                     const wchar_t* tail) {
-    const ParserCase& c = CaseOf(name);
-    const std::wstring text = Repeated(unit, static_cast<std::size_t>(state.range(0))) + tail;
-    Platform::PatternMatch match;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(c.compiled->Search(text, 0, match));
-    }
-    state.SetComplexityN(state.range(0));
-}
-
 void BM_GrowthEntries(benchmark::State& state) {
     const std::wstring text = Repeated(L"SUBSTITUTE(17->\"Painted red\") | ", static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
@@ -171,26 +141,15 @@ BENCHMARK_CAPTURE(BM_PatternsAlone, few, kFewKeywords);
 BENCHMARK_CAPTURE(BM_PatternsAlone, many, kManyKeywords);
 BENCHMARK_CAPTURE(BM_StandardPatternsAlone, few, kFewKeywords);
 BENCHMARK_CAPTURE(BM_StandardPatternsAlone, many, kManyKeywords);
-BENCHMARK(BM_Construct<ClassificationParser_DATABASE>);
-BENCHMARK(BM_Construct<ClassificationParser_SUBSTITUTE>);
-BENCHMARK(BM_ConstructTwoByTurns);
-BENCHMARK(BM_GrowthOrdinary)->RangeMultiplier(10)->Range(1000, 100000)->Complexity();
-BENCHMARK(BM_GrowthEntries)->RangeMultiplier(10)->Range(1000, 100000)->Complexity();
-BENCHMARK_CAPTURE(BM_GrowthNearMisses, SUBSTITUTE, "SUBSTITUTE", L"SUBSTITUTE( ", L"")
-    ->RangeMultiplier(10)
-    ->Range(1000, 100000)
-    ->Complexity();
-BENCHMARK_CAPTURE(BM_GrowthNearMisses, FORMAT, "FORMAT", L"FORMAT(", L" x)")
-    ->RangeMultiplier(10)
-    ->Range(1000, 100000)
-    ->Complexity();
-BENCHMARK_CAPTURE(BM_GrowthNearMisses, REMOTE, "REMOTE", L"REMOTE(", L"x) y")
-    ->RangeMultiplier(10)
-    ->Range(1000, 100000)
-    ->Complexity();
-BENCHMARK_CAPTURE(BM_GrowthNearMissesPatternAlone, FORMAT, "FORMAT", L"FORMAT(", L" x)")
-    ->RangeMultiplier(10)
-    ->Range(1000, 100000)
-    ->Complexity();
+
+void Lengths(benchmark::internal::Benchmark* benchmark) {
+    benchmark->RangeMultiplier(10)->Range(1000, 100000)->Complexity();
+}
+
+BENCHMARK(BM_GrowthOrdinary)->Apply(Lengths);
+BENCHMARK(BM_GrowthEntries)->Apply(Lengths);
+BENCHMARK_CAPTURE(BM_GrowthNearMisses, SUBSTITUTE, "SUBSTITUTE", L"SUBSTITUTE( ", L"")->Apply(Lengths);
+BENCHMARK_CAPTURE(BM_GrowthNearMisses, FORMAT, "FORMAT", L"FORMAT(", L" x)")->Apply(Lengths);
+BENCHMARK_CAPTURE(BM_GrowthNearMisses, REMOTE, "REMOTE", L"REMOTE(", L"x) y")->Apply(Lengths);
 
 } // namespace

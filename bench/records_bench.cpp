@@ -1,13 +1,12 @@
 // Records that come and go, beside plain vectors and SQLite in memory that do the same. Every peer runs in the same
 // program, so compare the ratios of one run. "each" is the time of one record.
+#include "fixtures/schema.h"
+#include "measure.h"
+#include "sqlite_database.h"
 
-#include <kestrona/classes.h>
 #include <kestrona/process.h>
 #include <kestrona/records.h>
 #include <kestrona/store.h>
-
-#include <benchmark/benchmark.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +18,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kFields = 20;
@@ -50,20 +50,9 @@ double ValueAt(std::int32_t field, std::int32_t record) {
 // A format of tracked fields, the key first.
 std::unique_ptr<MemoryResidentData> MakeStore(std::int32_t records) {
     auto store = CreateMemoryResidentData();
-    store->SetFormatCount(1);
-    store->SetDbName(0, KSDLL_AddText(L"Records"));
-    store->SetDbFields(0, kFields);
-    store->CreateDbFieldInfo(0, kFields);
-    store->SetDbKey(0, 0);
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store->SetDbType(0, field, TypeBit::kReal);
-        store->SetDbDefaultValue(0, field, field == 0 ? 1.0 : 0.0);
-    }
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store->CreateDbValues(0, field);
-    }
-    store->CreateDbUpdate(0);
-    store->SetCurrentDbSize(0, records);
+    std::vector<Fixtures::Field> fields(kFields);
+    fields[0].default_value = 1.0;
+    Fixtures::AddTable(*store, L"Records", fields, records);
     for (std::int32_t record = 0; record < records; ++record) {
         for (std::int32_t field = 0; field < kFields; ++field) {
             store->SetDbValue(0, field, record, field == 0 ? record + 1.0 : ValueAt(field, record));
@@ -84,50 +73,25 @@ Columns MakeColumns(std::int32_t records) {
     return columns;
 }
 
-struct CloseDatabase {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
-};
-
-struct FinishStatement {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-
-using Database = std::unique_ptr<sqlite3, CloseDatabase>;
-using Statement = std::unique_ptr<sqlite3_stmt, FinishStatement>;
-
-Statement Prepare(sqlite3* database, const std::string& text) {
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_prepare_v2(database, text.c_str(), -1, &statement, nullptr);
-    return Statement(statement);
-}
-
-void Execute(sqlite3* database, const char* text) {
-    sqlite3_exec(database, text, nullptr, nullptr, nullptr);
-}
-
 // The same records in a table with an index over the key.
-Database MakeDatabase(std::int32_t records) {
-    sqlite3* opened = nullptr;
-    sqlite3_open(":memory:", &opened);
-    Database database(opened);
+std::unique_ptr<Database> MakeDatabase(std::int32_t records) {
+    auto database = std::make_unique<Database>();
     std::string columns = "key REAL";
     std::string marks = "?";
     for (std::int32_t field = 1; field < kFields; ++field) {
         columns += ", f" + std::to_string(field) + " REAL";
         marks += ", ?";
     }
-    Execute(opened, ("CREATE TABLE records(" + columns + "); CREATE UNIQUE INDEX keys ON records(key)").c_str());
-    Execute(opened, "BEGIN");
-    const Statement insert = Prepare(opened, "INSERT INTO records VALUES(" + marks + ")");
+    database->Execute("CREATE TABLE records(" + columns + "); CREATE UNIQUE INDEX keys ON records(key); BEGIN");
+    const Statement insert = database->Prepare("INSERT INTO records VALUES(" + marks + ")");
     for (std::int32_t record = 0; record < records; ++record) {
         sqlite3_bind_double(insert.get(), 1, record + 1.0);
         for (std::int32_t field = 1; field < kFields; ++field) {
             sqlite3_bind_double(insert.get(), field + 1, ValueAt(field, record));
         }
-        sqlite3_step(insert.get());
-        sqlite3_reset(insert.get());
+        RunOnce(insert);
     }
-    Execute(opened, "COMMIT");
+    database->Execute("COMMIT");
     return database;
 }
 
@@ -141,25 +105,16 @@ std::vector<std::int32_t> RecordsToErase(std::int32_t records) {
     return all;
 }
 
-void CountRecords(benchmark::State& state, double each_iteration) {
-    state.counters["each"] =
-        benchmark::Counter(each_iteration, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void CreateRecords(benchmark::State& state) {
     const auto count = static_cast<std::int32_t>(state.range(0));
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto store = MakeStore(0);
-        state.ResumeTiming();
-        for (std::int32_t i = 0; i < count; ++i) {
-            KSDLL_CreateRecord(*store, 0);
-        }
-        state.PauseTiming();
-        store.reset();
-        state.ResumeTiming();
-    }
-    CountRecords(state, count);
+    MeasureFresh(
+        state, [] { return MakeStore(0); },
+        [&](const auto& store) {
+            for (std::int32_t i = 0; i < count; ++i) {
+                KSDLL_CreateRecord(*store, 0);
+            }
+        });
+    CountEach(state, count);
 }
 
 void AppendToVectors(benchmark::State& state) {
@@ -173,7 +128,7 @@ void AppendToVectors(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(columns);
     }
-    CountRecords(state, count);
+    CountEach(state, count);
 }
 
 void InsertRecords(benchmark::State& state, Place place) {
@@ -182,7 +137,7 @@ void InsertRecords(benchmark::State& state, Place place) {
     for (auto _ : state) {
         KSDLL_InsertDbItem(*store, 0, At(place, store->GetCurrentDbSize(0)));
     }
-    CountRecords(state, 1);
+    CountEach(state, 1);
 }
 
 void InsertIntoVectors(benchmark::State& state, Place place) {
@@ -193,48 +148,34 @@ void InsertIntoVectors(benchmark::State& state, Place place) {
             column.insert(column.begin() + At(place, static_cast<std::int32_t>(column.size())), 0.0);
         }
     }
-    CountRecords(state, 1);
+    CountEach(state, 1);
+}
+
+// Takes the records away from what `make` makes of so many.
+template <typename Make, typename Erase>
+void MeasureErasure(benchmark::State& state, Make make, Erase erase) {
+    const auto count = static_cast<std::int32_t>(state.range(0));
+    const std::vector<std::int32_t> records = RecordsToErase(count);
+    MeasureFresh(
+        state, [&] { return make(count); }, [&](auto& subject) { erase(subject, records); });
+    CountEach(state, static_cast<double>(records.size()));
 }
 
 void DeleteAsList(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::vector<std::int32_t> records = RecordsToErase(count);
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto store = MakeStore(count);
-        state.ResumeTiming();
-        KSDLL_DeleteDbItems(*store, 0, records);
-        state.PauseTiming();
-        store.reset();
-        state.ResumeTiming();
-    }
-    CountRecords(state, static_cast<double>(records.size()));
+    MeasureErasure(state, MakeStore,
+                   [](const auto& store, const auto& records) { KSDLL_DeleteDbItems(*store, 0, records); });
 }
 
 void DeleteOneByOne(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::vector<std::int32_t> records = RecordsToErase(count);
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto store = MakeStore(count);
-        state.ResumeTiming();
+    MeasureErasure(state, MakeStore, [](const auto& store, const auto& records) {
         std::for_each(records.rbegin(), records.rend(),
                       [&](std::int32_t record) { KSDLL_DeleteDbItem(*store, 0, record); });
-        state.PauseTiming();
-        store.reset();
-        state.ResumeTiming();
-    }
-    CountRecords(state, static_cast<double>(records.size()));
+    });
 }
 
 void CompactVectors(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::vector<std::int32_t> records = RecordsToErase(count);
-    for (auto _ : state) {
-        state.PauseTiming();
-        Columns columns = MakeColumns(count);
-        state.ResumeTiming();
-        std::vector<bool> erased(static_cast<std::size_t>(count));
+    MeasureErasure(state, MakeColumns, [](Columns& columns, const auto& records) {
+        std::vector<bool> erased(columns[0].size());
         for (const std::int32_t record : records) {
             erased[static_cast<std::size_t>(record)] = true;
         }
@@ -247,45 +188,29 @@ void CompactVectors(benchmark::State& state) {
             }
             column.resize(kept);
         }
-        benchmark::DoNotOptimize(columns);
-    }
-    CountRecords(state, static_cast<double>(records.size()));
+    });
 }
 
 void EraseFromVectors(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::vector<std::int32_t> records = RecordsToErase(count);
-    for (auto _ : state) {
-        state.PauseTiming();
-        Columns columns = MakeColumns(count);
-        state.ResumeTiming();
+    MeasureErasure(state, MakeColumns, [](Columns& columns, const auto& records) {
         for (auto record = records.rbegin(); record != records.rend(); ++record) {
             for (std::vector<double>& column : columns) {
                 column.erase(column.begin() + *record);
             }
         }
-        benchmark::DoNotOptimize(columns);
-    }
-    CountRecords(state, static_cast<double>(records.size()));
+    });
 }
 
 void DeleteFromDatabase(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::vector<std::int32_t> records = RecordsToErase(count);
-    for (auto _ : state) {
-        state.PauseTiming();
-        Database database = MakeDatabase(count);
-        state.ResumeTiming();
-        Execute(database.get(), "BEGIN");
-        const Statement erase = Prepare(database.get(), "DELETE FROM records WHERE key = ?");
+    MeasureErasure(state, MakeDatabase, [](const auto& database, const auto& records) {
+        database->Execute("BEGIN");
+        const Statement erase = database->Prepare("DELETE FROM records WHERE key = ?");
         for (const std::int32_t record : records) {
             sqlite3_bind_double(erase.get(), 1, record + 1.0);
-            sqlite3_step(erase.get());
-            sqlite3_reset(erase.get());
+            RunOnce(erase);
         }
-        Execute(database.get(), "COMMIT");
-    }
-    CountRecords(state, static_cast<double>(records.size()));
+        database->Execute("COMMIT");
+    });
 }
 
 std::vector<double> ShuffledKeys(std::int32_t records) {
@@ -305,14 +230,14 @@ void LookUpKeys(benchmark::State& state) {
             benchmark::DoNotOptimize(store->LookupKeyRecord(0, key));
         }
     }
-    CountRecords(state, count);
+    CountEach(state, count);
 }
 
 void LookUpInDatabase(benchmark::State& state) {
     const auto count = static_cast<std::int32_t>(state.range(0));
-    const Database database = MakeDatabase(count);
+    const std::unique_ptr<Database> database = MakeDatabase(count);
     const std::vector<double> keys = ShuffledKeys(count);
-    const Statement find = Prepare(database.get(), "SELECT rowid FROM records WHERE key = ?");
+    const Statement find = database->Prepare("SELECT rowid FROM records WHERE key = ?");
     for (auto _ : state) {
         for (const double key : keys) {
             sqlite3_bind_double(find.get(), 1, key);
@@ -321,7 +246,7 @@ void LookUpInDatabase(benchmark::State& state) {
             sqlite3_reset(find.get());
         }
     }
-    CountRecords(state, count);
+    CountEach(state, count);
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {

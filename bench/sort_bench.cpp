@@ -3,20 +3,18 @@
 //
 // "Extracted" takes the keys and sorts them. For free texts the keys are ICU sort keys: "IcuKeys" makes and sorts them,
 // "IcuKeysMade" sorts keys made beforehand.
-#include <kestrona/classes.h>
-#include <kestrona/process.h>
+#include "fixtures/schema.h"
+#include "measure.h"
+#include "sqlite_database.h"
+
 #include <kestrona/sorting.h>
 #include <kestrona/store.h>
 #include <kestrona/unicode.h>
 #include <kestrona/value_text.h>
 
-#include <benchmark/benchmark.h>
-#include <sqlite3.h>
 #include <unicode/ucol.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -28,6 +26,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kProducts = 0;
@@ -40,8 +39,7 @@ enum OrderField : std::int32_t {
     kQuantity,
     kPriority,
     kProduct,
-    kNote,
-    kFieldCount
+    kNote
 };
 
 constexpr std::int32_t kName = 1;
@@ -53,42 +51,16 @@ std::wstring RandomText(std::mt19937& random) {
            std::to_wstring(random() % 100000);
 }
 
-void Declare(MemoryResidentData& store, std::int32_t format, const wchar_t* name, std::int32_t fields) {
-    store.SetFormatCount(format + 1);
-    store.SetDbName(format, KSDLL_AddText(name));
-    store.SetDbFields(format, fields);
-    store.CreateDbFieldInfo(format, fields);
-    store.SetDbKey(format, kKey);
-}
-
-void MakeText(MemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    store.SetDbType(format, field, TypeBit::kReference);
-    store.AddDbClass(format, field, Classes::kFreeFormat);
-    store.CreateDbValues(format, field);
-    store.CreateDbStrings(format, field);
-}
-
-void MakeNumbers(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::uint32_t type) {
-    store.SetDbType(format, field, type);
-    store.CreateDbValues(format, field);
-}
-
 // Orders in no order.
 class Plant {
 public:
     explicit Plant(std::int32_t records) : records_(records), store_(CreateMemoryResidentData()) {
-        Declare(*store_, kProducts, L"Products", 2);
-        MakeNumbers(*store_, kProducts, kKey, TypeBit::kInteger);
-        MakeText(*store_, kProducts, kName);
-        Declare(*store_, kOrders, L"Orders", kFieldCount);
-        MakeNumbers(*store_, kOrders, kKey, TypeBit::kInteger);
-        MakeNumbers(*store_, kOrders, kQuantity, TypeBit::kReal);
-        MakeNumbers(*store_, kOrders, kPriority, TypeBit::kInteger);
-        MakeNumbers(*store_, kOrders, kProduct, TypeBit::kReference);
-        store_->AddDbClass(kOrders, kProduct, Classes::kDatabase);
-        store_->SetDbTable(kOrders, kProduct, kProducts);
-        store_->SetDbSource(kOrders, kProduct, kName);
-        MakeText(*store_, kOrders, kNote);
+        using namespace Fixtures;
+        AddTable(*store_, L"Products", {Integer(L"Key"), Text(L"Name")}, kProductCount);
+        AddTable(*store_, L"Orders",
+                 {Integer(L"Key"), Fixtures::Number(L"Quantity"), Integer(L"Priority"),
+                  Reference(L"Product", kProducts, kName), Text(L"Note")},
+                 records_);
         Fill();
     }
 
@@ -103,13 +75,11 @@ public:
 private:
     void Fill() {
         std::mt19937 random(23);
-        store_->SetCurrentDbSize(kProducts, kProductCount);
         for (std::int32_t product = 0; product < kProductCount; ++product) {
             store_->SetDbValue(kProducts, kKey, product, product + 1.0);
             store_->SetDbString(kProducts, kName, product, RandomText(random));
         }
         store_->AddIndexToColumn(kProducts, kKey);
-        store_->SetCurrentDbSize(kOrders, records_);
         for (std::int32_t record = 0; record < records_; ++record) {
             store_->SetDbValue(kOrders, kKey, record, record + 1.0);
             store_->SetDbValue(kOrders, kQuantity, record, static_cast<double>(random()) / 1000.0);
@@ -133,12 +103,6 @@ const Plant& DataOf(const benchmark::State& state) {
     return *data;
 }
 
-void Report(benchmark::State& state) {
-    state.counters["each"] =
-        benchmark::Counter(static_cast<double>(state.range(0)),
-                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void Sort(benchmark::State& state, std::vector<SortDetails> details) {
     const Plant& data = DataOf(state);
     std::vector<std::int32_t> records;
@@ -146,7 +110,7 @@ void Sort(benchmark::State& state, std::vector<SortDetails> details) {
         KSDLL_SortToVector(data.Store(), kOrders, details, records);
         benchmark::DoNotOptimize(records.data());
     }
-    Report(state);
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
 // `key_of` gives the key of a record; the records follow in the order of their keys.
@@ -165,7 +129,7 @@ void SortExtracted(benchmark::State& state, KeyOf key_of) {
         std::ranges::transform(keys, records.begin(), [](const auto& key) { return key.second; });
         benchmark::DoNotOptimize(records.data());
     }
-    Report(state);
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
 struct CloseCollator {
@@ -191,79 +155,44 @@ std::unique_ptr<UCollator, CloseCollator> OpenCollator() {
     return collator;
 }
 
-class Database {
-public:
-    explicit Database(const Plant& data) {
-        Check(sqlite3_open(":memory:", &handle_));
-        Execute("create table products (key integer primary key, name text)");
-        Execute("create table orders (key integer primary key, quantity real, priority real, product integer, "
-                "note text)");
-        Execute("begin");
-        MemoryResidentData& store = data.Store();
-        sqlite3_stmt* insert = Prepare("insert into products values (?, ?)");
-        for (std::int32_t product = 0; product < kProductCount; ++product) {
-            sqlite3_bind_int(insert, 1, product + 1);
-            BindText(insert, 2, store.GetDbString(kProducts, kName, product));
-            Step(insert);
+void BindText(const Statement& statement, int place, const std::wstring& text) {
+    sqlite3_bind_text(statement.get(), place, ToUtf8(text).c_str(), -1, SQLITE_TRANSIENT);
+}
+
+void FillDatabase(Database& database, const Plant& data) {
+    database.Execute("create table products (key integer primary key, name text);"
+                     "create table orders (key integer primary key, quantity real, priority real, product integer, "
+                     "note text); begin");
+    const Statement products = database.Prepare("insert into products values (?, ?)");
+    for (std::int32_t product = 0; product < kProductCount; ++product) {
+        sqlite3_bind_int(products.get(), 1, product + 1);
+        BindText(products, 2, data.Store().GetDbString(kProducts, kName, product));
+        RunOnce(products);
+    }
+    const Statement orders = database.Prepare("insert into orders values (?, ?, ?, ?, ?)");
+    for (std::int32_t record = 0; record < data.Records(); ++record) {
+        for (const OrderField field : {kKey, kQuantity, kPriority, kProduct}) {
+            sqlite3_bind_double(orders.get(), 1 + field, data.Number(field, record));
         }
-        sqlite3_finalize(insert);
-        insert = Prepare("insert into orders values (?, ?, ?, ?, ?)");
-        for (std::int32_t record = 0; record < data.Records(); ++record) {
-            for (const OrderField field : {kKey, kQuantity, kPriority, kProduct}) {
-                sqlite3_bind_double(insert, 1 + field, data.Number(field, record));
-            }
-            BindText(insert, 1 + kNote, store.GetDbString(kOrders, kNote, record));
-            Step(insert);
-        }
-        sqlite3_finalize(insert);
-        Execute("commit");
+        BindText(orders, 1 + kNote, data.Store().GetDbString(kOrders, kNote, record));
+        RunOnce(orders);
     }
-
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
-
-    ~Database() { sqlite3_close(handle_); }
-
-    sqlite3_stmt* Prepare(const std::string& sql) {
-        sqlite3_stmt* statement = nullptr;
-        Check(sqlite3_prepare_v2(handle_, sql.c_str(), -1, &statement, nullptr));
-        return statement;
-    }
-
-private:
-    static void BindText(sqlite3_stmt* statement, int place, const std::wstring& text) {
-        sqlite3_bind_text(statement, place, ToUtf8(text).c_str(), -1, SQLITE_TRANSIENT);
-    }
-
-    static void Step(sqlite3_stmt* statement) {
-        sqlite3_step(statement);
-        sqlite3_reset(statement);
-    }
-
-    static void Check(int code) {
-        if (code != SQLITE_OK) {
-            throw std::runtime_error(sqlite3_errstr(code));
-        }
-    }
-
-    void Execute(const char* sql) { Check(sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr)); }
-
-    sqlite3* handle_ = nullptr;
-};
+    database.Execute("commit");
+}
 
 void Select(benchmark::State& state, const char* order) {
-    Database database(DataOf(state));
-    sqlite3_stmt* const select = database.Prepare(std::string("select orders.key from orders ") + order);
+    Database database;
+    FillDatabase(database, DataOf(state));
+    const Statement select = database.Prepare(std::string("select orders.key from orders ") + order);
     for (auto _ : state) {
         std::int64_t sum = 0;
-        while (sqlite3_step(select) == SQLITE_ROW) {
-            sum += sqlite3_column_int64(select, 0);
+        while (sqlite3_step(select.get()) == SQLITE_ROW) {
+            sum += sqlite3_column_int64(select.get(), 0);
         }
-        sqlite3_reset(select);
+        sqlite3_reset(select.get());
         benchmark::DoNotOptimize(sum);
     }
-    sqlite3_finalize(select);
-    Report(state);
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
 void NumberSort(benchmark::State& state) {
@@ -330,7 +259,7 @@ void FreeTextIcuKeysMade(benchmark::State& state) {
         std::ranges::stable_sort(sorted, {}, [](const auto* key) -> const std::string& { return key->first; });
         benchmark::DoNotOptimize(sorted.data());
     }
-    Report(state);
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
 void FreeTextSqlite(benchmark::State& state) {

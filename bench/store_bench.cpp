@@ -3,13 +3,12 @@
 // "ByHand" takes two array steps and one virtual call into another library; "Vector" reads or writes a bare vector.
 // Patterns: one column of a million records in order, the same at random, and cells at random over eight formats of ten
 // fields. Every figure "each" is the time of one access.
+#include "fixtures/schema.h"
+#include "measure.h"
 #include "peer_column.h"
 
-#include <kestrona/classes.h>
-#include <kestrona/process.h>
 #include <kestrona/store.h>
 
-#include <benchmark/benchmark.h>
 #include <boost/unordered/unordered_flat_map.hpp>
 
 #include <algorithm>
@@ -20,6 +19,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using namespace Kestrona::Data::MemoryResident;
 
 enum class Pattern {
@@ -86,22 +86,12 @@ constexpr std::size_t kAllCells =
     std::size_t{kLongFields} * kLongRecords + std::size_t{kSmallFormats} * kSmallFields * kSmallRecords;
 
 void AddFormat(MemoryResidentData& store, std::int32_t fields, std::int32_t records, bool tracked) {
-    const std::int32_t format = store.GetFormatCount();
-    store.SetFormatCount(format + 1);
-    store.SetDbName(format, KSDLL_AddText((L"Format " + std::to_wstring(format)).c_str()));
-    store.SetDbFields(format, fields);
-    store.CreateDbFieldInfo(format, fields);
-    store.SetDbKey(format, 0);
-    for (std::int32_t field = 0; field < fields; ++field) {
-        store.SetDbType(format, field, TypeBit::kReal);
-        if (!tracked) {
-            store.AddDbClass(format, field, Classes::kExcludeFromDb);
-        }
+    Fixtures::Field field;
+    if (!tracked) {
+        field.classes = {Classes::kExcludeFromDb};
     }
-    for (std::int32_t field = 0; field < fields; ++field) {
-        store.CreateDbValues(format, field);
-    }
-    store.SetCurrentDbSize(format, records);
+    Fixtures::AddTable(store, L"Format " + std::to_wstring(store.GetFormatCount()),
+                       std::vector(static_cast<std::size_t>(fields), field), records);
 }
 
 // The untracked formats first, then the tracked ones; every cell but the keys holds 1.0.
@@ -152,11 +142,6 @@ PeerColumn& At(const std::vector<PeerFormat>& formats, const Cell& cell) {
     return *formats[static_cast<std::size_t>(cell.format)].fields[static_cast<std::size_t>(cell.field)];
 }
 
-void CountAccesses(benchmark::State& state, std::size_t accesses = kAccesses) {
-    state.counters["each"] = benchmark::Counter(
-        static_cast<double>(accesses), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void ReadStore(benchmark::State& state, Pattern pattern) {
     MemoryResidentData& store = Store();
     const std::vector<Cell> cells = Cells(pattern);
@@ -167,7 +152,7 @@ void ReadStore(benchmark::State& state, Pattern pattern) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountAccesses(state);
+    CountEach(state, static_cast<double>(kAccesses));
 }
 
 void ReadByHand(benchmark::State& state, Pattern pattern) {
@@ -180,7 +165,7 @@ void ReadByHand(benchmark::State& state, Pattern pattern) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountAccesses(state);
+    CountEach(state, static_cast<double>(kAccesses));
 }
 
 void ReadVector(benchmark::State& state, Pattern pattern) {
@@ -193,7 +178,7 @@ void ReadVector(benchmark::State& state, Pattern pattern) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountAccesses(state);
+    CountEach(state, static_cast<double>(kAccesses));
 }
 
 // Every write changes its cell: the value differs from round to round.
@@ -207,7 +192,7 @@ void WriteStore(benchmark::State& state, Pattern pattern, std::int32_t first_for
             store.SetDbValue(first_format + cell.format, cell.field, cell.record, value);
         }
     }
-    CountAccesses(state);
+    CountEach(state, static_cast<double>(kAccesses));
 }
 
 void WriteByHand(benchmark::State& state, Pattern pattern, MakeColumn make) {
@@ -220,7 +205,7 @@ void WriteByHand(benchmark::State& state, Pattern pattern, MakeColumn make) {
             At(formats, cell).SetValue(cell.record, value);
         }
     }
-    CountAccesses(state);
+    CountEach(state, static_cast<double>(kAccesses));
 }
 
 void WriteVector(benchmark::State& state, Pattern pattern) {
@@ -234,7 +219,7 @@ void WriteVector(benchmark::State& state, Pattern pattern) {
         }
         benchmark::ClobberMemory();
     }
-    CountAccesses(state);
+    CountEach(state, static_cast<double>(kAccesses));
 }
 
 #define KS_READS(name, pattern)                                                                                        \
@@ -254,29 +239,6 @@ KS_READS(random_cells, Pattern::RandomCells);
 KS_WRITES(in_order, Pattern::InOrder);
 KS_WRITES(random_records, Pattern::RandomRecords);
 KS_WRITES(random_cells, Pattern::RandomCells);
-
-// Changes n records of one field in random order, from a state without marks.
-void MarkRecords(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-    AddFormat(*store, 2, count, true);
-    std::vector<std::int32_t> records(static_cast<std::size_t>(count));
-    std::iota(records.begin(), records.end(), 0);
-    std::shuffle(records.begin(), records.end(), std::mt19937(3));
-    double value = 1.0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        store->ResetDbChanged(0);
-        value += 1.0;
-        state.ResumeTiming();
-        for (const std::int32_t record : records) {
-            store->SetDbValue(0, 1, record, value);
-        }
-    }
-    CountAccesses(state, records.size());
-}
-
-BENCHMARK(MarkRecords)->Arg(10000)->Arg(100000)->Arg(1000000);
 
 std::vector<double> KeysInRandomOrder(std::int32_t count) {
     std::vector<double> keys(static_cast<std::size_t>(count));
@@ -301,7 +263,7 @@ void LookupKey(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountAccesses(state, keys.size());
+    CountEach(state, static_cast<double>(keys.size()));
 }
 
 void LookupFlatMap(benchmark::State& state) {
@@ -318,18 +280,10 @@ void LookupFlatMap(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountAccesses(state, keys.size());
+    CountEach(state, static_cast<double>(keys.size()));
 }
 
 BENCHMARK(LookupKey)->Arg(10000)->Arg(100000)->Arg(1000000);
 BENCHMARK(LookupFlatMap)->Arg(10000)->Arg(100000)->Arg(1000000);
-
-void MakeStore(benchmark::State& state) {
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(CreateMemoryResidentData());
-    }
-}
-
-BENCHMARK(MakeStore)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -1,16 +1,13 @@
 // Display texts of a million cells through the shared library, field by field.
 //
-// "Field" reads the cell and makes its text; "Snprintf" prints the same numbers into a buffer of narrow characters, and
-// "Wformat" through a format object of the format library that is made for each number. Every figure "each" is the time
-// of one cell.
-#include <kestrona/classes.h>
-#include <kestrona/process.h>
+// "Field" reads the cell and makes its text; "Snprintf" prints the same numbers into a buffer of narrow characters.
+// Every figure "each" is the time of one cell.
+#include "fixtures/schema.h"
+#include "measure.h"
+
 #include <kestrona/services.h>
 #include <kestrona/store.h>
 #include <kestrona/value_text.h>
-
-#include <benchmark/benchmark.h>
-#include <boost/format.hpp>
 
 #include <cstdio>
 #include <memory>
@@ -19,6 +16,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kRecords = 1000000;
@@ -41,36 +39,10 @@ public:
     std::wstring GetMessage(std::int32_t) override { return L"Word"; }
 };
 
-std::int32_t AddFormat(MemoryResidentData& store, std::int32_t fields, std::int32_t records) {
-    const std::int32_t format = store.GetFormatCount();
-    store.SetFormatCount(format + 1);
-    store.SetDbName(format, KSDLL_AddText((L"Format " + std::to_wstring(format)).c_str()));
-    store.SetDbFields(format, fields);
-    store.CreateDbFieldInfo(format, fields);
-    store.SetDbKey(format, Key);
-    for (std::int32_t field = 0; field < fields; ++field) {
-        store.SetDbType(format, field, TypeBit::kReal);
-        store.AddDbClass(format, field, Classes::kExcludeFromDb);
-    }
-    store.SetCurrentDbSize(format, records);
-    return format;
-}
-
-void MakeColumns(MemoryResidentData& store, std::int32_t format) {
-    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        store.CreateDbValues(format, field);
-        if (store.ClassDefined(format, field, Classes::kFreeFormat)) {
-            store.CreateDbStrings(format, field);
-        }
-    }
-}
-
 // What a reference points at: keys from 0 on and a text.
 std::int32_t AddTargets(MemoryResidentData& store) {
-    const std::int32_t format = AddFormat(store, 2, kTargets);
-    store.SetDbType(format, 1, TypeBit::kReference);
-    store.AddDbClass(format, 1, Classes::kFreeFormat);
-    MakeColumns(store, format);
+    const std::int32_t format =
+        Fixtures::AddTable(store, L"Targets", {Fixtures::Number(L"Key"), Fixtures::Text(L"Name")}, kTargets);
     for (std::int32_t record = 0; record < kTargets; ++record) {
         store.SetDbValue(format, Key, record, record);
         store.SetDbString(format, 1, record, L"Target number " + std::to_wstring(record));
@@ -105,22 +77,22 @@ Table MakeTable() {
     Table table;
     MemoryResidentData& store = *table.store;
     const std::int32_t targets = AddTargets(store);
-    table.format = AddFormat(store, Columns, kRecords);
-    store.SetDbClassString(table.format, Formatted, L"FORMAT(MAX 10.3)");
-    store.SetDbType(table.format, Integer, TypeBit::kInteger);
-    store.SetDbType(table.format, Date, TypeBit::kDateTime);
-    store.SetDbType(table.format, Duration, TypeBit::kDuration);
-    store.AddDbClass(table.format, Substituted, Classes::kSubstitute);
     std::wstring substitutes;
     for (int value = 0; value < 10; ++value) {
         substitutes += L"SUBSTITUTE(" + std::to_wstring(value) + L"->\"Text of " + std::to_wstring(value) + L"\") ";
     }
-    store.SetDbClassString(table.format, Substituted, substitutes);
-    store.SetDbType(table.format, Reference, TypeBit::kReference);
-    store.AddDbClass(table.format, Reference, Classes::kDatabase);
-    store.SetDbTable(table.format, Reference, targets);
-    store.SetDbSource(table.format, Reference, 1);
-    MakeColumns(store, table.format);
+    std::vector<Fixtures::Field> fields(Columns);
+    fields[Formatted].classification = L"FORMAT(MAX 10.3)";
+    fields[Integer].type = TypeBit::kInteger;
+    fields[Date].type = TypeBit::kDateTime;
+    fields[Duration].type = TypeBit::kDuration;
+    fields[Substituted].classes = {Classes::kSubstitute};
+    fields[Substituted].classification = substitutes;
+    fields[Reference] = Fixtures::Reference(L"Reference", targets, 1);
+    for (Fixtures::Field& field : fields) {
+        field.classes.push_back(Classes::kExcludeFromDb);
+    }
+    table.format = Fixtures::AddTable(store, L"Cells", fields, kRecords);
     Fill(store, table.format);
     return table;
 }
@@ -128,11 +100,6 @@ Table MakeTable() {
 const Table& TheTable() {
     static const Table table = MakeTable();
     return table;
-}
-
-void CountCells(benchmark::State& state, std::int32_t cells) {
-    state.counters["each"] =
-        benchmark::Counter(cells, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void Field(benchmark::State& state, Column column) {
@@ -144,7 +111,7 @@ void Field(benchmark::State& state, Column column) {
             benchmark::DoNotOptimize(text.data());
         }
     }
-    CountCells(state, kRecords);
+    CountEach(state, kRecords);
 }
 
 void Snprintf(benchmark::State& state, Column column, const char* format) {
@@ -156,31 +123,15 @@ void Snprintf(benchmark::State& state, Column column, const char* format) {
             benchmark::DoNotOptimize(text);
         }
     }
-    CountCells(state, kRecords);
-}
-
-void Wformat(benchmark::State& state, Column column, const wchar_t* format) {
-    constexpr std::int32_t kCells = kRecords / 10;
-    const Table& table = TheTable();
-    for (auto _ : state) {
-        for (std::int32_t record = 0; record < kCells; ++record) {
-            const std::wstring text =
-                (boost::wformat(format) % table.store->GetDbValue(table.format, column, record)).str();
-            benchmark::DoNotOptimize(text.data());
-        }
-    }
-    CountCells(state, kCells);
+    CountEach(state, kRecords);
 }
 
 BENCHMARK_CAPTURE(Field, Real, Real)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Snprintf, Real, Real, "%.2f")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Wformat, Real, Real, L"%.2lf")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Field, Formatted, Formatted)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Snprintf, Formatted, Formatted, "%10.3f")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Wformat, Formatted, Formatted, L"%10.3lf")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Field, Integer, Integer)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Snprintf, Integer, Integer, "%.0f")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Wformat, Integer, Integer, L"%.0lf")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Field, Date, Date)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Field, Duration, Duration)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Field, Substituted, Substituted)->Unit(benchmark::kMillisecond);

@@ -1,11 +1,10 @@
 // Following a path for a million records, beside the same key lookups made by hand, which keep the references of each
 // format in a bare vector. Every figure "each" is the time of one record; the argument is the depth of the path.
-#include <kestrona/classes.h>
-#include <kestrona/process.h>
+#include "fixtures/schema.h"
+#include "measure.h"
+
 #include <kestrona/store.h>
 #include <kestrona/tracked_values.h>
-
-#include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <memory>
@@ -17,6 +16,7 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Bench;
 using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kStartRecords = 1000000;
@@ -62,20 +62,12 @@ private:
     };
 
     void MakeFormat(std::int32_t format) {
-        store_->SetFormatCount(format + 1);
-        store_->SetDbName(format, KSDLL_AddText(std::to_wstring(format).c_str()));
-        store_->SetDbFields(format, 2);
-        store_->CreateDbFieldInfo(format, 2);
-        store_->SetDbType(format, 0, TypeBit::kInteger);
-        store_->SetDbType(format, kReference, TypeBit::kReal);
-        store_->SetDbTable(format, kReference, format + 1);
-        store_->SetDbSource(format, kReference, 0);
-        if (format + 1 < depth_) {
-            store_->AddDbClass(format, kReference, Classes::kDatabase);
+        Fixtures::Field reference = Fixtures::Reference(L"Next", format + 1, 0);
+        reference.type = TypeBit::kReal;
+        if (format + 1 == depth_) {
+            reference.classes.clear();
         }
-        store_->SetDbKey(format, 0);
-        store_->CreateDbValues(format, 0);
-        store_->CreateDbValues(format, kReference);
+        Fixtures::AddTable(*store_, std::to_wstring(format), {Fixtures::Integer(L"Key"), reference});
         Fill(format, format == 0 ? kStartRecords : kRecords);
     }
 
@@ -119,8 +111,7 @@ void Run(benchmark::State& state, Read read) {
         }
         benchmark::DoNotOptimize(sum);
     }
-    state.counters["each"] =
-        benchmark::Counter(kStartRecords, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    CountEach(state, kStartRecords);
 }
 
 void FollowPath(benchmark::State& state) {

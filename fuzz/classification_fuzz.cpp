@@ -1,16 +1,13 @@
 #include "configuration/parsers/parser_cases.h"
+#include "fixtures/schema.h"
+#include "fuzz.h"
 #include "platform/wide_c_string.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/classification_readers.h>
 #include <kestrona/store.h>
-#include <kestrona/unicode.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <string>
-#include <string_view>
 #include <vector>
 
 // Every parser and every reader over one classification string. Parsers find what their patterns find alone, and the
@@ -19,18 +16,13 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Configuration::Parsers;
 using Kestrona::Data::MemoryResident::MemoryResidentData;
 
 // A pattern alone gives up on a longer text sooner than a parser does.
 constexpr std::size_t kPatternsEndUpTo = 100;
 constexpr std::size_t kPatternsCompareUpTo = 4096;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void CheckAgainstPattern(const ParsersTest::ParserCase& c, const std::wstring& text) {
     const ClassificationMatch expected = ParsersTest::MatchByPattern(c, text, 0);
@@ -87,11 +79,7 @@ void CheckEntries(const SubstituteClassificationParserBase& parser, const std::v
 
 std::unique_ptr<MemoryResidentData> StoreOfOneField() {
     std::unique_ptr<MemoryResidentData> store = Kestrona::Data::MemoryResident::CreateMemoryResidentData();
-    store->SetFormatCount(1);
-    store->CreateDbFieldInfo(0, 1);
-    store->SetDbFields(0, 1);
-    store->SetColumnName(0, 0, L"Column");
-    store->AddDbClass(0, 0, Classes::kSubstitute);
+    Fixtures::AddFormat(*store, L"Format", {{.name = L"Column", .classes = {Classes::kSubstitute}}}, -1);
     return store;
 }
 
@@ -134,7 +122,7 @@ void CheckFieldReaders(const std::wstring& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::wstring text = FromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
+    std::wstring text = TextOf(data, size);
     CheckParsers(text);
     // A classification string that the store holds ends at its first null character.
     text.resize(text.find(L'\0') == std::wstring::npos ? text.size() : text.find(L'\0'));

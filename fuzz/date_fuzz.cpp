@@ -1,15 +1,10 @@
+#include "fuzz.h"
 #include "platform/locale_dates.h"
 
 #include <kestrona/dates.h>
 #include <kestrona/durations.h>
-#include <kestrona/services.h>
-#include <kestrona/unicode.h>
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
 // The readers of typed dates and times of day. The first byte chooses the user's locale; the rest is the text in UTF-8.
 // What was read is shown and read again.
@@ -17,22 +12,11 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 
 constexpr double kUntouched = 4711.25;
 constexpr double kUnset = -1.0;
 constexpr std::int32_t kGood = 0;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-// A host that knows the word for an unset value.
-class Words : public CoreMessage {
-public:
-    std::wstring GetMessage(std::int32_t id) override { return id == 0x698a ? L"Unset" : std::wstring(); }
-};
 
 void ChooseLocale(std::uint8_t choice) {
     constexpr std::array kLayouts{DateLayout::MonthDayYear, DateLayout::DayMonthYear, DateLayout::YearMonthDay,
@@ -83,13 +67,13 @@ void CheckTime(const std::wstring& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool installed = (MessageManager::setInstance(new Words()), true);
+    static const bool installed = Words::Install();
     Require(installed);
     if (size == 0) {
         return 0;
     }
     ChooseLocale(data[0]);
-    const std::wstring text = FromUtf8({reinterpret_cast<const char*>(data + 1), size - 1});
+    const std::wstring text = TextOf(data + 1, size - 1);
     CheckDate(text);
     CheckTime(text);
     return 0;

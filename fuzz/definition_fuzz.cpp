@@ -1,8 +1,9 @@
+#include "fuzz.h"
+
 #include <kestrona/host/definition.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,15 +13,10 @@
 
 namespace {
 
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Host;
 
 constexpr std::size_t kMostDiagnostics = 202;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void CheckPlaces(const ParseResult& result) {
     Require(result.diagnostics.size() <= kMostDiagnostics);

@@ -1,13 +1,9 @@
+#include "fuzz.h"
+
 #include <kestrona/durations.h>
-#include <kestrona/services.h>
-#include <kestrona/unicode.h>
 
 #include <array>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
 // The reader of typed durations. The first byte chooses the kind of duration and the format of its minutes; the rest is
 // the text in UTF-8. What was read is shown and read again.
@@ -15,43 +11,11 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 
 constexpr double kUntouched = 4711.25;
 constexpr double kUnset = -1.0;
 constexpr double kMinute = 1.0 / 1440.0;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-// A host with the words that durations are shown and read with.
-class Words : public CoreMessage {
-public:
-    std::wstring GetMessage(std::int32_t id) override {
-        constexpr std::int32_t kFirstWeekday = 0x6999;
-        constexpr std::array kWeekdays{L"Sunday",   L"Monday", L"Tuesday", L"Wednesday",
-                                       L"Thursday", L"Friday", L"Saturday"};
-        if (id >= kFirstWeekday && id < kFirstWeekday + 7) {
-            return kWeekdays[static_cast<std::size_t>(id - kFirstWeekday)];
-        }
-        switch (id) {
-        case 0x698a:
-            return L"Unset";
-        case 0x69a0:
-            return L"Day";
-        case 0x69a1:
-            return L"Hours";
-        case 0x69a2:
-            return L"Days";
-        case 0x69a3:
-            return L"Minutes";
-        default:
-            return {};
-        }
-    }
-};
 
 // How a duration is shown, and how such a text is read.
 struct Form {
@@ -110,12 +74,12 @@ void CheckText(const std::wstring& text, const Form& form, const Minutes& minute
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool installed = (MessageManager::setInstance(new Words()), true);
+    static const bool installed = Words::Install();
     Require(installed);
     if (size == 0) {
         return 0;
     }
-    const std::wstring text = FromUtf8({reinterpret_cast<const char*>(data + 1), size - 1});
+    const std::wstring text = TextOf(data + 1, size - 1);
     CheckText(text, kForms[data[0] & 3U], ChooseMinutes(data[0] >> 2U & 3U));
     return 0;
 }

@@ -1,3 +1,4 @@
+#include "fuzz.h"
 #include "platform/base64.h"
 
 #include <kestrona/encryption.h>
@@ -6,11 +7,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string>
 
 // Any text read as an encrypted and as a protected one: a plain text or one of the told failures. The text itself comes
 // back from both. What decodes from base64 encodes to a text that decodes to the same bytes.
@@ -18,13 +17,8 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Encryption;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 // The key of the user is a fixed one, so that a corpus may hold protected texts. It is read once and kept, so its
 // folder goes again.
@@ -72,7 +66,7 @@ void CheckRoundTrip(const std::wstring& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::wstring text = FromUtf8({reinterpret_cast<const char*>(data), size});
+    const std::wstring text = TextOf(data, size);
     if (const auto bytes = Platform::DecodeBase64(text)) {
         Require(Platform::DecodeBase64(Platform::EncodeBase64(*bytes)) == bytes);
     }

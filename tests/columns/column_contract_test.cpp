@@ -189,11 +189,6 @@ protected:
         }
     }
 
-    static RecordNumbers Numbers(FindResult* result) {
-        const std::unique_ptr<FindResult> owned(result);
-        return {owned->begin(), owned->end()};
-    }
-
     std::mt19937 random_{42};
     ColumnTwin<T> twin_ = Case::Twin();
     std::unique_ptr<IColumn<T>> column_{Case::Make()};

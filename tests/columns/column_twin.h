@@ -32,6 +32,12 @@ inline bool Same(const std::wstring& a, const std::wstring& b) {
     return a == b;
 }
 
+// The records of a result, which goes.
+inline RecordNumbers Numbers(FindResult* result) {
+    const std::unique_ptr<FindResult> owned(result);
+    return {owned->begin(), owned->end()};
+}
+
 template <typename T>
 class ColumnTwin {
 public:

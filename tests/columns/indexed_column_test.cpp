@@ -17,11 +17,6 @@ using namespace Kestrona::Data::MemoryResident;
 
 using Doubles = std::unique_ptr<IColumn<double>>;
 
-RecordNumbers Numbers(FindResult* result) {
-    const std::unique_ptr<FindResult> owned(result);
-    return {owned->begin(), owned->end()};
-}
-
 // Records 0 to 5 with the values 0 1 2 0 1 2.
 Doubles MakeIndexed() {
     auto column = std::make_unique<DoubleColumn>(new NullRecordStateStrategy, 0.0);

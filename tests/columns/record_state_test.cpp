@@ -151,17 +151,5 @@ TEST(RecordStateStrategy, AskingForAStateMakesTheFormatCountAsChanged) {
     EXPECT_TRUE(format.changedRecords.IsEmpty());
 }
 
-TEST(RecordStateStrategy, SuspendedTimestampsStandStillWhileMarksGoOn) {
-    formats_info format;
-    DoubleColumn column(new RecordStateStrategy(&format, 0), 0.0);
-    format.timestampSuspendCount = 2;
-    column.SetValue(3, 1.0);
-    column.Erase(3, 8.0);
-    column.Clear(true);
-    EXPECT_EQ(format.timestamp, 0);
-    EXPECT_EQ(column.GetRecordState(3), 2);
-    EXPECT_TRUE(format.erasedKeys.contains(8.0));
-}
-
 } // namespace
 } // namespace Kestrona::Testing

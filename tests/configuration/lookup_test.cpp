@@ -1,6 +1,5 @@
 #include "configuration/auto_list_chain.h"
 #include "configuration/classification_finder.h"
-#include "configuration/column_sharing.h"
 #include "configuration/definition_fixture.h"
 #include "configuration/record_choosers.h"
 #include "configuration/reference_lookup.h"
@@ -183,29 +182,6 @@ TEST_F(Lookup, KeepsTheFieldsThatChooseARecordWhileTheirReferencesChange) {
         const std::int32_t target = Pick(4);
         ASSERT_EQ(choosers.Of(format, target).checked, WalkChoosers(store_, format, target, false));
         ASSERT_EQ(choosers.Of(format, target).unchecked, WalkChoosers(store_, format, target, true));
-    }
-}
-
-TEST_F(Lookup, FindsTheFieldThatClosesARingOfSharedColumns) {
-    constexpr std::int32_t kFields = 12;
-    for (std::int32_t format = 0; format < 300; ++format) {
-        ColumnSharing sharing;
-        sharing.Begin(format, kFields);
-        std::vector<std::int32_t> targets(kFields, -1);
-        for (std::int32_t field = 0; field < kFields; ++field) {
-            if (Pick(3) == 0) {
-                continue;
-            }
-            std::int32_t owner = Pick(kFields);
-            const std::int32_t target = owner;
-            while (targets[static_cast<std::size_t>(owner)] >= 0) {
-                owner = targets[static_cast<std::size_t>(owner)];
-            }
-            ASSERT_EQ(sharing.Enter(field, target), owner != field);
-            if (owner != field) {
-                targets[static_cast<std::size_t>(field)] = target;
-            }
-        }
     }
 }
 

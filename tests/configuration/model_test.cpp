@@ -248,15 +248,6 @@ TEST_F(Model, ForgetsTheOriginalOfAFreedField) {
     EXPECT_TRUE(store_.GetParentSortEnabled(0, 0));
 }
 
-TEST_F(Model, KeepsADisplayNameApartFromTheFieldsOfAFormat) {
-    Add(L"T", {Real(L"A", L"")});
-    TableDefinition table(store_, 0);
-    table.set_DisplayName(L"Shown");
-    Column(0).KeepOriginal();
-    table.RestoreOriginal();
-    EXPECT_EQ(table.get_DisplayName(), L"Shown");
-}
-
 TEST_F(Model, FindsFormatsAndFieldsByTheirExactNames) {
     Add(L"Orders", {Fixtures::Number(L"Key"), Real(L"Sum", L"")}, 1);
     Add(L"Lines", {Real(L"Key", L"SYSTEMDB")}, -1);

@@ -41,7 +41,11 @@ protected:
         succeeded_ = RunRelationshipPass(store_);
         Snapshot after = TakeSnapshot(store_);
         std::erase_if(after, [](const auto& item) { return !item.first.starts_with(L"Orders."); });
-        return Differences(before, after);
+        std::wstring changes = Differences(before, after);
+        for (std::size_t at = changes.find(L"Orders."); at != std::wstring::npos; at = changes.find(L"Orders.")) {
+            changes.erase(at, 7);
+        }
+        return changes;
     }
 
     bool succeeded_ = false;
@@ -49,8 +53,8 @@ protected:
 
 struct Related {
     Field x;
-    std::vector<Field> more; // fields 5 and up
-    const wchar_t* changes;
+    const wchar_t* changes;       // of fields of Orders
+    std::vector<Field> more = {}; // fields 5 and up
 };
 
 void PrintTo(const Related& each, std::ostream* out) {
@@ -58,86 +62,66 @@ void PrintTo(const Related& each, std::ostream* out) {
 }
 
 const Related kRelated[] = {
-    {Real(L"X", L""), {}, L""},
-    {Real(L"X", L"LOOKUP SOURCE(Products(Code))"), {}, L""},
-    {Real(L"X", L"SOURCE(Products(Line)) UPDATE REFERENCE(Plain)", {Classes::kUpdateReference}),
-     {},
-     L"Orders.X.tableY=3"},
+    {Real(L"X", L""), L""},
+    {Real(L"X", L"LOOKUP SOURCE(Products(Code))"), L""},
+    {Real(L"X", L"SOURCE(Products(Line)) UPDATE REFERENCE(Plain)", {Classes::kUpdateReference}), L"X.tableY=3"},
     {Real(L"X", L"SOURCE(Products(Name)) UPDATE REFERENCE(Plain)", {Classes::kUpdateReference, Classes::kUnchecked}),
-     {},
-     L"Orders.X.tableY=3"},
-    {Matrix(L"X", L"RELATED LIST(List)"), {}, L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+2:128 Orders.X.tableY=2"},
-    {Matrix(L"X", L"RELATED LIST"), {}, L""},
+     L"X.tableY=3"},
+    {Matrix(L"X", L"RELATED LIST(List)"), L"X.+0:2 X.+0:4 X.+2:128 X.tableY=2"},
+    {Matrix(L"X", L"RELATED LIST"), L""},
     {Matrix(L"X", L"ASSOCIATE(List)"),
-     {},
-     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+1:2 Orders.X.+3:131072 Orders.X.[0]=2 Orders.X.source=0 "
-     L"Orders.X.sourceY=0 Orders.X.table=0 Orders.X.tableY=1"},
+     L"X.+0:2 X.+0:4 X.+1:2 X.+3:131072 X.[0]=2 X.source=0 X.sourceY=0 X.table=0 X.tableY=1"},
     {Matrix(L"X", L"ASSOCIATE(List)", {Classes::kParallelList}),
-     {},
-     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+3:131072 Orders.X.[0]=2 Orders.X.source=0 Orders.X.sourceY=0 "
-     L"Orders.X.table=0 Orders.X.tableY=1"},
+     L"X.+0:2 X.+0:4 X.+3:131072 X.[0]=2 X.source=0 X.sourceY=0 X.table=0 X.tableY=1"},
     {Matrix(L"X", L"ASSOCIATE(List) AUTO DIMENSION(A,Orders(Plain),B,Products(Name))"),
-     {},
-     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+3:131072 Orders.X.[0]=2"},
+     L"X.+0:2 X.+0:4 X.+3:131072 X.[0]=2"},
     {Matrix(L"X", L"ASSOCIATE(Values)"),
-     {Matrix(L"Values", L"DATA LIST")},
-     L"Orders.X.+0:2 Orders.X.+0:4 Orders.X.+1:2 Orders.X.+3:131072 Orders.X.[0]=5 Orders.X.source=0 "
-     L"Orders.X.table=0"},
-    {Matrix(L"X", L"AUTO RESTRICT(List)"), {}, L"Orders.X.+2:2097152 Orders.X.[8]=2"},
-    {Real(L"X", L"FAMILY(Plain)"),
-     {},
-     L"Orders.Plain.+0:134217728 Orders.Plain.+4:32768 Orders.Plain.parentSort=0 Orders.X.+0:33554432 "
-     L"Orders.X.table=3"},
+     L"X.+0:2 X.+0:4 X.+1:2 X.+3:131072 X.[0]=5 X.source=0 X.table=0",
+     {Matrix(L"Values", L"DATA LIST")}},
+    {Matrix(L"X", L"AUTO RESTRICT(List)"), L"X.+2:2097152 X.[8]=2"},
+    {Real(L"X", L"FAMILY(Plain)"), L"Plain.+0:134217728 Plain.+4:32768 Plain.parentSort=0 X.+0:33554432 X.table=3"},
     // The field that chooses the record
     {Matrix(L"X", L"DATABASE(Products(Grid))"),
-     {Real(L"Product", L"DATABASE(Products(Code))")},
-     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0"},
+     L"X.matrixField=2 X.related=5 X.source=0",
+     {Real(L"Product", L"DATABASE(Products(Code))")}},
     {Matrix(L"X", L"AUTO LIST(Products(Grid))"),
-     {Real(L"Product", L"DATABASE(Products(Code))")},
-     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0"},
+     L"X.matrixField=2 X.related=5 X.source=0",
+     {Real(L"Product", L"DATABASE(Products(Code))")}},
     {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     L"Shared.tableY=3 X.matrixField=2 X.related=10 X.source=0",
      {Matrix(L"Wide", L"DATABASE(Products(Code))"), Real(L"Loose", L"DATABASE(Products(Name))"),
       Real(L"Shared", L"DATABASE(Products(Code)) ADDITIONAL REFERENCE(Plain)", {Classes::kAdditionalReference}),
       Real(L"Other", L"DATABASE(Orders(Key))"), Real(L"Quiet", L"DATABASE(Products(Code))", {Classes::kUnchecked}),
-      Real(L"Product", L"DATABASE(Products(Code))")},
-     L"Orders.Shared.tableY=3 Orders.X.matrixField=2 Orders.X.related=10 Orders.X.source=0"},
+      Real(L"Product", L"DATABASE(Products(Code))")}},
     {Matrix(L"X", L"DATABASE(Products(Grid))"),
-     {Real(L"Quiet", L"DATABASE(Products(Code))", {Classes::kUnchecked})},
-     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0"},
+     L"X.matrixField=2 X.related=5 X.source=0",
+     {Real(L"Quiet", L"DATABASE(Products(Code))", {Classes::kUnchecked})}},
     {Matrix(L"X", L"DATABASE(Products(Grid)) RELATED FIELD(Plain)"),
-     {Real(L"One", L"DATABASE(Products(Code))"), Real(L"Two", L"DATABASE(Products(Code))")},
-     L"Orders.X.matrixField=2 Orders.X.source=0"},
+     L"X.matrixField=2 X.source=0",
+     {Real(L"One", L"DATABASE(Products(Code))"), Real(L"Two", L"DATABASE(Products(Code))")}},
+    {Matrix(L"X", L"DATABASE(Orders(List))"), L"X.matrixField=2 X.related=0 X.source=0 X.table=1"},
     {Matrix(L"X", L"DATABASE(Orders(List))"),
-     {},
-     L"Orders.X.matrixField=2 Orders.X.related=0 Orders.X.source=0 "
-     L"Orders.X.table=1"},
-    {Matrix(L"X", L"DATABASE(Orders(List))"),
+     L"X.matrixField=2 X.related=5 X.source=0 X.table=1",
      {Real(L"One", L"DATABASE(Orders(No))", {Classes::kUnchecked}),
-      Real(L"Two", L"DATABASE(Orders(No))", {Classes::kUnchecked}), Real(L"No", L"", {Classes::kUnique})},
-     L"Orders.X.matrixField=2 Orders.X.related=5 Orders.X.source=0 Orders.X.table=1"},
+      Real(L"Two", L"DATABASE(Orders(No))", {Classes::kUnchecked}), Real(L"No", L"", {Classes::kUnique})}},
     // Fields that lean on another one
-    {Real(L"X", L"ADDITIONAL REFERENCE(Plain)", {Classes::kAdditionalReference}), {}, L"Orders.X.tableY=3"},
-    {Real(L"X", L"ADDITIONAL REFERENCE(Plain)"), {}, L""},
-    {Real(L"X", L"OVERRIDE(Plain)", {Classes::kOverride}), {}, L"Orders.X.tableY=3"},
-    {Real(L"X", L"OVERRIDE", {Classes::kOverride}), {}, L""},
-    {Real(L"X", L"AUTO SPLIT(Plain:2)", {Classes::kAutoSplit}), {}, L"Orders.X.tableY=3"},
-    {Real(L"X", L"AUTO SPLIT(Nothing)"), {}, L""},
-    {Real(L"X", L"", {Classes::kInheritFromParent}), {}, L"Orders.X.parentSort=0"},
-    {{.name = L"X", .type = TypeBit::kReference, .classes = {Classes::kEncrypted, Classes::kFreeFormat}}, {}, L""},
+    {Real(L"X", L"ADDITIONAL REFERENCE(Plain)", {Classes::kAdditionalReference}), L"X.tableY=3"},
+    {Real(L"X", L"ADDITIONAL REFERENCE(Plain)"), L""},
+    {Real(L"X", L"OVERRIDE(Plain)", {Classes::kOverride}), L"X.tableY=3"},
+    {Real(L"X", L"OVERRIDE", {Classes::kOverride}), L""},
+    {Real(L"X", L"AUTO SPLIT(Plain:2)", {Classes::kAutoSplit}), L"X.tableY=3"},
+    {Real(L"X", L"AUTO SPLIT(Nothing)"), L""},
+    {Real(L"X", L"", {Classes::kInheritFromParent}), L"X.parentSort=0"},
+    {{.name = L"X", .type = TypeBit::kReference, .classes = {Classes::kEncrypted, Classes::kFreeFormat}}, L""},
 };
 
 class RelatedKeyword : public RelationshipPass, public testing::WithParamInterface<Related> {};
 
-TEST_P(RelatedKeyword, ChangesExactlyWhatItStandsFor) {
+TEST_P(RelatedKeyword, ChangesExactlyWhatItStandsForAndNothingMoreTheNextTime) {
     Define(GetParam().x, GetParam().more);
     EXPECT_EQ(Relate(), GetParam().changes);
     EXPECT_TRUE(succeeded_);
     EXPECT_EQ(Boxes(), L"");
-}
-
-TEST_P(RelatedKeyword, IsTheSameWhenTheDefinitionIsResolvedAgain) {
-    Define(GetParam().x, GetParam().more);
-    Relate();
     const Snapshot first = TakeSnapshot(store_);
     ASSERT_TRUE(RunFieldPass(store_) && RunRelationshipPass(store_)) << Boxes().c_str();
     EXPECT_EQ(Differences(first, TakeSnapshot(store_)), L"");
@@ -147,8 +131,8 @@ INSTANTIATE_TEST_SUITE_P(RelationshipPass, RelatedKeyword, testing::ValuesIn(kRe
 
 struct Refused {
     Field x;
-    std::vector<Field> more;
     const wchar_t* box;
+    std::vector<Field> more = {};
 };
 
 void PrintTo(const Refused& each, std::ostream* out) {
@@ -157,83 +141,73 @@ void PrintTo(const Refused& each, std::ostream* out) {
 
 const Refused kRefused[] = {
     {Real(L"X", L"LOOKUP SOURCE(Products(Line))"),
-     {},
      L"LOOKUP SOURCE classification in Format 'Orders' Field 'X' references a field that is not UNIQUE"},
     {Real(L"X", L"LOOKUP SOURCE(Orders(No))"),
-     {Real(L"No", L"", {Classes::kUnique})},
-     L"LOOKUP SOURCE classification in Format 'Orders' Field 'X' references a field that is not INHERIT FROM PARENT"},
+     L"LOOKUP SOURCE classification in Format 'Orders' Field 'X' references a field that is not INHERIT FROM PARENT",
+     {Real(L"No", L"", {Classes::kUnique})}},
     {Real(L"X", L"DATABASE(Orders(Key)) LOOKUP SOURCE(Products(Code)) LOOKUP UPDATE(Code)"),
-     {},
      L"LOOKUP UPDATE classification in Format 'Orders' Field 'X' is a DATABASE reference but the referenced field is "
      L"not a DATABASE reference"},
     {Real(L"X", L"DATABASE(Orders(Key)) LOOKUP SOURCE(Orders(To)) LOOKUP UPDATE(To)"),
-     {Real(L"To", L"DATABASE(Products(Code))", {Classes::kUnique, Classes::kInheritFromParent})},
      L"LOOKUP UPDATE classification in Format 'Orders' Field 'X' is a DATABASE reference but the table is different to "
-     L"the table in the referenced field"},
+     L"the table in the referenced field",
+     {Real(L"To", L"DATABASE(Products(Code))", {Classes::kUnique, Classes::kInheritFromParent})}},
     {Real(L"X", L"SOURCE(Products(Name))", {Classes::kUpdateReference}),
-     {},
      L"<21085|Products|Orders><21086|Name><21087|X><21088>"},
     {Real(L"X", L"SOURCE(Products(Line)) DATABASE(Products(Code))", {Classes::kUpdateReference}),
-     {},
      L"<21085|Products|Orders><21086|Line><21087|X><21089>"},
-    {Matrix(L"X", L"RELATED LIST(Plain)"), {}, L"<21018><21017|Orders|X>"},
-    {Matrix(L"X", L"RELATED LIST(None)"), {}, L"<21004|RELATED LIST(None)|Orders><21003|None>"},
+    {Matrix(L"X", L"RELATED LIST(Plain)"), L"<21018><21017|Orders|X>"},
+    {Matrix(L"X", L"RELATED LIST(None)"), L"<21004|RELATED LIST(None)|Orders><21003|None>"},
     {{.name = L"X", .type = TypeBit::kMatrix | TypeBit::kReal, .classification = L"RELATED LIST(List)"},
-     {},
      L"<21019><21017|Orders|X>"},
-    {Matrix(L"X", L"ASSOCIATE(Plain)"), {}, L"<21021><21017|Orders|X>"},
-    {Real(L"X", L"ASSOCIATE(List)"), {}, L"<21022><21017|Orders|X>"},
-    {Real(L"X", L"AUTO RESTRICT(List)"), {}, L"<21508><21017|Orders|X>"},
-    {Matrix(L"X", L"ASSOCIATE(None)"), {}, L"<21004|ASSOCIATE(None)|Orders><21003|None>"},
-    {Matrix(L"X", L"AUTO RESTRICT(None)"), {}, L"<21004|AUTO RESTRICT(None)|Orders><21003|None>"},
+    {Matrix(L"X", L"ASSOCIATE(Plain)"), L"<21021><21017|Orders|X>"},
+    {Real(L"X", L"ASSOCIATE(List)"), L"<21022><21017|Orders|X>"},
+    {Real(L"X", L"AUTO RESTRICT(List)"), L"<21508><21017|Orders|X>"},
+    {Matrix(L"X", L"ASSOCIATE(None)"), L"<21004|ASSOCIATE(None)|Orders><21003|None>"},
+    {Matrix(L"X", L"AUTO RESTRICT(None)"), L"<21004|AUTO RESTRICT(None)|Orders><21003|None>"},
     {Real(L"X", L"ADDITIONAL REFERENCE(None)", {Classes::kAdditionalReference}),
-     {},
      L"<21004|ADDITIONAL REFERENCE(None)|Orders><21003|None>"},
-    {Real(L"X", L"OVERRIDE(None)", {Classes::kOverride}), {}, L"<21004|OVERRIDE(None)|Orders><21003|None>"},
+    {Real(L"X", L"OVERRIDE(None)", {Classes::kOverride}), L"<21004|OVERRIDE(None)|Orders><21003|None>"},
     {Real(L"X", L"UPDATE REFERENCE(None)", {Classes::kUpdateReference}),
-     {},
      L"<21004|UPDATE REFERENCE(None)|Orders><21003|None>"},
-    {Real(L"X", L"UPDATE REFERENCE", {Classes::kUpdateReference}), {}, L"<21004|UPDATE REFERENCE|Orders><21003|>"},
-    {Real(L"X", L"AUTO SPLIT(None)", {Classes::kAutoSplit}), {}, L"<21004|AUTO SPLIT(None)|Orders><21003|None>"},
-    {Real(L"X", L"FAMILY(None)"), {}, L"<21004|FAMILY(None)|Orders><21003|None>"},
-    {Matrix(L"X", L"DATABASE(Products(Grid))"), {}, L"<21028|Products><21029|Orders|X>"},
+    {Real(L"X", L"UPDATE REFERENCE", {Classes::kUpdateReference}), L"<21004|UPDATE REFERENCE|Orders><21003|>"},
+    {Real(L"X", L"AUTO SPLIT(None)", {Classes::kAutoSplit}), L"<21004|AUTO SPLIT(None)|Orders><21003|None>"},
+    {Real(L"X", L"FAMILY(None)"), L"<21004|FAMILY(None)|Orders><21003|None>"},
+    {Matrix(L"X", L"DATABASE(Products(Grid))"), L"<21028|Products><21029|Orders|X>"},
     {Matrix(L"X", L"DATABASE(Products(Grid))"),
-     {Real(L"One", L"DATABASE(Products(Code))"), Real(L"Two", L"DATABASE(Products(Code))")},
-     L"<21026|Products|Orders|Two><21027|One|X>"},
+     L"<21026|Products|Orders|Two><21027|One|X>",
+     {Real(L"One", L"DATABASE(Products(Code))"), Real(L"Two", L"DATABASE(Products(Code))")}},
     {Matrix(L"X", L"DATABASE(Products(Grid))"),
+     L"<21026|Products|Orders|Two><21027|One|X>",
      {Real(L"One", L"DATABASE(Products(Code))", {Classes::kUnchecked}),
-      Real(L"Two", L"DATABASE(Products(Code))", {Classes::kUnchecked})},
-     L"<21026|Products|Orders|Two><21027|One|X>"},
-    {Real(L"X", L"ADDITIONAL REFERENCE(X)", {Classes::kAdditionalReference}), {}, L"<21032|Orders><21003|X>"},
+      Real(L"Two", L"DATABASE(Products(Code))", {Classes::kUnchecked})}},
+    {Real(L"X", L"ADDITIONAL REFERENCE(X)", {Classes::kAdditionalReference}), L"<21032|Orders><21003|X>"},
     {Real(L"X", L"ADDITIONAL REFERENCE", {Classes::kAdditionalReference}),
-     {},
      L"<21004|ADDITIONAL REFERENCE|Orders><21003|>"},
-    {Real(L"X", L"", {Classes::kAdditionalReference}), {}, L"<21033|Orders|X>"},
+    {Real(L"X", L"", {Classes::kAdditionalReference}), L"<21033|Orders|X>"},
     {Real(L"X", L"ADDITIONAL REFERENCE(Z)", {Classes::kAdditionalReference}),
+     L"<21032|Orders><21003|Z>",
      {Real(L"Y", L"ADDITIONAL REFERENCE(X)", {Classes::kAdditionalReference}),
-      Real(L"Z", L"ADDITIONAL REFERENCE(Y)", {Classes::kAdditionalReference})},
-     L"<21032|Orders><21003|Z>"},
-    {Real(L"X", L"OVERRIDE(Text)", {Classes::kOverride}), {}, L"<21113|Orders|X>"},
-    {Matrix(L"X", L"OVERRIDE(List)", {Classes::kOverride}), {}, L"<21111|Orders|X>"},
+      Real(L"Z", L"ADDITIONAL REFERENCE(Y)", {Classes::kAdditionalReference})}},
+    {Real(L"X", L"OVERRIDE(Text)", {Classes::kOverride}), L"<21113|Orders|X>"},
+    {Matrix(L"X", L"OVERRIDE(List)", {Classes::kOverride}), L"<21111|Orders|X>"},
     {Real(L"X", L"OVERRIDE(Note)", {Classes::kOverride}),
-     {Real(L"Note", L"", {Classes::kFreeFormat})},
-     L"<21112|Orders|X>"},
+     L"<21112|Orders|X>",
+     {Real(L"Note", L"", {Classes::kFreeFormat})}},
     {Real(L"X", L"OVERRIDE(Plain) UPDATE REFERENCE(Plain)", {Classes::kOverride, Classes::kUpdateReference}),
-     {},
      L"<21114|Orders|X>"},
     {Real(L"X", L"DATABASE(Products(Code)) UPDATE REFERENCE(X)", {Classes::kUpdateReference}),
-     {},
      L"<21031|Orders><21003|X>"},
-    {Real(L"X", L"UPDATE REFERENCE(Plain)", {Classes::kUpdateReference}), {}, L"<21096|Orders><21003|X>"},
-    {Real(L"X", L"DATABASE(Products(Code))", {Classes::kUpdateReference}), {}, L"<21038|Orders|X>"},
-    {Real(L"X", L"AUTO SPLIT(X)", {Classes::kAutoSplit}), {}, L"<21035|Orders><21003|X>"},
+    {Real(L"X", L"UPDATE REFERENCE(Plain)", {Classes::kUpdateReference}), L"<21096|Orders><21003|X>"},
+    {Real(L"X", L"DATABASE(Products(Code))", {Classes::kUpdateReference}), L"<21038|Orders|X>"},
+    {Real(L"X", L"AUTO SPLIT(X)", {Classes::kAutoSplit}), L"<21035|Orders><21003|X>"},
     {Real(L"X", L"AUTO SPLIT(Both)", {Classes::kAutoSplit}),
-     {{.name = L"Both", .type = TypeBit::kReal | TypeBit::kInteger}},
-     L"<21036|Orders><21003|X>"},
-    {Real(L"X", L"DATABASE(Products(Code))", {Classes::kFreeFormat}), {}, L"<29012|Orders|X>"},
-    {Real(L"X", L"", {Classes::kEncrypted, Classes::kEvaluate, Classes::kStringStorage}), {}, L"<31100|Orders|X>"},
-    {Real(L"X", L"", {Classes::kEncrypted, Classes::kStringStorage}), {}, L"<31101|Orders|X>"},
-    {Real(L"X", L"", {Classes::kEncrypted}), {}, L"<31102|Orders|X>"},
+     L"<21036|Orders><21003|X>",
+     {{.name = L"Both", .type = TypeBit::kReal | TypeBit::kInteger}}},
+    {Real(L"X", L"DATABASE(Products(Code))", {Classes::kFreeFormat}), L"<29012|Orders|X>"},
+    {Real(L"X", L"", {Classes::kEncrypted, Classes::kEvaluate, Classes::kStringStorage}), L"<31100|Orders|X>"},
+    {Real(L"X", L"", {Classes::kEncrypted, Classes::kStringStorage}), L"<31101|Orders|X>"},
+    {Real(L"X", L"", {Classes::kEncrypted}), L"<31102|Orders|X>"},
 };
 
 class RefusedRelation : public RelationshipPass, public testing::WithParamInterface<Refused> {};

@@ -1,17 +1,8 @@
 // What expressions read by way of matrices and of display texts, and chains of such reads.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/expression_parsing.h>
-#include <kestrona/matrices.h>
-#include <kestrona/store.h>
 #include <kestrona/value_text.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace Kestrona::Expressions {
 
@@ -20,7 +11,7 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-class Reads : public testing::Test {
+class Reads : public RecordedStoreTest {
 protected:
     INativeExpression* Compile(std::int32_t format, std::int32_t field, const std::wstring& text,
                                bool is_string = false) {
@@ -42,16 +33,7 @@ protected:
         EXPECT_EQ(KSDLL_MatrixEvaluateExpression(*store, record, matrix_index, expression.get(), &result), 0.0);
         return result;
     }
-
-    FreshProcess process;
-    RecordingLogger& logger = InstallRecordingLogger();
-    RecordingMessages& messages = InstallRecordingMessages();
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
 };
-
-Field CalculatedText(const std::wstring& name) {
-    return {.name = name, .type = TypeBit::kReference, .classes = {Classes::kEvaluate, Classes::kFreeFormat}};
-}
 
 // A matrix of numbers in the group of field 0.
 Field GroupMatrix(const std::wstring& name, double default_value, std::vector<Class> classes = {}) {

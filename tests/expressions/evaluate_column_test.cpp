@@ -1,17 +1,10 @@
 // The columns of calculated fields: always current, searched like a scan, bounded where they read each other.
 #include "expressions/tree_builder.h"
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/evaluate_columns.h>
 #include <kestrona/record_state.h>
-#include <kestrona/store.h>
 #include <kestrona/unicode.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <random>
 
 namespace Kestrona {
 
@@ -21,28 +14,12 @@ using namespace Data::MemoryResident;
 using namespace Expressions;
 using namespace Fixtures;
 
-RecordNumbers Take(FindResult* result) {
-    const std::unique_ptr<FindResult> owned(result);
-    EXPECT_TRUE(owned->OwnsRecords());
-    return {owned->begin(), owned->end()};
-}
-
-class CalculatedFields : public testing::Test {
+class CalculatedFields : public RecordedStoreTest {
 protected:
     void Calculate(std::int32_t format, std::int32_t field, const Expression& tree) {
         store->SetDbEvaluateExpression(format, field, new Expression(tree));
     }
-
-    FreshProcess process;
-    RecordingLogger& logger = InstallRecordingLogger();
-    RecordingMessages& messages = InstallRecordingMessages();
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
 };
-
-// A field of its own text that is calculated from others.
-Field CalculatedText(const std::wstring& name) {
-    return {.name = name, .type = TypeBit::kReference, .classes = {Classes::kEvaluate, Classes::kFreeFormat}};
-}
 
 TEST_F(CalculatedFields, AreAlwaysCurrent) {
     const std::int32_t format = AddTable(*store, L"Orders",

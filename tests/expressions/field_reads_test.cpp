@@ -1,13 +1,6 @@
 // Reads of fields and script variables, as numbers and as texts.
 #include "expressions/tree_builder.h"
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
+#include "fixtures/store_test.h"
 
 namespace Kestrona::Expressions {
 
@@ -18,7 +11,7 @@ using namespace Fixtures;
 
 const wchar_t* const kNoNumber = L"Evaluation Error: Could not convert field string to double";
 
-class FieldReads : public testing::Test {
+class FieldReads : public RecordedStoreTest {
 protected:
     double Evaluate(Expression tree, std::int32_t record, std::wstring* text = nullptr) {
         return KSDLL_EvaluateExpression(*store, record, &tree, text);
@@ -47,10 +40,6 @@ protected:
         }
     }
 
-    FreshProcess process;
-    RecordingLogger& logger = InstallRecordingLogger();
-    RecordingMessages& messages = InstallRecordingMessages();
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
     std::int32_t format = -1;
 };
 

@@ -1,18 +1,11 @@
-// Random expressions, printed with no more brackets than the levels of the language ask for and with many more, against
-// values that the test computes as it makes them.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+// The parser and the trees against values that are told while random expressions are written: one by one, in blocks of
+// records and for scratch records.
+#include "fixtures/store_test.h"
 
 #include <kestrona/expression_parsing.h>
-#include <kestrona/store.h>
 
-#include <gtest/gtest.h>
-
+#include <array>
 #include <cmath>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace Kestrona::Expressions {
 
@@ -20,6 +13,12 @@ namespace {
 
 using namespace Data::MemoryResident;
 using namespace Fixtures;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::size_t kPeriod = 3; // a record reads like the third one before it
+
+using Values = std::array<double, kPeriod>;
 
 // How tight a text binds: an operand must bind at least as tight as its place asks.
 enum Level : std::int32_t {
@@ -36,35 +35,83 @@ enum Level : std::int32_t {
 struct Printed {
     std::wstring text;
     Level level;
-    double value;
+    Values values;
 };
+
+double ValueOf(const std::wstring& symbol, double a, double b) {
+    switch (symbol.front()) {
+    case L'=':
+        return a == b ? 1.0 : 0.0;
+    case L'!':
+        return a == b ? 0.0 : 1.0;
+    case L'<':
+        return (symbol == L"<" ? a < b : a <= b) ? 1.0 : 0.0;
+    case L'>':
+        return (symbol == L">" ? a > b : a >= b) ? 1.0 : 0.0;
+    case L'&':
+        return a != 0.0 && b != 0.0 ? 1.0 : 0.0;
+    case L'|':
+        return a != 0.0 || b != 0.0 ? 1.0 : 0.0;
+    case L'+':
+        return a + b;
+    case L'-':
+        return a - b;
+    case L'*':
+        return a * b;
+    case L'/':
+        return b == 0.0 ? 0.0 : a / b;
+    case L'%':
+        return std::fmod(a, b);
+    default:
+        return std::pow(a, b);
+    }
+}
+
+const wchar_t* const kFunctions[] = {L"-",         L"+",        L"!",         L"FUNC_ABS", L"FUNC_TRUNC", L"FUNC_CEIL",
+                                     L"FUNC_FRAC", L"FUNC_RND", L"FUNC_SQRT", L"FUNC_LN",  L"FUNC_LOG"};
+
+double ValueOf(std::size_t function, double x) {
+    switch (function) {
+    case 0:
+        return -1.0 * x;
+    case 1:
+        return x;
+    case 2:
+        return x == 0.0 ? 1.0 : 0.0;
+    case 3:
+        return std::signbit(x) ? -x : x;
+    case 4:
+        return std::floor(x);
+    case 5:
+        return -std::floor(-x);
+    case 6: // a whole part that is no 32-bit number counts as the least one
+        return std::fabs(x) < 2147483648.0 ? x - (std::trunc(x) + 0.0) : x + 2147483648.0;
+    case 7:
+        return x > 0.0 ? std::floor(x + 0.5) : std::ceil(x - 0.5);
+    case 8:
+        return std::sqrt(x);
+    case 9:
+        return std::log(x);
+    default:
+        return std::log10(x);
+    }
+}
 
 class Generator {
 public:
-    Generator(std::uint32_t seed, const std::vector<double>& cells) : random_(seed), cells_(cells) {}
+    Generator(std::uint32_t seed, const std::vector<Values>& cells) : random_(seed), cells_(cells) {}
 
     Printed Any(int depth) {
-        if (depth == 0) {
-            return Leaf();
-        }
-        switch (Below(8)) {
-        case 0:
-            return Leaf();
-        case 1:
-            return Prefix(depth);
-        case 2:
-            return Function(depth);
-        case 3:
-            return List(depth);
-        default:
-            return Operator(depth);
-        }
+        const std::uint32_t kind = depth == 0 ? 0 : Below(8);
+        return kind == 0 ? Leaf() : kind < 3 ? Function(depth) : kind == 3 ? List(depth) : Operator(depth);
     }
 
     std::wstring Blank() { return std::wstring(Below(4) == 0 ? 1 + Below(2) : 0, L" \t\n"[Below(3)]); }
 
 private:
-    std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(random_() % bound); }
+    std::uint32_t Below(std::size_t bound) { return static_cast<std::uint32_t>(random_() % bound); }
+
+    static Values Everywhere(double value) { return {value, value, value}; }
 
     // With the brackets that the place needs, and sometimes with some that it does not.
     std::wstring At(const Printed& operand, Level least) {
@@ -76,27 +123,21 @@ private:
     }
 
     Printed Leaf() {
-        switch (Below(8)) {
-        case 0:
-        case 1:
-        case 2: {
-            const std::uint32_t field = Below(static_cast<std::uint32_t>(cells_.size()));
-            return {L"{" + Blank() + L"#" + Blank() + L"F" + std::to_wstring(field) + Blank() + L"}", kPrimary,
-                    cells_[field]};
+        const std::uint32_t kind = Below(8);
+        if (kind < 3) {
+            const std::uint32_t field = Below(cells_.size());
+            const std::wstring mark = Below(2) == 0 ? L"#" + Blank() : L"";
+            return {L"{" + Blank() + mark + L"F" + std::to_wstring(field) + Blank() + L"}", kPrimary, cells_[field]};
         }
-        case 3:
-            return Comparison();
-        case 4: {
+        if (kind == 4) {
             const std::uint32_t number = static_cast<std::uint32_t>(random_());
             std::wstring digits;
             for (std::uint32_t rest = number; digits.empty() || rest != 0; rest /= 16) {
                 digits.insert(0, 1, L"0123456789abcDEF"[rest % 16]);
             }
-            return {L"0x" + digits, kPrimary, static_cast<double>(number)};
+            return {L"0x" + digits, kPrimary, Everywhere(number)};
         }
-        default:
-            return Decimal();
-        }
+        return kind == 3 ? Comparison() : Decimal();
     }
 
     Printed Decimal() {
@@ -109,34 +150,17 @@ private:
             text.insert(text.size() - decimals, 1, L'.');
             value /= std::pow(10.0, decimals);
         }
-        if (Below(5) == 0) {
-            return {L"-" + text, kPrimary, -value};
-        }
-        return {text, kPrimary, value};
+        const bool is_negative = Below(5) == 0;
+        return {(is_negative ? L"-" : L"") + text, kPrimary, Everywhere(is_negative ? -value : value)};
     }
 
     Printed Comparison() {
         const std::wstring left = Word();
         const std::wstring right = Word();
-        const int order = left.compare(right);
-        const std::wstring text = Quoted(left) + Blank();
-        const std::wstring end = Blank() + Quoted(right);
-        switch (Below(7)) {
-        case 0:
-            return {text + L"==" + end, kPrimary, order == 0 ? 1.0 : 0.0};
-        case 1:
-            return {text + L"!=" + end, kPrimary, order != 0 ? 1.0 : 0.0};
-        case 2:
-            return {text + L"<" + end, kPrimary, order < 0 ? 1.0 : 0.0};
-        case 3:
-            return {text + L"<=" + end, kPrimary, order <= 0 ? 1.0 : 0.0};
-        case 4:
-            return {text + L">" + end, kPrimary, order > 0 ? 1.0 : 0.0};
-        case 5:
-            return {text + L">=" + end, kPrimary, order >= 0 ? 1.0 : 0.0};
-        default:
-            return {text + L"@" + end, kPrimary, right.find(left) != std::wstring::npos ? 1.0 : 0.0};
-        }
+        const std::wstring symbol = std::vector<std::wstring>{L"==", L"!=", L"<", L"<=", L">", L">=", L"@"}[Below(7)];
+        const double value = symbol == L"@" ? (right.find(left) != std::wstring::npos ? 1.0 : 0.0)
+                                            : ValueOf(symbol, left.compare(right), 0.0);
+        return {Quoted(left) + Blank() + symbol + Blank() + Quoted(right), kPrimary, Everywhere(value)};
     }
 
     std::wstring Word() {
@@ -149,135 +173,112 @@ private:
 
     std::wstring Quoted(const std::wstring& word) { return L"~\""[Below(2)] + word + L"~\""[Below(2)]; }
 
-    Printed Prefix(int depth) {
-        const Printed operand = Any(depth - 1);
-        // A blank keeps a sign from becoming part of a number, where "-0x1" would be the number -0 and a rest.
-        const std::wstring text = (operand.text.starts_with(L"0x") ? L" " : L"") + At(operand, kPrimary);
-        switch (Below(3)) {
-        case 0:
-            return {L"-" + text, kPrefix, -operand.value};
-        case 1:
-            return {L"+" + text, kPrefix, operand.value};
-        default:
-            return {L"!" + text, kPrefix, operand.value == 0.0 ? 1.0 : 0.0};
-        }
-    }
-
     Printed Function(int depth) {
-        const Printed operand = Any(depth - 1);
-        const double x = operand.value;
-        const std::wstring text = At(operand, kPrimary);
-        switch (Below(7)) {
-        case 0:
-            return {L"FUNC_ABS" + text, kPrefix, x < 0.0 ? -x : x == 0.0 ? 0.0 : x};
-        case 1:
-            return {L"FUNC_TRUNC" + text, kPrefix, std::floor(x)};
-        case 2:
-            return {L"FUNC_CEIL" + text, kPrefix, std::ceil(x)};
-        case 3:
-            return {L"FUNC_RND" + text, kPrefix, x > 0.0 ? std::floor(x + 0.5) : std::ceil(x - 0.5)};
-        case 4:
-            return {L"FUNC_SQRT" + text, kPrefix, std::sqrt(x)};
-        case 5:
-            return {L"FUNC_LN" + text, kPrefix, std::log(x)};
-        default:
-            return {L"FUNC_LOG" + text, kPrefix, std::log10(x)};
+        Printed operand = Any(depth - 1);
+        const std::uint32_t function = Below(std::size(kFunctions));
+        // A blank keeps a sign from becoming part of a number, where "-0x1" would be the number -0 and a rest.
+        const std::wstring blank = operand.text.starts_with(L"0x") ? L" " : L"";
+        const std::wstring text = kFunctions[function] + blank + At(operand, kPrimary);
+        for (double& value : operand.values) {
+            value = ValueOf(function, value);
         }
+        return {text, kPrefix, operand.values};
     }
 
     Printed List(int depth) {
         const bool is_max = Below(2) == 0;
-        Printed first = Any(depth - 1);
+        const Printed first = Any(depth - 1);
         std::wstring text = At(first, kPrefix);
-        double value = first.value;
+        Values values = first.values;
         for (std::uint32_t more = Below(3); more > 0; --more) {
             const Printed next = Any(depth - 1);
             text += L"," + At(next, kPrefix);
-            value = (is_max ? next.value > value : next.value < value) ? next.value : value;
+            for (std::size_t i = 0; i < kPeriod; ++i) {
+                const double value = next.values[i];
+                values[i] = (is_max ? value > values[i] : value < values[i]) ? value : values[i];
+            }
         }
-        return {(is_max ? L"FUNC_MAX(" : L"FUNC_MIN(") + text + L")", kList, value};
+        return {(is_max ? L"FUNC_MAX(" : L"FUNC_MIN(") + text + L")", kList, values};
     }
 
     Printed Operator(int depth) {
+        static const std::vector<std::wstring> symbols[] = {
+            {L"==", L"!="}, {L"<", L"<=", L">", L">="}, {L"&&", L"||"}, {L"+", L"-"}, {L"*", L"/", L"%", L"^"}};
         const auto level = static_cast<Level>(Below(kList));
         const Printed left = Any(depth - 1);
         const Printed right = Any(depth - 1);
-        const std::uint32_t choice = Below(4);
-        const std::wstring symbol = SymbolOf(level, choice);
-        return {At(left, level) + symbol + At(right, static_cast<Level>(level + 1)), level,
-                ValueOf(symbol, left.value, right.value)};
-    }
-
-    static std::wstring SymbolOf(Level level, std::uint32_t choice) {
-        switch (level) {
-        case kEquality:
-            return choice % 2 == 0 ? L"==" : L"!=";
-        case kRelation:
-            return std::vector<std::wstring>{L"<", L"<=", L">", L">="}[choice];
-        case kLogic:
-            return choice % 2 == 0 ? L"&&" : L"||";
-        case kSum:
-            return choice % 2 == 0 ? L"+" : L"-";
-        default:
-            return std::wstring(1, L"*/%^"[choice]);
+        const std::wstring symbol = symbols[level][Below(symbols[level].size())];
+        Values values{};
+        for (std::size_t i = 0; i < kPeriod; ++i) {
+            values[i] = ValueOf(symbol, left.values[i], right.values[i]);
         }
-    }
-
-    static double ValueOf(const std::wstring& symbol, double a, double b) {
-        switch (symbol.front()) {
-        case L'=':
-            return a == b ? 1.0 : 0.0;
-        case L'!':
-            return a == b ? 0.0 : 1.0;
-        case L'<':
-            return (symbol == L"<" ? a < b : a <= b) ? 1.0 : 0.0;
-        case L'>':
-            return (symbol == L">" ? a > b : a >= b) ? 1.0 : 0.0;
-        case L'&':
-            return a != 0.0 && b != 0.0 ? 1.0 : 0.0;
-        case L'|':
-            return a != 0.0 || b != 0.0 ? 1.0 : 0.0;
-        case L'+':
-            return a + b;
-        case L'-':
-            return a - b;
-        case L'*':
-            return a * b;
-        case L'/':
-            return b == 0.0 ? 0.0 : a / b;
-        case L'%':
-            return std::fmod(a, b);
-        default:
-            return std::pow(a, b);
-        }
+        return {At(left, level) + symbol + At(right, static_cast<Level>(level + 1)), level, values};
     }
 
     std::mt19937 random_;
-    const std::vector<double>& cells_;
+    const std::vector<Values>& cells_;
 };
 
-TEST(GrammarDifferential, GivesTheValuesOfRandomExpressions) {
-    const FreshProcess process;
-    const std::vector<double> cells{0.0, 1.0, -1.0, 2.5, -1e9, 1e300, 0.001, 7.0};
-    const auto store = CreateMemoryResidentData();
-    std::vector<Field> fields;
-    for (std::size_t field = 0; field < cells.size(); ++field) {
-        fields.push_back(Number(L"F" + std::to_wstring(field)));
+class GrammarDifferential : public StoreTest {
+protected:
+    static constexpr std::int32_t kRecords = 1200;
+    static constexpr std::int32_t kScratch = 4;
+
+    // The last two fields are an integer and a toggle.
+    void FillCells() {
+        constexpr double kNumbers[] = {0.0, 1.0, -1.0, 2.5, -1e9, 1e300, 0.001, 7.0, kNan, kInfinity, -2.5, 3e9};
+        std::vector<Field> fields;
+        for (std::size_t field = 0; field < std::size(kNumbers) + 2; ++field) {
+            const std::wstring name = L"F" + std::to_wstring(field);
+            fields.push_back(field < 12 ? Number(name) : field == 12 ? Integer(name) : Toggle(name));
+        }
+        AddTable(*store, L"T", fields, kRecords);
+        for (std::int32_t i = 0; i < kRecords + kScratch; ++i) {
+            const std::int32_t record = i < kRecords ? i : kFirstScratchRecord + i - kRecords;
+            for (std::size_t field = 0; field < fields.size(); ++field) {
+                const double number = kNumbers[(field + 5 * (static_cast<std::size_t>(i) % kPeriod)) % 12];
+                store->SetDbValue(0, static_cast<std::int32_t>(field), record, number);
+            }
+        }
+        for (std::size_t field = 0; field < fields.size(); ++field) {
+            for (std::size_t i = 0; i < kPeriod; ++i) {
+                cells.resize(fields.size());
+                cells[field][i] = store->GetDbValue(0, static_cast<std::int32_t>(field), static_cast<std::int32_t>(i));
+            }
+        }
     }
-    const std::int32_t format = AddTable(*store, L"T", fields, 1);
-    for (std::size_t field = 0; field < cells.size(); ++field) {
-        store->SetDbValue(format, static_cast<std::int32_t>(field), 0, cells[field]);
+
+    void ExpectValues(const double* found, std::int32_t count, const Values& expected, const std::wstring& text) {
+        for (std::int32_t i = 0; i < count; ++i) {
+            const double value = expected[static_cast<std::size_t>(i) % kPeriod];
+            ASSERT_TRUE(std::isnan(value) ? std::isnan(found[i])
+                                          : found[i] == value && std::signbit(found[i]) == std::signbit(value))
+                << testing::PrintToString(text) << " gives " << found[i] << ", not " << value << " at " << i;
+        }
     }
+
+    std::vector<Values> cells;
+};
+
+TEST_F(GrammarDifferential, GivesTheValuesOfRandomExpressions) {
+    FillCells();
     Generator generator(20240229, cells);
-    for (int i = 0; i < 100000; ++i) {
+    std::vector<double> block(kRecords);
+    for (int i = 0; i < 60000; ++i) {
         const Printed expected = generator.Any(i % 5);
         const std::wstring text = generator.Blank() + expected.text + generator.Blank();
-        const std::unique_ptr<INativeExpression> expression(
-            KSDLL_CreateExpression(*store, format, text, false, nullptr));
+        const std::unique_ptr<INativeExpression> expression(KSDLL_CreateExpression(*store, 0, text, false, nullptr));
         ASSERT_NE(expression, nullptr) << testing::PrintToString(text);
-        const double value = KSDLL_EvaluateExpression(*store, 0, expression.get(), nullptr);
-        ASSERT_TRUE(value == expected.value || (std::isnan(value) && std::isnan(expected.value)))
-            << testing::PrintToString(text) << " gives " << value << ", not " << expected.value;
+        for (std::size_t record = 0; record < kPeriod; ++record) {
+            block[record] =
+                KSDLL_EvaluateExpression(*store, static_cast<std::int32_t>(record), expression.get(), nullptr);
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectValues(block.data(), kPeriod, expected.values, text));
+        const std::int32_t count = i % 100 == 99 ? kRecords : 4;
+        expression->EvaluateBlock(*store, 0, count, block.data());
+        ASSERT_NO_FATAL_FAILURE(ExpectValues(block.data(), count, expected.values, text));
+        expression->EvaluateBlock(*store, kFirstScratchRecord, kScratch, block.data());
+        ASSERT_NO_FATAL_FAILURE(ExpectValues(block.data(), kScratch, expected.values, text));
     }
 }
 

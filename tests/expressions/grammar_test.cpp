@@ -1,20 +1,9 @@
 // Texts and the trees or failures that they give.
 #include "expressions/parse_names.h"
 #include "expressions/tree_dump.h"
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/expression_parsing.h>
-#include <kestrona/process.h>
-#include <kestrona/record_search.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace Kestrona::Expressions {
 
@@ -37,7 +26,7 @@ struct Case {
     std::wstring result; // a tree, or "message @position"
 };
 
-class Grammar : public testing::Test {
+class Grammar : public StoreTest {
 protected:
     Grammar() {
         plant = AddFormat(*store, L"Plant",
@@ -70,8 +59,6 @@ protected:
     }
 
     inline static ExpressionErrorInfo last;
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
     std::int32_t plant;
     std::int32_t script;
 };
@@ -98,20 +85,6 @@ TEST_F(Grammar, ReadsConstants) {
            {L"0x", L"Unexpected symbol 'x'  @2"},
            {L"0x100000000", L"Unexpected symbol 'x'  @2"},
            {L"1.5.5", L"Unexpected symbol '.'  @4"}});
-}
-
-TEST_F(Grammar, RanksItsOperators) {
-    Check({{L"1 - 2 - 3", L"(- (- 1 2) 3)"},
-           {L"1 == 2 == 3", L"(== (== 1 2) 3)"},
-           {L"2*3^2", L"(^ (* 2 3) 2)"},
-           {L"8/4*2%3", L"(% (* (/ 8 4) 2) 3)"},
-           {L"1 == 2 && 3 == 4", L"(== (== 1 (&& 2 3)) 4)"},
-           {L"1<2!=3>=4", L"(!= (< 1 2) (>= 3 4))"},
-           {L"1 > 2 <= 3", L"(<= (> 1 2) 3)"},
-           {L"1 + 2 && 3 || 4 - 5 * 6", L"(|| (&& (+ 1 2) 3) (- 4 (* 5 6)))"},
-           {L"(1 + 2) * ((3))", L"(* (+ 1 2) 3)"},
-           {L"1 -1", L"(- 1 1)"},
-           {L"2^-1", L"(^ 2 -1)"}});
 }
 
 TEST_F(Grammar, ReadsPrefixesAndFunctions) {

@@ -64,6 +64,17 @@ TEST(Visitors, MeetEveryLeafFromLeftToRight) {
     EXPECT_EQ(root.Depth(), 4);
 }
 
+TEST(Lists, TakeAFunctionOfTheHost) {
+    const auto spread = [](const std::vector<double>& values) {
+        return values.back() - values.front() + static_cast<double>(values.size());
+    };
+    Expression list = Make<ListExpression>(std::vector{Constant(1), Constant(9), Constant(5)}, spread);
+    const auto store = CreateMemoryResidentData();
+    double block[2] = {};
+    list.EvaluateBlock(*store, 0, 2, block);
+    EXPECT_TRUE(block[0] == 7.0 && block[1] == 7.0 && list.Evaluate(*store, 0, -1, nullptr) == 7.0);
+}
+
 TEST(Depth, ChainsOfAnyLengthAreTakenDownAndSharedPartsStay) {
     Expression chain = Constant(1);
     Expression middle;

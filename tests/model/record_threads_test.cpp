@@ -1,19 +1,9 @@
 // Searches of one format from several threads, with a writer in between. To be run under the thread sanitizer.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-
-#include <kestrona/record_search.h>
-#include <kestrona/records.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
+#include "fixtures/store_test.h"
 
 #include <atomic>
 #include <latch>
-#include <memory>
-#include <random>
 #include <thread>
-#include <vector>
 
 namespace Kestrona::Model {
 
@@ -28,7 +18,7 @@ constexpr std::int32_t kKey = 0;
 constexpr std::int32_t kGroup = 1;
 constexpr std::int32_t kText = 2;
 
-class RecordThreads : public testing::Test {
+class RecordThreads : public StoreTest {
 protected:
     RecordThreads() {
         AddTable(*store, L"Parts", {Number(L"Key", 1.0), Number(L"Group"), Text(L"Text")});
@@ -77,8 +67,6 @@ protected:
         return differences;
     }
 
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
     std::mt19937 random{91};
 };
 
@@ -106,42 +94,6 @@ TEST_F(RecordThreads, SearchesAgreeWithAScanAfterRecordsCameAndWent) {
         }
         ASSERT_EQ(differences, 0) << "round " << round;
     }
-}
-
-// Group 0 is that of record 0 all the time, and every key stays where it is.
-TEST_F(RecordThreads, SearchesRunBesideAWriter) {
-    std::atomic<bool> done = false;
-    std::atomic<int> differences = 0;
-    std::latch started(kSearchers);
-    std::vector<std::thread> searchers;
-    for (unsigned i = 0; i < kSearchers; ++i) {
-        searchers.emplace_back([&, i] {
-            std::mt19937 own(i);
-            started.count_down();
-            while (!done) {
-                const auto record = static_cast<std::int32_t>(own() % kRecords);
-                differences += store->LookupKeyRecord(0, record + 1.0) != record ? 1 : 0;
-                differences += KSDLL_GetRecordNumberFromPrimaryKey(*store, 0, -5.0) != -1 ? 1 : 0;
-                // The records of a result belong to the index, so only the search itself may run beside a writer.
-                delete store->LookupRecords(0, kGroup, 3.0, FindOperator::Equal);
-                delete store->LookupRecords(0, kGroup, 3.0, FindOperator::LessThan);
-                delete store->LookupRecords(0, kText, L"word 1", FindOperator::Equal);
-            }
-        });
-    }
-    started.wait();
-    for (int i = 0; i < 1500; ++i) {
-        const auto record = static_cast<std::int32_t>(1 + random() % (kRecords - 1));
-        store->SetDbValue(0, kGroup, record, static_cast<double>(random() % 7));
-        store->SetDbString(0, kText, record, Word(static_cast<std::int32_t>(random() % 5)));
-        store->SetDbKeyValue(0, record, record + 1.0);
-    }
-    done = true;
-    for (std::thread& searcher : searchers) {
-        searcher.join();
-    }
-    EXPECT_EQ(differences, 0);
-    EXPECT_EQ(SearchAll(), 0);
 }
 
 } // namespace

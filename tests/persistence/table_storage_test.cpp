@@ -1,8 +1,8 @@
 // Table data blocks.
+#include "fixtures/record_snapshot.h"
 #include "fixtures/recording_services.h"
 #include "fixtures/schema.h"
 #include "persistence/scratch_files.h"
-#include "store/record_snapshot.h"
 
 #include <kestrona/matrices.h>
 #include <kestrona/records.h>

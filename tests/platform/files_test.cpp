@@ -112,17 +112,5 @@ TEST(RandomBytes, FillsAllBytesAndDoesNotRepeat) {
     EXPECT_TRUE(RandomBytes({}));
 }
 
-TEST(DuplicateWide, CopiesForFree) {
-    EXPECT_EQ(DuplicateWide(nullptr), nullptr);
-    const std::wstring text = L"a\x1d11e";
-    for (wchar_t* raw : {DuplicateWide(text.c_str()), DuplicateWide(text), DuplicateWide(std::wstring_view(text))}) {
-        const OwnedWide copy(raw);
-        EXPECT_NE(copy.get(), text.c_str());
-        EXPECT_EQ(std::wstring(copy.get()), text);
-    }
-    EXPECT_EQ(*OwnedWide(DuplicateWide(L"")), L'\0');
-    EXPECT_EQ(std::wcslen(OwnedWide(DuplicateWide(std::wstring_view(L"abc", 2))).get()), 2U);
-}
-
 } // namespace
 } // namespace Kestrona::Platform

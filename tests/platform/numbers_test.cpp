@@ -42,13 +42,6 @@ TEST(ParseDouble, ReadsWhatStrtodReads) {
     }
 }
 
-TEST(ParseDouble, TakesNumbersOfAnyLength) {
-    for (std::size_t digits = 1; digits < 200; ++digits) {
-        const std::string text(digits, '7');
-        ASSERT_EQ(ParseDouble(WidenAscii(text)), std::strtod(text.c_str(), nullptr)) << digits;
-    }
-}
-
 TEST(ParseInt32, ReadsWhatStrtollReadsAndClamps) {
     RandomSource random(12);
     const std::vector<std::string> pieces{"0", "7", "12", "2147483647", "2147483648", "-", "+", " ", "\n", "x", "."};

@@ -87,22 +87,6 @@ TEST(ScanWide, ClampsIntegersAndKeepsTheirBases) {
     }
 }
 
-TEST(ScanWide, SmallIntegersNeverWrapIntoTheLowHalf) {
-    struct Case {
-        std::wstring_view text;
-        std::uint16_t expected;
-    };
-
-    constexpr std::array kCases{
-        Case{L"0", 0},      Case{L"65535", 65535},  Case{L"65537", 65535},       Case{L"-02", 65534},
-        Case{L"-1", 65535}, Case{L"-65535", 32768}, Case{L"-99999999999", 32768}};
-    for (const Case& c : kCases) {
-        std::uint16_t value = 99;
-        EXPECT_EQ(ScanWide(c.text, L"%hu", &value).items, 1);
-        EXPECT_EQ(value, c.expected) << ::testing::PrintToString(c.text);
-    }
-}
-
 // Ten values of any kind, as ScanWide and as the C library read them.
 struct Values {
     std::array<std::int32_t, 10> integers{};
@@ -223,28 +207,6 @@ TEST(ScanWide, AgreesWithTheCLibraryOnAscii) {
         }
     }
 }
-
-TEST(ScanWide, NumbersEndWhereTheyStopBeingNumbers) {
-    double value = 0.0;
-    std::wstring rest;
-    EXPECT_EQ(ScanWide(L"5 end", L"%lf%[^1234567890]", &value, &rest).items, 2);
-    EXPECT_EQ(rest, L" end");
-    EXPECT_EQ(ScanWide(L"5eggs", L"%lf%[^1234567890]", &value, &rest).items, 2);
-    EXPECT_EQ(value, 5.0);
-    EXPECT_EQ(rest, L"eggs");
-}
-
-#ifndef NDEBUG
-TEST(ScanWideDeathTest, AFormatOutsideTheSubsetIsTheCallersFault) {
-    std::wstring text;
-    std::int32_t number = 0;
-    for (const wchar_t* format : {L"%", L"%q", L"%[abc", L"%0s", L"%*s"}) {
-        EXPECT_DEATH(ScanWide(L"text", format, &text), "malformed scan format");
-    }
-    EXPECT_DEATH(ScanWide(L"text", L"%s", &number), "output");
-    EXPECT_DEATH(ScanWide(L"a b", L"%s %s", &text), "without an output");
-}
-#endif
 
 } // namespace
 } // namespace Kestrona::Platform

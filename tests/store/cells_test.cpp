@@ -1,16 +1,8 @@
 // Reading and writing cells: reports, scratch records, defaults, texts, and which column a field gets.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/concrete_columns.h>
 #include <kestrona/evaluate_columns.h>
-#include <kestrona/process.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <memory>
 
 namespace Kestrona {
 
@@ -19,15 +11,9 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-class Cells : public testing::Test {
-protected:
-    FreshProcess process;
-    RecordingLogger& logger = InstallRecordingLogger();
-    RecordingMessages& messages = InstallRecordingMessages();
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-};
+using StoredCells = RecordedStoreTest;
 
-TEST_F(Cells, ReadsAreReportedWhereNoRecordStands) {
+TEST_F(StoredCells, ReadsAreReportedWhereNoRecordStands) {
     const std::int32_t format = AddTable(*store, L"Orders", {Number(L"Key"), Number(L"Quantity", 4.0)}, 5);
 
     struct Case {
@@ -56,7 +42,7 @@ TEST_F(Cells, ReadsAreReportedWhereNoRecordStands) {
     }
 }
 
-TEST_F(Cells, WritesAreReportedWhereNoCellStands) {
+TEST_F(StoredCells, WritesAreReportedWhereNoCellStands) {
     const std::int32_t format = AddTable(*store, L"Orders", {Number(L"Key"), Number(L"Quantity", 4.0)}, 5);
 
     struct Case {
@@ -83,7 +69,7 @@ TEST_F(Cells, WritesAreReportedWhereNoCellStands) {
     }
 }
 
-TEST_F(Cells, AFieldWithoutAColumnReadsAsItsDefaultAndSaysSo) {
+TEST_F(StoredCells, AFieldWithoutAColumnReadsAsItsDefaultAndSaysSo) {
     const std::int32_t format = AddFormat(*store, L"Orders", {Number(L"Key"), Number(L"Bare"), Number(L"Held")});
     store->CreateDbValues(format, 2);
     store->SetCurrentDbSize(format, 2);
@@ -98,7 +84,7 @@ TEST_F(Cells, AFieldWithoutAColumnReadsAsItsDefaultAndSaysSo) {
     EXPECT_TRUE(store->HasStorage(format, 2));
 }
 
-TEST_F(Cells, StorageIsTheOneThatTypeAndClassesAskFor) {
+TEST_F(StoredCells, StorageIsTheOneThatTypeAndClassesAskFor) {
     enum class Kind {
         Null,
         Double,
@@ -157,7 +143,7 @@ TEST_F(Cells, StorageIsTheOneThatTypeAndClassesAskFor) {
     }
 }
 
-TEST_F(Cells, AKeyFieldIsDoubleAndIndexedWhateverItsType) {
+TEST_F(StoredCells, AKeyFieldIsDoubleAndIndexedWhateverItsType) {
     for (const std::uint32_t type : {TypeBit::kInteger, TypeBit::kReference, TypeBit::kToggle}) {
         const Field key{.name = L"Key", .type = type, .classes = {Classes::kFreeFormat, Classes::kEvaluate}};
         const std::int32_t format = AddTable(*store, L"Format", {key}, 3);
@@ -168,7 +154,7 @@ TEST_F(Cells, AKeyFieldIsDoubleAndIndexedWhateverItsType) {
     }
 }
 
-TEST_F(Cells, DefaultsAreCutToTheStorage) {
+TEST_F(StoredCells, DefaultsAreCutToTheStorage) {
     const std::int32_t format = AddTable(
         *store, L"Orders", {Number(L"Key"), Integer(L"Int", -2.9), Toggle(L"Flag", 3.7), Integer(L"Huge", 1e12)}, 1);
     EXPECT_EQ(store->GetDbValue(format, 1, 0), -2.0);
@@ -177,7 +163,7 @@ TEST_F(Cells, DefaultsAreCutToTheStorage) {
     EXPECT_EQ(store->GetDbDefaultValue(format, 1), -2.9);
 }
 
-TEST_F(Cells, ADefaultMayBeGivenByItsText) {
+TEST_F(StoredCells, ADefaultMayBeGivenByItsText) {
     struct Case {
         const wchar_t* classification;
         double expected;
@@ -203,7 +189,7 @@ TEST_F(Cells, ADefaultMayBeGivenByItsText) {
     }
 }
 
-TEST_F(Cells, TextsAreCutToTheirLimitInUtf16Units) {
+TEST_F(StoredCells, TextsAreCutToTheirLimitInUtf16Units) {
     struct Case {
         std::int32_t limit;
         std::wstring text;
@@ -224,7 +210,7 @@ TEST_F(Cells, TextsAreCutToTheirLimitInUtf16Units) {
     }
 }
 
-TEST_F(Cells, TextsOfBadRecordsAreDroppedAndReadAsTheDefault) {
+TEST_F(StoredCells, TextsOfBadRecordsAreDroppedAndReadAsTheDefault) {
     Field text = Text(L"Text");
     text.classification = L"FF_STRING_DEF \"none\"";
     const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), text}, 2);
@@ -239,7 +225,7 @@ TEST_F(Cells, TextsOfBadRecordsAreDroppedAndReadAsTheDefault) {
     EXPECT_EQ(store->GetDbString(format, 0, 0), L"");
 }
 
-TEST_F(Cells, SizesFollowInEveryColumnOfTheirOwn) {
+TEST_F(StoredCells, SizesFollowInEveryColumnOfTheirOwn) {
     Field own_text = Shared(L"Shared", 1);
     own_text.type = TypeBit::kReference;
     own_text.classes.push_back(Classes::kFreeFormat);
@@ -260,7 +246,7 @@ TEST_F(Cells, SizesFollowInEveryColumnOfTheirOwn) {
     EXPECT_EQ(store->GetDbColumn(format, 1)->GetCurrentSize(), 3u);
 }
 
-TEST_F(Cells, AColumnMadeOverStandingRecordsCoversThem) {
+TEST_F(StoredCells, AColumnMadeOverStandingRecordsCoversThem) {
     const std::int32_t format = AddFormat(*store, L"Format", {Number(L"Key"), Number(L"Late", 2.0)});
     store->SetCurrentDbSize(format, 4);
     MakeColumns(*store, format);

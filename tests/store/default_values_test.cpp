@@ -1,16 +1,5 @@
 // KSDLL_SetDefaultFieldValue.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-
-#include <kestrona/matrices.h>
-#include <kestrona/process.h>
-#include <kestrona/records.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
+#include "fixtures/store_test.h"
 
 namespace Kestrona {
 
@@ -19,24 +8,12 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-class DefaultValues : public testing::Test {
+class DefaultValues : public StoreTest {
 protected:
     void Set(std::int32_t format, std::int32_t field, std::int32_t record, std::int32_t level = 1,
              std::int32_t skip = -1) {
         KSDLL_SetDefaultFieldValue(*store, format, field, record, -1, skip, level, -1, 0.0);
     }
-
-    std::vector<double> Cells(std::int32_t format, std::int32_t field, std::int32_t record) {
-        std::vector<double> cells;
-        const std::int32_t size = KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(*store, format, field, record));
-        for (std::int32_t i = 0; i < size; ++i) {
-            cells.push_back(KSDLL_GetMatrixValue(*store, format, field, record, static_cast<std::uint32_t>(i)));
-        }
-        return cells;
-    }
-
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
 };
 
 TEST_F(DefaultValues, FollowTheClassesOfTheField) {
@@ -94,13 +71,9 @@ TEST_F(DefaultValues, FillAMatrixAndSelectLists) {
     RecordingLogger& logger = InstallRecordingLogger();
     const auto matrix = [](const wchar_t* name, std::vector<Class> classes, std::int32_t table, std::int32_t source,
                            std::int32_t table_y) {
-        return Field{.name = name,
-                     .type = TypeBit::kMatrix,
-                     .classes = std::move(classes),
-                     .default_value = 2.0,
-                     .table = table,
-                     .source = source,
-                     .table_y = table_y};
+        Field field = Matrix(name, std::move(classes), table, table_y, 2.0);
+        field.source = source;
+        return field;
     };
     const std::int32_t items = AddTable(*store, L"Items", {Number(L"Key", 1.0)});
     const std::int32_t groups =
@@ -118,22 +91,19 @@ TEST_F(DefaultValues, FillAMatrixAndSelectLists) {
     for (const std::int32_t format : {items, items, items, groups, groups, orders}) {
         KSDLL_CreateRecord(*store, format);
     }
-    const std::int32_t list = KSDLL_CreateMatrix(*store, 2, groups, 1, 1);
-    KSDLL_SetMatrixValue(list, 0, 3.0);
-    KSDLL_SetMatrixValue(list, 1, 1.0);
+    Fill(groups, 1, 1, {3.0, 1.0});
     KSDLL_SetMatrixValue(KSDLL_GetDbMatrix(*store, orders, 6, 0), 1, 9.0);
-    using Values = std::vector<double>;
     Set(orders, 6, 0);
-    EXPECT_EQ(Cells(orders, 6, 0), (Values{2, 2, 2}));
+    EXPECT_EQ(Cells(orders, 6, 0), (Doubles{2, 2, 2}));
     Set(orders, 1, 0);
-    EXPECT_EQ(Cells(orders, 1, 0), (Values{1, 2, 3}));
+    EXPECT_EQ(Cells(orders, 1, 0), (Doubles{1, 2, 3}));
     Set(orders, 3, 0); // nothing is selected
-    EXPECT_EQ(Cells(orders, 3, 0), (Values{1, 2, 3}));
+    EXPECT_EQ(Cells(orders, 3, 0), (Doubles{1, 2, 3}));
     EXPECT_EQ(Cells(orders, 4, 0).size(), 3u);
     store->SetDbValue(orders, 2, 0, 2.0);
     Set(orders, 3, 0);
-    EXPECT_EQ(Cells(orders, 3, 0), (Values{3, 1}));
-    EXPECT_EQ(Cells(orders, 5, 0), (Values{0, 0}));
+    EXPECT_EQ(Cells(orders, 3, 0), (Doubles{3, 1}));
+    EXPECT_EQ(Cells(orders, 5, 0), (Doubles{0, 0}));
     store->SetDbValue(orders, 2, 0, 8.0);
     logger.lines.clear();
     Set(orders, 3, 0);

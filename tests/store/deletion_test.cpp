@@ -1,22 +1,9 @@
 // Records that go: KSDLL_DeleteDbItem, KSDLL_DeleteDbItems, EraseDbRow, EraseDbRows, and what follows them.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-#include "store/record_snapshot.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/host_settings.h>
-#include <kestrona/matrices.h>
-#include <kestrona/process.h>
-#include <kestrona/records.h>
-#include <kestrona/store.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <functional>
-#include <limits>
-#include <memory>
-#include <random>
-#include <vector>
 
 namespace Kestrona {
 
@@ -25,55 +12,9 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-using Doubles = std::vector<double>;
 using Records = std::vector<std::int32_t>;
 
-Field Matrix(const std::wstring& name, std::vector<Class> classes, std::int32_t table, std::int32_t table_y) {
-    return {.name = name,
-            .type = TypeBit::kMatrix,
-            .classes = std::move(classes),
-            .default_value = -1.0,
-            .table = table,
-            .table_y = table_y};
-}
-
-class Deletion : public testing::Test {
-protected:
-    // Appends records; their keys are 1, 2, 3 and so on.
-    void Create(std::int32_t format, std::int32_t count) {
-        for (std::int32_t i = 0; i < count; ++i) {
-            KSDLL_CreateRecord(*store, format);
-        }
-    }
-
-    Doubles Cells(std::int32_t format, std::int32_t field, std::int32_t record) {
-        Doubles cells;
-        const std::int32_t size = KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(*store, format, field, record));
-        for (std::int32_t i = 0; i < size; ++i) {
-            cells.push_back(KSDLL_GetMatrixValue(*store, format, field, record, static_cast<std::uint32_t>(i)));
-        }
-        return cells;
-    }
-
-    void Fill(std::int32_t format, std::int32_t field, std::int32_t record, const Doubles& cells) {
-        const std::int32_t id =
-            KSDLL_CreateMatrix(*store, static_cast<std::uint32_t>(cells.size()), format, field, record);
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            KSDLL_SetMatrixValue(id, static_cast<std::uint32_t>(i), cells[i]);
-        }
-    }
-
-    Doubles Keys(std::int32_t format) {
-        Doubles keys;
-        for (std::int32_t record = 0; record < store->GetCurrentDbSize(format); ++record) {
-            keys.push_back(store->GetDbKeyValue(format, record));
-        }
-        return keys;
-    }
-
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-};
+using Deletion = StoreTest;
 
 TEST_F(Deletion, OneAndManyTakeTheSameRowsWhateverTheNumbers) {
     struct Case {
@@ -91,7 +32,8 @@ TEST_F(Deletion, OneAndManyTakeTheSameRowsWhateverTheNumbers) {
           {{2, 3, 4}, {1, 2, 6}, 3},
           {{-1, 6, 2, kFirstScratchRecord, 2147483647, -2147483647 - 1}, {1, 2, 4, 5, 6}, 0},
           {{}, {1, 2, 3, 4, 5, 6}, 6}}) {
-        const std::int32_t format = AddTable(*store, L"F", {Number(L"Key", 1.0), Number(L"Value"), Text(L"Text")});
+        const std::int32_t format =
+            AddTable(*store, L"F", {Number(L"Key", 1.0), Number(L"Value"), Text(L"Text"), Shared(L"Same", 1)});
         Create(format, 6);
         for (std::int32_t record = 0; record < 6; ++record) {
             store->SetDbUpdate(format, record, record + 1);
@@ -144,7 +86,7 @@ TEST_F(Deletion, ErasingCellsLeavesTheCountAndRefusesWhatIsNoRecord) {
 TEST_F(Deletion, ErasedKeysAreThoseOfTheRecordsThatWent) {
     for (const std::size_t key : {0u, 1u}) { // the key may stand before or behind other fields
         const std::int32_t format =
-            AddTable(*store, L"F", {Number(L"A", 1.0), Number(L"B", 1.0), Matrix(L"M", {}, -1, -1)}, 0,
+            AddTable(*store, L"F", {Number(L"A", 1.0), Number(L"B", 1.0), Matrix(L"M", {}, -1, -1, -1.0)}, 0,
                      static_cast<std::int32_t>(key));
         Create(format, 12);
         store->ResetDbChanged(format);
@@ -161,12 +103,12 @@ TEST_F(Deletion, KeysGoFromListsAndTheCellsBesideThem) {
     const std::int32_t target = AddTable(*store, L"Target", {Number(L"Key", 1.0)});
     const std::int32_t lists =
         AddTable(*store, L"Lists",
-                 {Number(L"Key", 1.0), Matrix(L"List", {Classes::kList}, target, -1),
-                  Matrix(L"Beside", {Classes::kParallelList, Classes::kAssociate}, -1, -1),
-                  Matrix(L"Kept", {Classes::kList, Classes::kKeepKeys}, target, -1),
-                  Matrix(L"Kept too", {Classes::kList, Classes::kKeepDeletedKeys}, target, -1),
-                  Matrix(L"Elsewhere", {Classes::kList}, 9, target),
-                  Matrix(L"Shared", {Classes::kList, Classes::kAdditionalReference}, target, 1)});
+                 {Number(L"Key", 1.0), Matrix(L"List", {Classes::kList}, target, -1, -1.0),
+                  Matrix(L"Beside", {Classes::kParallelList, Classes::kAssociate}, -1, -1, -1.0),
+                  Matrix(L"Kept", {Classes::kList, Classes::kKeepKeys}, target, -1, -1.0),
+                  Matrix(L"Kept too", {Classes::kList, Classes::kKeepDeletedKeys}, target, -1, -1.0),
+                  Matrix(L"Elsewhere", {Classes::kList}, 9, target, -1.0),
+                  Matrix(L"Shared", {Classes::kList, Classes::kAdditionalReference}, target, 1, -1.0)});
     for (std::int32_t field = 1; field < 7; ++field) {
         store->SetDbData(lists, field, DataSlot::kAssociateField, field == 2 ? 1 : 0);
     }
@@ -176,6 +118,7 @@ TEST_F(Deletion, KeysGoFromListsAndTheCellsBesideThem) {
         KSDLL_Clear(*store, lists);
         Create(target, 5);
         Create(lists, 2);
+        Fill(lists, 1, 0, {3, 4});
         for (const std::int32_t field : {1, 3, 4, 5}) {
             Fill(lists, field, 1, entries);
         }
@@ -189,6 +132,7 @@ TEST_F(Deletion, KeysGoFromListsAndTheCellsBesideThem) {
             KSDLL_DeleteDbItem(*store, target, 2);
             KSDLL_DeleteDbItem(*store, target, 0);
         }
+        EXPECT_EQ(Cells(lists, 1, 0), Doubles{4}) << many;
         EXPECT_EQ(Cells(lists, 1, 1), (Doubles{2, 9, 2})) << many;
         EXPECT_EQ(Cells(lists, 2, 1), (Doubles{10, 13, 14})) << many;
         for (const std::int32_t field : {3, 4, 5}) {
@@ -197,39 +141,16 @@ TEST_F(Deletion, KeysGoFromListsAndTheCellsBesideThem) {
     }
 }
 
-TEST_F(Deletion, AListThatTwoRecordsHaveIsCleanedOnceAndBothListsBesideIt) {
-    const std::int32_t target = AddTable(*store, L"Target", {Number(L"Key", 1.0)});
-    const std::int32_t lists = AddTable(*store, L"Lists",
-                                        {Number(L"Key", 1.0), Matrix(L"List", {Classes::kList}, target, -1),
-                                         Matrix(L"Beside", {Classes::kParallelList, Classes::kAssociate}, -1, -1)});
-    store->SetDbData(lists, 2, DataSlot::kAssociateField, 1);
-    Create(target, 30);
-    Create(lists, 2);
-    Doubles keys = Keys(target);
-    Fill(lists, 1, 0, keys);
-    Fill(lists, 2, 0, keys);
-    store->CopyItemInfo(0, 1, lists);
-    Records records;
-    for (std::int32_t record = 0; record < 30; record += 2) {
-        records.push_back(record);
-        std::erase(keys, record + 1.0);
-    }
-    KSDLL_DeleteDbItems(*store, target, records);
-    for (const std::int32_t record : {0, 1}) {
-        EXPECT_EQ(Cells(lists, 1, record), keys);
-        EXPECT_EQ(Cells(lists, 2, record), keys);
-    }
-}
-
 // A store of owners: each record owns those whose keys stand in its list.
 class StoredStrings : public Deletion {
 protected:
     StoredStrings() {
-        nodes = AddTable(*store, L"Nodes",
-                         {Number(L"Key", 1.0), Matrix(L"Owns", {Classes::kList, Classes::kStringStorage}, 1, -1)});
+        nodes =
+            AddTable(*store, L"Nodes",
+                     {Number(L"Key", 1.0), Matrix(L"Owns", {Classes::kList, Classes::kStringStorage}, 1, -1, -1.0)});
         notes = AddTable(*store, L"Notes",
-                         {Number(L"Key", 1.0), Matrix(L"Owns", {Classes::kList, Classes::kStringStorage}, 0, -1),
-                          Matrix(L"Loads", {}, -1, 1)});
+                         {Number(L"Key", 1.0), Matrix(L"Owns", {Classes::kList, Classes::kStringStorage}, 0, -1, -1.0),
+                          Matrix(L"Loads", {}, -1, 1, -1.0)});
         store->SetDbData(nodes, 1, DataSlot::kStorageFormat, nodes);
         store->SetDbData(notes, 1, DataSlot::kStorageFormat, nodes);
     }
@@ -237,31 +158,6 @@ protected:
     std::int32_t nodes = -1;
     std::int32_t notes = -1;
 };
-
-TEST_F(StoredStrings, GoWithTheirOwnersThroughRingsAndWithinAFormat) {
-    for (const bool many : {false, true}) {
-        KSDLL_Clear(*store, nodes);
-        KSDLL_Clear(*store, notes);
-        Create(nodes, 9);
-        Create(notes, 3);
-        Fill(nodes, 1, 4, {2, 9, 5, 77}); // 5 owns 2, 9 and itself
-        Fill(nodes, 1, 1, {5, 3});        // 2 owns 5 again, and 3
-        Fill(notes, 1, 0, {7});
-        if (many) {
-            KSDLL_DeleteDbItems(*store, nodes, {4, 0});
-            EXPECT_EQ(Keys(nodes), (Doubles{4, 6, 7, 8}));
-            KSDLL_DeleteDbItems(*store, notes, {0, 1});
-            EXPECT_EQ(Keys(nodes), (Doubles{4, 6, 8}));
-            continue;
-        }
-        KSDLL_DeleteDbItem(*store, nodes, 4);
-        EXPECT_EQ(Keys(nodes), (Doubles{1, 4, 6, 7, 8}));
-        Fill(notes, 2, 2, {1, 2, 3});
-        KSDLL_DeleteDbItem(*store, notes, 0);
-        EXPECT_EQ(Keys(nodes), (Doubles{1, 4, 6, 8}));
-        EXPECT_EQ(Cells(notes, 2, 1), (Doubles{2, 3}));
-    }
-}
 
 TEST_F(StoredStrings, ALongChainOfOwnersGoesWhole) {
     constexpr std::int32_t kLength = 20000;
@@ -287,8 +183,8 @@ TEST_F(StoredStrings, ErasingARowErasesTheCellsOfWhatItOwns) {
 
 TEST_F(Deletion, FreesTheMatricesOfTheRecordOnly) {
     const std::int32_t format = AddTable(*store, L"F",
-                                         {Number(L"Key", 1.0), Matrix(L"List", {Classes::kList}, -1, -1),
-                                          Matrix(L"Common", {Classes::kCommonMatrix}, -1, 0)});
+                                         {Number(L"Key", 1.0), Matrix(L"List", {Classes::kList}, -1, -1, -1.0),
+                                          Matrix(L"Common", {Classes::kCommonMatrix}, -1, 0, -1.0)});
     Create(format, 20);
     Records ids;
     for (std::int32_t record = 0; record < 20; ++record) {
@@ -343,87 +239,14 @@ TEST_F(Deletion, HooksHearOfTheOrdersBeforeAndAfter) {
     EXPECT_EQ(Keys(format), (Doubles{1, 2, 4, 6}));
 }
 
-// Random matrices, lists and rows: a list of records goes like one by one from the last to the first.
-class DeletionTwin : public testing::TestWithParam<unsigned> {
-protected:
-    static constexpr std::int32_t kFormats = 2;
-
-    std::int32_t Draw(std::int32_t bound) {
-        return static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(bound));
-    }
-
-    std::unique_ptr<MemoryResidentData> Build() {
-        std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-        for (const std::int32_t other : {1, 0}) {
-            const std::int32_t own = 1 - other;
-            AddTable(*store, L"F",
-                     {Number(L"Key", 1.0), Number(L"Value", 2.0), Text(L"Text"), Integer(L"Count"), Shared(L"Same", 3),
-                      Matrix(L"Row", {}, -1, other), Matrix(L"Square", {Classes::k3DMatrix}, own, own),
-                      Matrix(L"Grid", {Classes::k3DMatrix}, own, other),
-                      Matrix(L"Common", {Classes::kCommonMatrix, Classes::k3DMatrix}, other, own),
-                      Matrix(L"List", {Classes::kList}, other, -1)});
-        }
-        random.seed(GetParam());
-        for (int i = 0; i < 30; ++i) {
-            KSDLL_InsertDbItem(*store, i % 2, Draw(store->GetCurrentDbSize(i % 2) + 1));
-        }
-        for (std::int32_t format = 0; format < kFormats; ++format) {
-            for (std::int32_t record = 0; record < store->GetCurrentDbSize(format); ++record) {
-                FillRow(*store, format, record);
-            }
-        }
-        return store;
-    }
-
-    void FillRow(MemoryResidentData& store, std::int32_t format, std::int32_t record) {
-        store.SetDbKeyValue(format, record, record + 1.0);
-        store.SetDbValue(format, 1, record, Draw(3));
-        store.SetDbValue(format, 3, record, Draw(3));
-        store.SetDbString(format, 2, record, std::to_wstring(Draw(50)));
-        store.SetDbUpdate(format, record, Draw(9));
-        KSDLL_CreateMatrix(store, static_cast<std::uint32_t>(Draw(25)), format, 9, record);
-        for (std::int32_t field = 5; field < 10; ++field) {
-            const std::int32_t id = KSDLL_GetDbMatrix(store, format, field, record);
-            for (std::int32_t i = 0; i < KSDLL_GetMatrixSize(id); ++i) {
-                KSDLL_SetMatrixValue(id, static_cast<std::uint32_t>(i), field == 9 ? Draw(17) : Draw(1000));
-            }
-        }
-    }
-
-    static std::string Describe(MemoryResidentData& store) {
-        return DescribeRecords(store, 0) + "\n" + DescribeRecords(store, 1);
-    }
-
-    FreshProcess process;
-    std::mt19937 random;
-};
-
-TEST_P(DeletionTwin, AListGoesLikeOneByOneFromTheLast) {
-    const std::unique_ptr<MemoryResidentData> together = Build();
-    const std::unique_ptr<MemoryResidentData> single = Build();
-    ASSERT_EQ(Describe(*together), Describe(*single));
-    for (const std::int32_t format : {0, 1, 0}) {
-        Records records;
-        for (std::int32_t i = Draw(10); i >= 0; --i) {
-            records.push_back(Draw(together->GetCurrentDbSize(format)));
-        }
-        KSDLL_DeleteDbItems(*together, format, records);
-        std::ranges::sort(records, std::greater());
-        records.erase(std::unique(records.begin(), records.end()), records.end());
-        std::ranges::for_each(records, [&](std::int32_t record) { KSDLL_DeleteDbItem(*single, format, record); });
-        ASSERT_EQ(Describe(*together), Describe(*single));
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Seeds, DeletionTwin, testing::Range(1u, 31u));
-
 TEST_F(Deletion, MatrixFunctionsTakeOutCellsOfOneMatrix) {
     const std::int32_t rows = AddTable(*store, L"Rows", {Number(L"Key", 1.0)});
     const std::int32_t columns = AddTable(*store, L"Columns", {Number(L"Key", 1.0)});
-    const std::int32_t format = AddTable(
-        *store, L"F",
-        {Number(L"Key", 1.0), Matrix(L"Line", {}, rows, columns), Matrix(L"Grid", {Classes::k3DMatrix}, rows, columns),
-         Matrix(L"Square", {Classes::k3DMatrix, Classes::kCommonMatrix}, columns, columns)});
+    const std::int32_t format =
+        AddTable(*store, L"F",
+                 {Number(L"Key", 1.0), Matrix(L"Line", {}, rows, columns, -1.0),
+                  Matrix(L"Grid", {Classes::k3DMatrix}, rows, columns, -1.0),
+                  Matrix(L"Square", {Classes::k3DMatrix, Classes::kCommonMatrix}, columns, columns, -1.0)});
     Create(rows, 2);
     Create(columns, 3);
     Create(format, 2);

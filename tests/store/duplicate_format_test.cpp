@@ -1,17 +1,7 @@
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/expression.h>
 #include <kestrona/expression_parsing.h>
-#include <kestrona/matrices.h>
-#include <kestrona/process.h>
-#include <kestrona/record_search.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
 
 namespace Kestrona {
 

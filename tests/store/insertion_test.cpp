@@ -1,22 +1,9 @@
 // Records that come: KSDLL_InsertDbItem, KSDLL_CreateRecord, and the defaults of new records.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-#include "store/record_snapshot.h"
+#include "fixtures/record_snapshot.h"
+#include "fixtures/store_test.h"
 #include "store/row_shuffle.h"
 
 #include <kestrona/host_settings.h>
-#include <kestrona/matrices.h>
-#include <kestrona/process.h>
-#include <kestrona/records.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <memory>
-#include <random>
-#include <utility>
-#include <vector>
 
 namespace Kestrona {
 
@@ -31,15 +18,6 @@ using InsertFunction = void (*)(MemoryResidentData&, std::int32_t, std::int32_t)
 constexpr std::int32_t kOther = 0;
 constexpr std::int32_t kRows = 1;
 
-Field Matrix(const std::wstring& name, std::vector<Class> classes, std::int32_t table, std::int32_t table_y) {
-    return {.name = name,
-            .type = TypeBit::kMatrix,
-            .classes = std::move(classes),
-            .default_value = 0.5,
-            .table = table,
-            .table_y = table_y};
-}
-
 Field Untracked(const std::wstring& name) {
     Field field = Number(name, 2.0);
     field.classes = {Classes::kExcludeFromDb};
@@ -48,13 +26,13 @@ Field Untracked(const std::wstring& name) {
 
 // A format with one field of every kind that rows, matrices and other formats treat in a way of its own.
 void Build(MemoryResidentData& store) {
-    Field grown = Matrix(L"Own", {Classes::kMatrixDefault}, kRows, kRows);
+    Field grown = Matrix(L"Own", {Classes::kMatrixDefault}, kRows, kRows, 0.5);
     Field automatic = Number(L"Automatic", 9.0);
     automatic.classes = {Classes::kAutomaticKey};
     AddTable(store, L"Other",
-             {Number(L"Key", 1.0), Matrix(L"Rates", {Classes::kMatrixDefault}, kOther, kRows),
-              Matrix(L"Grid", {Classes::k3DMatrix}, kRows, kRows),
-              Matrix(L"Half", {Classes::k3DMatrix, Classes::kCommonMatrix}, kOther, kRows)},
+             {Number(L"Key", 1.0), Matrix(L"Rates", {Classes::kMatrixDefault}, kOther, kRows, 0.5),
+              Matrix(L"Grid", {Classes::k3DMatrix}, kRows, kRows, 0.5),
+              Matrix(L"Half", {Classes::k3DMatrix, Classes::kCommonMatrix}, kOther, kRows, 0.5)},
              3);
     AddFormat(store, L"Rows",
               {Number(L"Key", 1.0),
@@ -70,12 +48,12 @@ void Build(MemoryResidentData& store) {
                Calculated(L"Sum"),
                {.name = L"Note", .type = TypeBit::kFreeString},
                automatic,
-               Matrix(L"List", {Classes::kList}, kOther, -1),
-               Matrix(L"Beside", {Classes::kParallelList, Classes::kAssociate}, -1, -1),
-               Matrix(L"Costs", {}, kRows, kOther),
-               Matrix(L"Plan", {Classes::k3DMatrix}, kOther, kRows),
-               Matrix(L"Common", {Classes::kCommonMatrix}, kRows, kOther),
-               Matrix(L"Once", {Classes::kAssociate}, kRows, kOther),
+               Matrix(L"List", {Classes::kList}, kOther, -1, 0.5),
+               Matrix(L"Beside", {Classes::kParallelList, Classes::kAssociate}, -1, -1, 0.5),
+               Matrix(L"Costs", {}, kRows, kOther, 0.5),
+               Matrix(L"Plan", {Classes::k3DMatrix}, kOther, kRows, 0.5),
+               Matrix(L"Common", {Classes::kCommonMatrix}, kRows, kOther, 0.5),
+               Matrix(L"Once", {Classes::kAssociate}, kRows, kOther, 0.5),
                grown});
     MakeColumns(store, kRows);
     store.CreateDbValues(kRows, 1); // after what it overrides
@@ -302,11 +280,7 @@ void InsertAsTold(MemoryResidentData& store, std::int32_t format, std::int32_t r
     }
 }
 
-class Insertion : public testing::Test {
-protected:
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-};
+using Insertion = StoreTest;
 
 std::vector<std::int32_t> hook_calls;
 
@@ -408,18 +382,6 @@ TEST_F(Insertion, RememberedGrowthFollowsTheSchema) {
     for (std::int32_t i = 1; i <= 3; ++i) {
         KSDLL_CreateRecord(*store, rows);
         EXPECT_EQ(size(rows), i);
-    }
-}
-
-TEST_F(Insertion, RememberedGrowthSeesAFormatThatIsMadeAnew) {
-    const std::int32_t rows = AddTable(*store, L"Rows", {Number(L"Key", 1.0)});
-    for (std::int32_t i = 0; i < 50; ++i) { // each is likely to stand in the former's place
-        const std::int32_t table_y = i % 3 == 2 ? rows : -1;
-        const std::int32_t other = AddTable(*store, L"Other", {Number(L"Key", 1.0), Matrix(L"M", {}, -1, table_y)}, 1);
-        KSDLL_CreateRecord(*store, rows); // no other format was inserted into since
-        EXPECT_EQ(KSDLL_GetMatrixSize(KSDLL_GetDbMatrix(*store, other, 1, 0)),
-                  table_y == rows ? store->GetCurrentDbSize(rows) : 0);
-        store->DestroyFormat(other);
     }
 }
 

@@ -1,17 +1,4 @@
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-
-#include <kestrona/matrices.h>
-#include <kestrona/process.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <limits>
-#include <memory>
-#include <random>
-#include <vector>
+#include "fixtures/store_test.h"
 
 namespace Kestrona {
 
@@ -24,15 +11,11 @@ constexpr double kDefault = 7.5;
 constexpr std::uint32_t kLimit = 0x7fffffff;
 constexpr auto kHighestId = std::numeric_limits<std::int32_t>::max();
 
-Field Matrix(const std::wstring& name, std::vector<Class> classes = {}, double default_value = kDefault) {
-    return {.name = name,
-            .type = TypeBit::kMatrix,
-            .classes = std::move(classes),
-            .default_value = default_value,
-            .table = 0};
+Field Plan(const std::wstring& name, std::vector<Class> classes = {}) {
+    return Matrix(name, std::move(classes), 0, -1, kDefault);
 }
 
-class Matrices : public testing::Test {
+class Matrices : public StoreTest {
 protected:
     enum : std::int32_t {
         kKey,
@@ -45,12 +28,11 @@ protected:
     };
 
     Matrices() {
-        format =
-            AddTable(*store, L"Plant",
-                     {Number(L"Key", -1.0), Matrix(L"List", {Classes::kList}), Matrix(L"Grid", {Classes::k3DMatrix}),
-                      Matrix(L"Common", {Classes::kCommonMatrix}), Matrix(L"Sum", {Classes::kEvaluate}),
-                      Matrix(L"Parallel", {Classes::kParallelList}), Number(L"Plain")},
-                     10);
+        format = AddTable(*store, L"Plant",
+                          {Number(L"Key", -1.0), Plan(L"List", {Classes::kList}), Plan(L"Grid", {Classes::k3DMatrix}),
+                           Plan(L"Common", {Classes::kCommonMatrix}), Plan(L"Sum", {Classes::kEvaluate}),
+                           Plan(L"Parallel", {Classes::kParallelList}), Number(L"Plain")},
+                          10);
         store->ResetDbChanged(format);
     }
 
@@ -66,8 +48,6 @@ protected:
         return *store->GetFieldInfo(format, field)->matrixColumn;
     }
 
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
     std::int32_t format = -1;
 };
 
@@ -230,7 +210,7 @@ TEST_F(Matrices, GoWithTheColumnThatNamesThem) {
     EXPECT_EQ(KSDLL_GetMatrixSize(id), 0);
 
     const std::unique_ptr<MemoryResidentData> other = CreateMemoryResidentData();
-    AddTable(*other, L"Other", {Number(L"Key"), Matrix(L"List")}, 3);
+    AddTable(*other, L"Other", {Number(L"Key"), Plan(L"List")}, 3);
     const std::int32_t kept = KSDLL_CreateMatrix(*other, 5, 0, 1, 0);
     id = Create(3, kLastScratchRecord, kCommon);
     EXPECT_EQ(id, -1);
@@ -276,7 +256,7 @@ TEST_F(Matrices, AMatrixOfAnExcludedFormatIsNotTracked) {
     Field excluded = Number(L"Key");
     excluded.classes = {Classes::kExcludeFromDb};
     for (const auto& [key, list] :
-         {std::pair{excluded, Matrix(L"List")}, {Number(L"Key"), Matrix(L"List", {Classes::kExcludeFromDb})}}) {
+         {std::pair{excluded, Plan(L"List")}, {Number(L"Key"), Plan(L"List", {Classes::kExcludeFromDb})}}) {
         const std::int32_t table = AddTable(*store, L"T" + std::to_wstring(store->GetFormatCount()), {key, list}, 3);
         const std::int32_t id = KSDLL_CreateMatrix(*store, 3, table, 1, 0);
         KSDLL_SetMatrixValue(id, 1, 2.0);
@@ -382,75 +362,6 @@ TEST_F(Matrices, TheFieldOfADialogAndItsCompanionsGetNoneOfTheirOwn) {
     EXPECT_FALSE(TreatMatrixAsDialog(*store, format, kList));
     EXPECT_FALSE(TreatMatrixAsDialog(*store, format, kParallel));
     EXPECT_TRUE(TreatMatrixAsDialog(*store, format, kGrid));
-}
-
-// A matrix as a row of cells: as many as were ever written, and how many of them count.
-struct TwinMatrix {
-    std::vector<double> cells;
-    std::uint32_t size = 0;
-
-    [[nodiscard]] double Read(std::uint32_t index) const {
-        return index > size ? 0.0 : index < cells.size() ? cells[index] : kDefault;
-    }
-
-    void Write(std::uint32_t index, double value) {
-        if (index > size) {
-            size = index;
-            return;
-        }
-        cells.resize(std::max<std::size_t>(cells.size(), index + 1), kDefault);
-        cells[index] = value;
-    }
-
-    void Erase(std::uint32_t index) {
-        if (index >= size) {
-            return;
-        }
-        if (index < cells.size()) {
-            cells.erase(cells.begin() + index);
-        }
-        --size;
-    }
-};
-
-TEST_F(Matrices, DoWhatARowOfCellsDoes) {
-    std::mt19937 random(11);
-    const auto draw = [&](std::uint32_t bound) {
-        return static_cast<std::uint32_t>(random() % bound);
-    };
-    std::vector<TwinMatrix> twins(10);
-    for (int step = 0; step < 20000; ++step) {
-        const std::uint32_t record = draw(10);
-        TwinMatrix& twin = twins[record];
-        const std::int32_t id = KSDLL_GetDbMatrix(*store, format, kList, static_cast<std::int32_t>(record));
-        const std::uint32_t index = draw(12);
-        if (id == -1 || KSDLL_GetMatrixValueFromId(id, 0, 0) == 0.0) { // none yet, or freed
-            Create(index, static_cast<std::int32_t>(record));
-            twin.size = index;
-        } else if (const std::uint32_t what = draw(20); what < 12) {
-            const double value = 1.0 + draw(5);
-            KSDLL_SetMatrixValue(id, index, value);
-            twin.Write(index, value);
-        } else if (what < 15) {
-            KSDLL_DeleteMatrixRow(id, static_cast<std::int32_t>(index));
-            twin.Erase(index);
-        } else if (what < 18) {
-            EXPECT_EQ(Create(index, static_cast<std::int32_t>(record)), id);
-            twin.size = index;
-        } else if (what < 19) {
-            KSDLL_ZeroMatrixSize(id);
-            twin.size = 0;
-        } else {
-            KSDLL_FreeMatrix(id);
-            twin = {};
-            continue;
-        }
-        const std::int32_t now = KSDLL_GetDbMatrix(*store, format, kList, static_cast<std::int32_t>(record));
-        ASSERT_EQ(KSDLL_GetMatrixSize(now), static_cast<std::int32_t>(twin.size)) << step;
-        for (std::uint32_t i = 0; i < 14; ++i) {
-            ASSERT_EQ(Get(static_cast<std::int32_t>(record), i), twin.Read(i)) << step << ' ' << i;
-        }
-    }
 }
 
 } // namespace

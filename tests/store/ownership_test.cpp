@@ -1,15 +1,8 @@
 // Who frees what. The address and leak sanitizers are the judges of most of this; a counting column says how often a
 // column went.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
 #include <kestrona/concrete_columns.h>
-#include <kestrona/process.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 
 namespace Kestrona {
 

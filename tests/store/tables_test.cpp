@@ -1,13 +1,5 @@
 // String tables, substitutions, datasets and the tie between root and child formats.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-
-#include <kestrona/process.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
+#include "fixtures/store_test.h"
 
 namespace Kestrona {
 
@@ -16,11 +8,7 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-class Tables : public testing::Test {
-protected:
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-};
+using Tables = StoreTest;
 
 void ExpectNoTable(MemoryResidentData& store, std::int32_t table) {
     store.SetTableName(table, KSDLL_AddText(L"no"));

@@ -1,16 +1,7 @@
 // Schema operations answer neutrally, and change nothing, whatever numbers they are given.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
-
-#include <kestrona/process.h>
-#include <kestrona/record_search.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
+#include "fixtures/store_test.h"
 
 #include <functional>
-#include <limits>
-#include <memory>
 #include <sstream>
 
 namespace Kestrona {
@@ -33,7 +24,7 @@ constexpr Place kNowhere[] = {{-1, 0}, {kLowest, 0}, {1000, 0},     {kHighest, 0
                               {0, 2},  {0, 300},     {0, kHighest}, {0, kLowest},  {-1, -1}};
 constexpr Place kNoFormat[] = {{-1, 0}, {kLowest, 0}, {1000, 0}, {kHighest, 0}};
 
-class Totality : public testing::Test {
+class Totality : public StoreTest {
 protected:
     Totality() {
         AddTable(*store, L"Only", {Number(L"Key"), Text(L"Note")}, 3);
@@ -62,9 +53,6 @@ protected:
             << store->GetCurrentDbSize(0) << store->GetFormatCount() << store->GetDbName(0);
         return out.str();
     }
-
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
 };
 
 bool IsEmptyResult(FindResult* result) {

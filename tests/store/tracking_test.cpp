@@ -1,13 +1,6 @@
 // Change tracking and transactions as the store shows them.
-#include "fixtures/recording_services.h"
-#include "fixtures/schema.h"
+#include "fixtures/store_test.h"
 
-#include <kestrona/process.h>
-#include <kestrona/store.h>
-
-#include <gtest/gtest.h>
-
-#include <memory>
 #include <set>
 #include <string_view>
 
@@ -18,11 +11,7 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-class Tracking : public testing::Test {
-protected:
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
-};
+using Tracking = StoreTest;
 
 TEST_F(Tracking, OnlyRealChangesCount) {
     const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), Number(L"A"), Text(L"Text")}, 5);

@@ -1,10 +1,8 @@
 // Dates that the machine gives, and whether times show their seconds.
 #include "date_words.h"
-#include "fixtures/schema.h"
 
 #include <kestrona/dates.h>
 #include <kestrona/process.h>
-#include <kestrona/store.h>
 #include <kestrona/unicode.h>
 
 #include <gtest/gtest.h>
@@ -22,7 +20,6 @@ namespace {
 
 using Testing::DatesOf;
 using TimeNow = Testing::DateWords;
-using TimeSeconds = Testing::DateWords;
 
 // India has one offset all the year.
 class IndianTime {
@@ -76,17 +73,6 @@ TEST_F(TimeNow, FilesTellWhenTheyWereWritten) {
         KSDLL_GetFileTime(none, text.data());
         EXPECT_EQ(text[0], L'\0');
     }
-}
-
-TEST_F(TimeSeconds, AreShownByTheFieldOrForAll) {
-    const auto store = Data::MemoryResident::CreateMemoryResidentData();
-    Fixtures::AddTable(*store, L"Orders",
-                       {{L"Due", TypeBit::kDateTime}, {L"Sent", TypeBit::kDateTime, {Classes::kIncludeSeconds}}});
-    EXPECT_FALSE(ColumnIncludeSeconds(*store, 0, 0));
-    EXPECT_TRUE(ColumnIncludeSeconds(*store, 0, 1));
-    EXPECT_FALSE(ColumnIncludeSeconds(*store, -1, 9));
-    EnableIncludeSecondsGlobally();
-    EXPECT_TRUE(ColumnIncludeSeconds(*store, 0, 0));
 }
 
 } // namespace

@@ -223,14 +223,6 @@ TEST_F(Value, StoresWithoutStringTablesShowNumbers) {
     EXPECT_EQ(Shown(Of(TypeBit::kReference, {}, L"TABLE(Farben)"), 1.0), L"1.00");
 }
 
-TEST_F(Value, ClassificationsAreReadAgainWhenTheyChange) {
-    const std::int32_t format = AddField(Of(TypeBit::kReal, {Classes::kSubstitute}, L"FORMAT(.1)"));
-    EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, 2.0, -1), L"2.0");
-    store.SetDbClassString(format, 1, L"FORMAT(.3) SUBSTITUTE(1->\"eins\")");
-    EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, 2.0, -1), L"2.000");
-    EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, 1.0, -1), L"eins");
-}
-
 } // namespace
 
 } // namespace Kestrona

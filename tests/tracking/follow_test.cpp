@@ -1,16 +1,11 @@
 // Following random paths, against a walk by hand that looks every key up by reading all records.
-#include "fixtures/recording_services.h"
+#include "fixtures/store_test.h"
 #include "tracking/random_schema.h"
 
-#include <kestrona/classes.h>
 #include <kestrona/host_settings.h>
-#include <kestrona/matrices.h>
 #include <kestrona/tracked_values.h>
 
-#include <gtest/gtest.h>
-
 #include <map>
-#include <string>
 
 namespace Kestrona::Tracking {
 
@@ -75,29 +70,20 @@ private:
         return record;
     }
 
-    std::vector<double> Elements(std::int32_t format, std::int32_t field, std::int32_t record) {
-        const std::int32_t id = KSDLL_GetDbMatrix(store_, format, field, record);
-        std::vector<double> elements;
-        for (std::int32_t i = 0; i < KSDLL_GetMatrixSize(id); ++i) {
-            elements.push_back(KSDLL_GetMatrixValue(store_, format, field, record, static_cast<std::uint32_t>(i)));
-        }
-        return elements;
-    }
-
     double Element(const TrackingStep& step, std::int32_t record, double index) {
         return KSDLL_GetMatrixValue(store_, step.format, step.field, record, static_cast<std::uint32_t>(index));
     }
 
     Outcome Entry(const TrackingStep& step, std::int32_t record, double index) {
         seen = "entry";
-        const std::vector<double> elements = Elements(step.format, step.field, record);
+        const std::vector<double> elements = MatrixCells(store_, step.format, step.field, record);
         const auto at = static_cast<std::size_t>(index);
         return at < elements.size() ? Outcome{elements[at], false, record} : Outcome{-1.0, true, record};
     }
 
     // The position of an element as an outcome.
     Outcome Position(std::int32_t format, std::int32_t field, std::int32_t record, double element) {
-        const std::vector<double> elements = Elements(format, field, record);
+        const std::vector<double> elements = MatrixCells(store_, format, field, record);
         const auto at = std::find(elements.begin(), elements.end(), element);
         return at != elements.end() ? Outcome{static_cast<double>(at - elements.begin())} : Outcome{0.0, true};
     }

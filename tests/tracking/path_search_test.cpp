@@ -1,12 +1,8 @@
 // The search for a path, against a twin that keeps whole paths by value and asks the schema for everything again.
-#include "fixtures/recording_services.h"
+#include "fixtures/store_test.h"
 #include "tracking/random_schema.h"
 
-#include <kestrona/classes.h>
-#include <kestrona/process.h>
 #include <kestrona/tracking.h>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <set>

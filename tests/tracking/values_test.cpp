@@ -1,17 +1,12 @@
 // What following does beyond reading: defaults, colours, lists of reverse paths, writes.
-#include "fixtures/recording_services.h"
+#include "fixtures/store_test.h"
 #include "tracking/random_schema.h"
 
-#include <kestrona/classes.h>
 #include <kestrona/host_settings.h>
-#include <kestrona/matrices.h>
 #include <kestrona/matrix_index.h>
 #include <kestrona/tracked_values.h>
 
-#include <gtest/gtest.h>
-
 #include <array>
-#include <limits>
 
 namespace Kestrona::Tracking {
 
@@ -22,16 +17,14 @@ using namespace Fixtures;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-Field Matrix(std::vector<Class> classes, std::int32_t table, std::int32_t source, std::int32_t table_y) {
-    return {.name = L"Matrix",
-            .type = TypeBit::kReference | TypeBit::kMatrix,
-            .classes = std::move(classes),
-            .table = table,
-            .source = source,
-            .table_y = table_y};
+Field Refers(std::vector<Class> classes, std::int32_t table, std::int32_t source, std::int32_t table_y) {
+    Field field = Matrix(L"Matrix", std::move(classes), table, table_y);
+    field.type |= TypeBit::kReference;
+    field.source = source;
+    return field;
 }
 
-class TrackedValues : public testing::Test {
+class TrackedValues : public StoreTest {
 protected:
     // Products (0) with a value, referred to by orders (1), whose record 2 refers to nothing.
     void MakeOrders(Field value) {
@@ -45,17 +38,6 @@ protected:
         ASSERT_EQ(path.depth, 2);
     }
 
-    std::int32_t FillMatrix(TableColumn place, std::int32_t record, const std::vector<double>& values) {
-        const std::int32_t id =
-            KSDLL_CreateMatrix(*store, static_cast<std::uint32_t>(values.size()), place.format, place.field, record);
-        for (std::uint32_t i = 0; i < values.size(); ++i) {
-            KSDLL_SetMatrixValue(id, i, values[i]);
-        }
-        return id;
-    }
-
-    FreshProcess process;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
     FieldsCondition target{{0, 1}};
     TrackingPath path;
 };
@@ -134,8 +116,8 @@ TEST_F(TrackedValues, ValuesBecomeColours) {
 }
 
 TEST_F(TrackedValues, EntriesOfAListEndWithIt) {
-    AddTable(*store, L"Plants", {Integer(L"Key"), Matrix({Classes::kList}, 0, 0, 0)}, 2);
-    FillMatrix({0, 1}, 0, {5.0, 6.0, 7.0});
+    AddTable(*store, L"Plants", {Integer(L"Key"), Refers({Classes::kList}, 0, 0, 0)}, 2);
+    Fill(0, 1, 0, {5.0, 6.0, 7.0});
     setDataPath(*store, path, 0, &target);
 
     struct Case {
@@ -157,9 +139,9 @@ TEST_F(TrackedValues, EntriesOfAListEndWithIt) {
 }
 
 TEST_F(TrackedValues, AReferenceToAListTellsThePositionInIt) {
-    MakeOrders(Matrix({Classes::kList}, 0, 0, 0));
+    MakeOrders(Refers({Classes::kList}, 0, 0, 0));
     store->SetDbSource(1, 1, 1);
-    FillMatrix({0, 1}, 1, {5.0, 6.0, 7.0, 6.0});
+    Fill(0, 1, 1, {5.0, 6.0, 7.0, 6.0});
     bool failed = true;
     EXPECT_EQ(FollowDataTrackForValueLegacy(*store, path, 1, &failed, 11, 6), 1.0);
     EXPECT_FALSE(failed);
@@ -175,12 +157,12 @@ TEST_F(TrackedValues, AReferenceToAListTellsThePositionInIt) {
 // Orders are named in the lists of batches, which alone have the target.
 TEST_F(TrackedValues, ReversePathsTellMembership) {
     AddTable(*store, L"Orders", {Integer(L"Key")}, 2);
-    AddTable(*store, L"Batches", {Integer(L"Key"), Matrix({Classes::kList}, 0, 0, 0), Number(L"Colour")}, 2);
+    AddTable(*store, L"Batches", {Integer(L"Key"), Refers({Classes::kList}, 0, 0, 0), Number(L"Colour")}, 2);
     FieldsCondition colour{{1, 2}};
     setDataPath(*store, path, 0, &colour);
     ASSERT_EQ(path.listField, 1);
     EXPECT_EQ(path.field, 0);
-    FillMatrix({1, 1}, 0, {8.0, 4.0, 4.0});
+    Fill(1, 1, 0, {8.0, 4.0, 4.0});
     EXPECT_EQ(KSDLL_IsItemInList(*store, path, 0, 4.0), 2);
     EXPECT_EQ(KSDLL_IsItemInList(*store, path, 0, 5.0), 0);
     EXPECT_EQ(KSDLL_IsItemInList(*store, path, 1, store->GetDbValue(1, 1, 1)), 1);
@@ -196,7 +178,7 @@ TEST_F(TrackedValues, KeysNameAnElementThatIsAssignedLocally) {
     const Class dimensioned[] = {Classes::kAutoDimension, Classes::k3DMatrix, Classes::kLocalAssignment};
     AddTable(*store, L"Machines", {Integer(L"Key")}, 3);
     AddTable(*store, L"Products", {Integer(L"Key")}, 2);
-    AddTable(*store, L"Setups", {Integer(L"Key"), Matrix({std::begin(dimensioned), std::end(dimensioned)}, 0, 0, 1)},
+    AddTable(*store, L"Setups", {Integer(L"Key"), Refers({std::begin(dimensioned), std::end(dimensioned)}, 0, 0, 1)},
              1);
     AddTable(*store, L"Jobs",
              {Integer(L"Key"), Reference(L"Machine", 0, 0), Reference(L"Product", 1, 0), Reference(L"Setup", 2, 0),
@@ -207,7 +189,7 @@ TEST_F(TrackedValues, KeysNameAnElementThatIsAssignedLocally) {
             store->SetDbKeyValue(format, record, 100 * format + record);
         }
     }
-    FillMatrix({2, 1}, 0, {0.0, 1.0, 10.0, 11.0, 20.0, 21.0});
+    Fill(2, 1, 0, {0.0, 1.0, 10.0, 11.0, 20.0, 21.0});
     store->SetDbData(2, 1, DataSlot::kAssignmentFormat, 3);
     store->SetDbData(2, 1, DataSlot::kAssignmentField, 4);
     FieldsCondition setup{{2, 1}};
@@ -242,7 +224,7 @@ TEST_F(TrackedValues, TheListRowOverrideMovesTheSecondKey) {
     AddTable(
         *store, L"Via",
         {Integer(L"Key"),
-         Matrix({Classes::kAutoDimension, Classes::k3DMatrix, Classes::kDatabase, Classes::kTwoKeyTarget}, 2, 0, 2)},
+         Refers({Classes::kAutoDimension, Classes::k3DMatrix, Classes::kDatabase, Classes::kTwoKeyTarget}, 2, 0, 2)},
         1);
     AddTable(*store, L"End", {Integer(L"Key"), Reference(L"X", 2, 0), {.name = L"Y", .table_y = 2}, Number(L"Value")},
              3);
@@ -254,7 +236,7 @@ TEST_F(TrackedValues, TheListRowOverrideMovesTheSecondKey) {
         store->SetDbValue(2, 2, record, 2 - record);
         store->SetDbValue(2, 3, record, 100 + record);
     }
-    FillMatrix({1, 1}, 0, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 2.0, 1.0});
+    Fill(1, 1, 0, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 2.0, 1.0});
     FieldsCondition end{{2, 3}};
     setDataPath(*store, path, 0, &end);
     ASSERT_TRUE(path.depth == 3 && path.steps[1].xFound);

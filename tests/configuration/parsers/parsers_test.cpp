@@ -27,69 +27,6 @@ std::string ValuesOf(const IClassificationParser& parser, const std::wstring& te
 
 } // namespace
 
-TEST(Parsers, TheValuesOfEachKeyword) {
-    struct Case {
-        const char* name;
-        std::wstring text;
-        std::string values;
-    };
-
-    const std::vector<Case> cases = {
-        {"AUTO LIST", L"AUTO LIST(A(B))", "FIELD=B;TABLE=A;"},
-        {"AUTO LIST", L"AUTO LIST(A)", "none"},
-        {"SOURCE", L"SOURCE(A(B))", "FIELD=B;TABLE=A;"},
-        {"SOURCE", L"LOOKUP SOURCE(A(B))", "none"},
-        {"SOURCE", L"LOOKUP SOURCE(A(B)) | SOURCE(C(D))", "none"},
-        {"SOURCE", L"SOURCE(C(D)) | LOOKUP SOURCE(A(B))", "FIELD=D;TABLE=C;"},
-        {"SOURCE", L"LOOKUP SOURCE() SOURCE(C(D))", "FIELD=D;TABLE=C;"},
-        {"FORMAT", L"FORMAT(MAX)", "FORMAT=.2;MAX=MAX;"},
-        {"FORMAT", L"FORMAT( )", "none"},
-        {"FORMAT", L"FORMAT(MAX .3)", "FORMAT=.3;MAX=MAX;"},
-        {"FORMAT", L"FORMAT( 8.2 )", "FORMAT=8.2;"},
-        {"FORMAT", L"FORMAT(8 2)", "none"},
-        {"TIP DISPLAY", L"TIP DISPLAY", ""},
-        {"TIP DISPLAY", L"TIP DISPLAY(5)", "ORDER=5;"},
-        {"TIP DISPLAY", L"TIP DISPLAY(x)", ""},
-        {"EVALUATE", L"EVALUATE \" \t\"", "none"},
-        {"EVALUATE", L"EVALUATE \"\" | EVALUATE \"1\"", "=1;"}, // nothing between the quotes is no match
-        {"EVALUATE", L"EVALUATE \" \" | EVALUATE \"1\"", "none"},
-        {"EVALUATE", L"EVALUATE\" A + 1 \"", "=A + 1 ;"},
-        {"EVALUATE", L"EVALUATE \"A", "=A;"},
-        {"HIDDEN IF", L"HIDDEN IF \"A\nB\"", "=A\nB;"},
-        {"EXCLUDE", L"EXCLUDE FROM DB | EXCLUDE \"A\"", "=A;"},
-        {"DATABASE[]", L"DATABASE[ABC]", "CLASSIFICATION=ABC;"},
-        {"DATABASE", L"DATABASE[ABC]", "none"},
-        {"DATABASE", L"DATABASE ( Order Lines ( Number ))", "FIELD=Number ;TABLE=Order Lines ;"},
-        {"BUTTON TEXT", L"BUTTON TEXT \"Go\"", "NAME=Go;"},
-        {"BUTTON TEXT", L"BUTTON TEXT (Go)", "NAME=Go;"},
-        {"BUTTON TEXT", L"BUTTON TEXT \"Go (now)\"", "NAME=Go (now);"},
-        {"BUTTON TEXT", L"BUTTON TEXT ()", "none"},
-        {"DIALOG FIELD NAME", L"TIP FIELD NAME \"a\" DIALOG FIELD NAME \"b\"", "NAME=b;"},
-        {"HELPPOPUPID", L"HELPPOPUPID ( -12 )", "ID=-12;"},
-        {"HELPPOPUPID", L"HELPPOPUPID(1.5)", "none"},
-        {"TABLE", L"TABLE( a b )", "NAME=a b;"},
-        {"TABLE", L"TABLE(a\nb)", "none"},
-        {"TABLE", L"TABLE(a\n)", "NAME=a;"},
-        {"FAMILY", L"FAMILY( a )", "COLUMN= a ;"},
-        {"FAMILY", L"FAMILY (a)", "none"},
-        {"ASSOCIATE", L"ASSOCIATE(a:b", "COLUMN=a:b;"},
-        {"ADDITIONAL REFERENCE", L"ADDITIONAL REFERENCE(a:b)", "COLUMN=a;"},
-        {"REMOTE_DEF", L"REMOTE_DEF \"A (B) \"", "COLUMN=B;TABLE=A ;"},
-        {"REMOTE", L"REMOTE(A(B) )", "COLUMN=B;TABLE=A;"},
-        {"REMOTE", L"REMOTE_DEF(A(B))", "none"},
-        {"SUBSTITUTE", L"SUBSTITUTE( -2.5 - > \"\" )", "TEXT=;VALUE=-2.5;"},
-        {"SUBSTITUTE", L"SUBSTITUTE(.5->\"a\")", "none"},
-        {"SUBSTITUTE", L"substitute(1->\"a\")", "none"},
-    };
-    for (const Case& c : cases) {
-        for (const ParserCase& keyword : ParserCases()) {
-            if (std::string(c.name) == keyword.name) {
-                EXPECT_EQ(ValuesOf(*keyword.parser, c.text), c.values) << ToUtf8(c.text);
-            }
-        }
-    }
-}
-
 TEST(Parsers, PlainKeywordsAreFoundInsideLongerWords) {
     EXPECT_EQ(First(ClassificationParser_SYSTEMDB(), L"a XSYSTEMDBY"), "3+8=11 <SYSTEMDB>");
     EXPECT_EQ(First(ClassificationParser_AUTO_CALCULATE(), L"AUTO  CALCULATE"), "none");
@@ -172,18 +109,6 @@ TEST(Parsers, KeywordsTellTheirClassAndTheirBareWords) {
     EXPECT_TRUE(ClassificationParser_UPDATE_REFERENCE::HasKeyword(L"x UPDATE REFERENCE x"));
     EXPECT_FALSE(ClassificationParser_UPDATE_REFERENCE::HasKeyword(L"ADDITIONAL REFERENCE"));
     EXPECT_TRUE(ClassificationParser_ADDITIONAL_REFERENCE::HasKeyword(L"ADDITIONAL REFERENCE"));
-}
-
-TEST(Parsers, KeysNameTheValues) {
-    const ClassificationParser_AUTO_LIST list;
-    const ClassificationParser_SUBSTITUTE substitute;
-    const ClassificationParser_FORMAT format;
-    EXPECT_EQ(list.get_TableNameKey() + list.get_FieldNameKey(), L"TABLEFIELD");
-    EXPECT_EQ(substitute.get_FirstKey() + substitute.get_SecondKey(), L"VALUETEXT");
-    EXPECT_EQ(format.get_FirstKey() + format.get_SecondKey(), L"FORMATMAX");
-    EXPECT_EQ(ClassificationParser_TIP_DISPLAY().get_FirstKey(), L"ORDER");
-    EXPECT_EQ(ClassificationParser_TIP_FIELD_NAME().get_FirstKey(), L"NAME");
-    EXPECT_EQ(ClassificationParser_EXCLUDE().get_ExpressionKey(), L"");
 }
 
 } // namespace Kestrona::ParsersTest

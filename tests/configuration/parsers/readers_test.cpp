@@ -140,17 +140,6 @@ TEST_F(Readers, ParsedValuesAreKeptUntilTheStringIsSet) {
     EXPECT_EQ(all(), "3.00=c;");
 }
 
-TEST_F(Readers, CachesAreMadeTogetherAndOnlyWhenNeeded) {
-    Info().current.classString = kColours;
-    EXPECT_TRUE(Parse_SUBSTITUTE(*store, 0, 0).empty()); // no class, no cache
-    EXPECT_EQ(Info().substituteCache, nullptr);
-    (void)KSDLL_GetNumberFormat(*store, 0, 0);
-    ASSERT_NE(Info().substituteCache, nullptr);
-    ASSERT_NE(Info().substitutxCache, nullptr);
-    EXPECT_FALSE(Info().substituteCache->HasValue);
-    EXPECT_FALSE(Info().substitutxCache->HasValue);
-}
-
 TEST(ClassificationReaders, SubstituteValuesCompareExactly) {
     EXPECT_TRUE(ContainsSubstituteValue(2.5, kColours));
     EXPECT_FALSE(ContainsSubstituteValue(2.5000001, kColours));
@@ -193,15 +182,6 @@ TEST_F(Readers, CheckForSubstitute) {
         EXPECT_EQ(buffer, std::wstring(L"<") + c.list + c.list);
         EXPECT_EQ(CheckForSubstitute(*store, 0, 0, nullptr, c.wanted, &value), c.result);
     }
-}
-
-TEST_F(Readers, CheckForSubstituteOfAFieldWithoutTheClassSeesOnlySubstitutx) {
-    Classify(kColours);
-    std::wstring list;
-    double value = 0.0;
-    EXPECT_EQ(CheckForSubstitute(*store, 0, 0, list, L"Red", &value), 2);
-    EXPECT_EQ(list, L"\"R\", ");
-    EXPECT_EQ(CheckForSubstitute(*store, 7, 7, list, L"Red", &value), 1);
 }
 
 TEST_F(Readers, NumberFormats) {

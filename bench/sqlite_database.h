@@ -1,0 +1,51 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace Kestrona::Bench {
+
+struct FinishStatement {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+using Statement = std::unique_ptr<sqlite3_stmt, FinishStatement>;
+
+// SQLite in memory, a peer of the store. What fails throws the text of its reason.
+class Database {
+public:
+    Database() { Check(sqlite3_open(":memory:", &handle_)); }
+
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    ~Database() { sqlite3_close(handle_); }
+
+    void Execute(const std::string& sql) { Check(sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr)); }
+
+    Statement Prepare(const std::string& sql) {
+        sqlite3_stmt* statement = nullptr;
+        Check(sqlite3_prepare_v2(handle_, sql.c_str(), -1, &statement, nullptr));
+        return Statement(statement);
+    }
+
+private:
+    static void Check(int code) {
+        if (code != SQLITE_OK) {
+            throw std::runtime_error(sqlite3_errstr(code));
+        }
+    }
+
+    sqlite3* handle_ = nullptr;
+};
+
+// Runs a statement that gives no rows, or whose rows nobody wants, with the values that were bound.
+inline void RunOnce(const Statement& statement) {
+    sqlite3_step(statement.get());
+    sqlite3_reset(statement.get());
+}
+
+} // namespace Kestrona::Bench
