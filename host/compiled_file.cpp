@@ -5,6 +5,7 @@
 
 #include <kestrona/binary_strings.h>
 #include <kestrona/compiled_configuration.h>
+#include <kestrona/host/snapshot.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/services.h>
 #include <kestrona/table_definition_stream.h>
@@ -74,19 +75,46 @@ bool ReadText(std::FILE* file, bool wide, std::wstring& text) {
     return is_text;
 }
 
-bool ReadIdentity(std::FILE* file, const Head& head) {
+// The reports of the data module do not name the file, and none tells the place.
+FileProblem StoppedReading(std::FILE* file, const std::string& path) {
+    const bool at_end = std::feof(file) != 0;
+    const std::string place =
+        (at_end ? "its end was reached at offset " : "reading stopped at offset ") + std::to_string(std::ftell(file));
+    return {FileFault::Damaged, path, {}, place, ""};
+}
+
+FileProblem ReadIdentity(std::FILE* file, const Head& head, const std::string& path) {
     std::wstring first;
     std::wstring second;
+    bool is_read = true;
     switch (head.type) {
     case ConfigurationSourceType::Cnf:
     case ConfigurationSourceType::Oem:
-        return ReadText(file, head.wide, first) && ReadText(file, head.wide, second);
+        is_read = ReadText(file, head.wide, first) && ReadText(file, head.wide, second);
+        break;
     case ConfigurationSourceType::Runtime:
-        return ReadText(file, head.wide, first) && first == kIdentity;
+        is_read = ReadText(file, head.wide, first);
+        if (is_read && first != kIdentity) {
+            return {FileFault::WrongMarker, path, {}, "'" + ToUtf8(first) + "'", "'" + ToUtf8(kIdentity) + "'"};
+        }
+        break;
     case ConfigurationSourceType::None:
         break;
     }
-    return true;
+    return is_read ? FileProblem() : StoppedReading(file, path);
+}
+
+// Reads what stands behind the type word.
+FileProblem ReadBody(std::FILE* file, const Head& head, const std::string& path, MemoryResidentData& store,
+                     IOleServerManager& ole_servers) {
+    if (FileProblem problem = ReadIdentity(file, head, path); problem.fault != FileFault::None) {
+        return problem;
+    }
+    std::uint32_t flags = 0; // they belong to the definition of the process
+    const bool is_read =
+        ReadWord(file, flags) && ReadTableDefinitionFromStream(store, file, nullptr, head.wide, true, false,
+                                                               FromUtf8(path), GetMessageCaption(), &ole_servers);
+    return is_read ? FileProblem() : StoppedReading(file, path);
 }
 
 } // namespace
@@ -111,15 +139,13 @@ LoadOutcome FillFromCompiled(const std::string& path, MemoryResidentData& store,
                                                                       head.check);
         return LoadOutcome::Findings;
     }
-    std::uint32_t flags = 0; // they belong to the definition of the process
-    if (!ReadIdentity(file.get(), head) || !ReadWord(file.get(), flags)) {
-        CommonCompiledConfigFunctions::DisplayGenericUnableToReadCompiledFileMessage(name);
+    const FileProblem problem = ReadBody(file.get(), head, path, store, ole_servers);
+    if (problem.fault != FileFault::None) {
+        MessageManager::getInstance()->ShowMessage(nullptr, FromUtf8(problem.ToString()), GetMessageCaption(),
+                                                   kMessageStyleError);
         return LoadOutcome::Findings;
     }
-    const bool is_filled = ReadTableDefinitionFromStream(store, file.get(), nullptr, head.wide, true, false, name,
-                                                         GetMessageCaption(), &ole_servers) &&
-                           ResolveRead(store, feedback);
-    return is_filled ? LoadOutcome::Ok : LoadOutcome::Findings;
+    return ResolveRead(store, feedback) ? LoadOutcome::Ok : LoadOutcome::Findings;
 }
 
 } // namespace Kestrona::Host

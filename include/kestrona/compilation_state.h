@@ -103,6 +103,8 @@ public:
 
     [[nodiscard]] ConfigurationSourceType get_SourceType() const { return source_type_; }
 
+    /// A file is read with the number that it was compiled with: what was compiled as `Oem` is read as `Runtime`, and
+    /// the other way round. A wrong type is not noticed as such; the file seems damaged or another program's.
     void set_SourceType(ConfigurationSourceType value) { source_type_ = value; }
 
     /// Kept for the host.

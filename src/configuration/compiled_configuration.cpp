@@ -81,6 +81,7 @@ bool ReadCompiledConfiguration(MemoryResidentData& store, const std::wstring& pa
         return Warn(Platform::FormatText(Message(kMsgNoCompiledFile), path));
     }
     SetFromCompiled(true);
+    const CompiledResolution resolution;
     if (!ReadDefinition(store, file.get(), path, ole_servers) || check_database_access(store, true, feedback) != 0) {
         return false;
     }

@@ -1,5 +1,6 @@
 // REMOTE_DEF and REMOTE: fields that are named as values of another field.
 #include "configuration/field_steps.h"
+#include "configuration/load_state.h"
 #include "configuration/messages.h"
 #include "configuration/remote_value.h"
 #include "configuration/report.h"
@@ -8,7 +9,6 @@
 #include <kestrona/classes.h>
 #include <kestrona/classification_parsers.h>
 #include <kestrona/classification_readers.h>
-#include <kestrona/definition_load.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -134,7 +134,7 @@ bool ResolveRemote(FieldScope& scope) {
         missing.Need(SubstitutesFor(scope, reference, target));
     }
     // A compiled definition holds the entries as they were made.
-    if (!missing.Added().empty() && !FromCompiled()) {
+    if (!missing.Added().empty() && !IsResolvingCompiled()) {
         scope.SetText(scope.Text() + missing.Added());
     }
     return CheckDefault(scope, values);

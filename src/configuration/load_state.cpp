@@ -28,6 +28,7 @@ constexpr std::int32_t kSvHost112 = 112;
 struct LoadState {
     bool first_load = true;
     bool from_compiled = false;
+    bool resolving_compiled = false;
     bool tables_claimed = false;
     std::array<wchar_t, kMaxFileName + 1> definition_file{};
 };
@@ -69,6 +70,18 @@ bool SetDefinitionFileName(const std::wstring& name) {
 
 void SetFromCompiled(bool value) {
     State().from_compiled = value;
+}
+
+CompiledResolution::CompiledResolution() {
+    State().resolving_compiled = true;
+}
+
+CompiledResolution::~CompiledResolution() {
+    State().resolving_compiled = false;
+}
+
+bool IsResolvingCompiled() {
+    return State().resolving_compiled;
 }
 
 bool ClaimStringTables() {

@@ -19,6 +19,18 @@ bool SetDefinitionFileName(const std::wstring& name);
 
 void SetFromCompiled(bool value);
 
+// Lives while the definition of a compiled file is resolved. Unlike `FromCompiled`, which stays, it says nothing of
+// other definitions that the process resolves later.
+class CompiledResolution {
+public:
+    CompiledResolution();
+    CompiledResolution(const CompiledResolution&) = delete;
+    CompiledResolution& operator=(const CompiledResolution&) = delete;
+    ~CompiledResolution();
+};
+
+bool IsResolvingCompiled();
+
 // True at the first call in a process: whoever asks then sets the built-in string tables up.
 bool ClaimStringTables();
 

@@ -302,7 +302,7 @@ TEST_F(FieldPass, EndsARingOfListsAtTheLastFieldBeforeTheFirstRepeat) {
 
 TEST_F(FieldPass, LeavesTheStringsOfACompiledDefinitionAsTheyAre) {
     Define(Real(L"X", L"REMOTE(Products(Name))"));
-    SetFromCompiled(true);
+    const CompiledResolution resolution;
     EXPECT_EQ(Resolve(), Expand(L"X.+4:256 X.+4:8388608"));
 }
 

@@ -8,6 +8,7 @@
 #include <kestrona/binary_strings.h>
 #include <kestrona/compiled_configuration.h>
 #include <kestrona/definition_load.h>
+#include <kestrona/host/default_host.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/process.h>
 #include <kestrona/table_definition_stream.h>
@@ -106,6 +107,7 @@ void ExpectAlike(MemoryResidentData& left, MemoryResidentData& right) {
 TEST_F(CompiledFile, HoldsADefinitionForBothReadersAndComesBack) {
     for (const char* name : {kPlant, "examples/adventureworks/adventureworks.ksdef"}) {
         const auto source = LoadDefinition(name);
+        const ConfigurationTest::Snapshot resolved = TakeSnapshot(*source);
         source->SetDbDisplayName(0, L"\U0001F30D");
         source->SetStringSubstitution(KSDLL_AddText(std::wstring(300, L'\u4e16').c_str()), KSDLL_AddText(L""));
         KSDLL_SetLongSv(kSvFlagWord, 7);
@@ -147,6 +149,7 @@ TEST_F(CompiledFile, HoldsADefinitionForBothReadersAndComesBack) {
             EXPECT_NE(line, log_->lines.end()) << ToUtf8(text);
         }
 
+        EXPECT_EQ(Differences(resolved, TakeSnapshot(*LoadDefinition(name))), L"") << "a source is resolved as before";
         EXPECT_EQ(check_database_access(*store, true, nullptr), 0);
         ExpectAlike(*store, *source);
         ASSERT_TRUE(Write(*store));
@@ -246,6 +249,34 @@ TEST_F(CompiledFile, ShowsItsIdentity) {
     }
 }
 
+TEST_F(CompiledFile, IsReadByTheDefaultHostWhateverItsKind) {
+    const auto source = LoadDefinition(kPlant);
+    const auto fill = [&](MemoryResidentData& store, std::string& output) {
+        Host::DefaultHostOptions options;
+        options.output = [&output](std::string_view text) {
+            output += text;
+        };
+        Host::DefaultHost host(std::move(options));
+        return host.FillFromFile(ToUtf8(path_), store);
+    };
+    for (const auto kind :
+         {ConfigurationCompileType::Cnf, ConfigurationCompileType::Oem, ConfigurationCompileType::Runtime}) {
+        CompilationState::Instance().set_CompileType(kind);
+        ASSERT_TRUE(Write(*source));
+        const auto store = StoreWithTablesOf(*source);
+        std::string output;
+        EXPECT_EQ(fill(*store, output), Host::LoadOutcome::Ok) << static_cast<int>(kind) << output;
+        EXPECT_EQ(Children(*store), Children(*source));
+
+        const std::string cut = Bytes().substr(0, Bytes().size() - 1);
+        SetBytes(cut);
+        EXPECT_EQ(fill(*store, output), Host::LoadOutcome::Findings);
+        EXPECT_NE(output.find("' is damaged: its end was reached at offset " + std::to_string(cut.size())),
+                  std::string::npos)
+            << output;
+    }
+}
+
 TEST_F(CompiledFile, OfAnOlderLayoutIsUnderstoodBehindItsVersion) {
     for (const Version version : {Version{14, 2}, Version{14, 3}, Version{13, 9}}) {
         json file = SmallFile();
@@ -340,6 +371,21 @@ TEST_F(CompiledFile, HasAVersionThatIsCheckedAndTold) {
     EXPECT_EQ(Functions::CheckVersionInfo({std::numeric_limits<float>::quiet_NaN(), Version{15, 0}}),
               VersionCheckResult::FormatTooOld);
     EXPECT_EQ(Functions::CheckVersionInfo({12.0F, {}}), VersionCheckResult::NoVersion);
+}
+
+TEST_F(CompiledFile, IsFoundUnderItsDefaultNames) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder_);
+    std::wstring name = L"as it was";
+    EXPECT_FALSE(CommonCompiledConfigFunctions::FindInputFileEx(&name));
+    EXPECT_EQ(name, L"as it was");
+    for (const wchar_t* file : {L"KESTRONA.CNF", L"KESTRONA.OEM", L"KESTRONA.KS_RT"}) { // a later one goes first
+        path_ = file;
+        EXPECT_TRUE(Write(*CreateMemoryResidentData()));
+        EXPECT_TRUE(CommonCompiledConfigFunctions::FindInputFileEx(&name));
+        EXPECT_EQ(name, file);
+    }
+    std::filesystem::current_path(before);
 }
 
 class RecordingWriter : public NullTranslationWriter {
