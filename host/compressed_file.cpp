@@ -21,12 +21,6 @@ using Snapshots::SystemProblem;
 
 using Conversion = std::int32_t (DataCompressor::*)(const std::wstring& source, const std::wstring& target);
 
-std::string Hex(std::uint32_t word) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "0x%08x", word);
-    return text.data();
-}
-
 // Null, and `problem`, for what is no readable file. A pipe would keep the reader waiting.
 OpenFile OpenSource(const std::string& path, FileProblem& problem) {
     std::error_code error;
@@ -48,13 +42,13 @@ FileProblem Unwritable(const std::string& path, const SafeFile& target) {
 
 // Why the source is no zlib stream.
 FileProblem DamagedStream(const std::string& path, std::FILE* source) {
-    std::array<char, 2> start{};
+    std::array<char, 16> bytes{};
     std::rewind(source);
-    const std::size_t count = std::fread(start.data(), 1, start.size(), source);
-    if (Snapshots::LooksLikeZlib(std::string_view(start.data(), count))) {
+    const std::string_view start(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), source));
+    if (Snapshots::LooksLikeZlib(start)) {
         return {FileFault::Damaged, path, {}, "its compressed data cannot be read", ""};
     }
-    return {FileFault::WrongMarker, path, 0, "other bytes", "a zlib stream"};
+    return {FileFault::WrongMarker, path, 0, Snapshots::QuotedBytes(start), "a zlib stream"};
 }
 
 bool Convert(const std::string& source, Conversion conversion, const std::string& target, SafeFile& draft,
@@ -79,21 +73,9 @@ bool Convert(const std::string& source, Conversion conversion, const std::string
     return result == DataCompressor::kDone;
 }
 
-// A stream whose end is missing decompresses without complaint.
 bool CheckEnd(const std::string& source, std::FILE* content, FileProblem& problem) {
     const OpenFile file = OpenSource(source, problem);
-    if (file == nullptr) {
-        return false;
-    }
-    std::fseek(file.get(), 0, SEEK_END);
-    const long size = std::ftell(file.get());
-    const std::uint32_t found = Snapshots::LastWord(file.get());
-    const std::uint32_t expected = Snapshots::Adler32(content);
-    if (found != expected || size == 0) {
-        problem = {FileFault::Truncated, source, size, "checksum " + Hex(found) + " before it", Hex(expected)};
-        return false;
-    }
-    return true;
+    return file != nullptr && Snapshots::CheckStreamEnd(file.get(), source, content, problem);
 }
 
 bool Commit(const std::string& path, SafeFile& draft, FileProblem& problem) {

@@ -5,6 +5,7 @@
 #include <kestrona/compiled_configuration.h>
 #include <kestrona/host/snapshot.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 
@@ -50,7 +51,8 @@ FileKind KindOfFile(const std::string& path) {
     if (std::ferror(file.get()) != 0) {
         return FileKind::Unreadable;
     }
-    if (start.starts_with(Snapshots::kMarker)) {
+    const std::string_view marker(start.data(), std::min(start.size(), Snapshots::kMarker.size()));
+    if (!marker.empty() && Snapshots::kMarker.starts_with(marker)) { // perhaps only the beginning of one
         return FileKind::Snapshot;
     }
     if (Snapshots::LooksLikeZlib(start)) {

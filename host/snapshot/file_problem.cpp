@@ -64,4 +64,18 @@ std::string Bytes(std::int64_t count) {
     return std::to_string(count) + (count == 1 ? " byte" : " bytes");
 }
 
+std::string QuotedBytes(std::string_view bytes) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string text = "'";
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= ' ' && byte <= '~') {
+            text += c;
+        } else {
+            text += {'\\', 'x', kDigits[byte / 16U], kDigits[byte % 16U]};
+        }
+    }
+    return text + "'";
+}
+
 } // namespace Kestrona::Host::Snapshots

@@ -3,6 +3,7 @@
 #include <kestrona/host/snapshot.h>
 
 #include <cerrno>
+#include <string_view>
 
 namespace Kestrona::Host::Snapshots {
 
@@ -10,5 +11,8 @@ namespace Kestrona::Host::Snapshots {
 [[nodiscard]] FileProblem SystemProblem(FileFault fault, const std::string& path, int error = errno);
 
 [[nodiscard]] std::string Bytes(std::int64_t count);
+
+// Bytes of a file in quotation marks: letters and signs as they are, others as "\x1b".
+[[nodiscard]] std::string QuotedBytes(std::string_view bytes);
 
 } // namespace Kestrona::Host::Snapshots

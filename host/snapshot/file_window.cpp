@@ -17,9 +17,10 @@ FileWindow::FileWindow(std::FILE* file, std::int64_t begin, std::int64_t end)
     : descriptor_(fileno(file)),
       begin_(begin),
       size_(end - begin),
+      buffer_(kBufferSize),
       stream_(fopencookie(this, "rb", {Read, nullptr, Seek, nullptr})) {
     if (stream_ != nullptr) {
-        std::setvbuf(stream_.get(), nullptr, _IOFBF, kBufferSize);
+        std::setvbuf(stream_.get(), buffer_.data(), _IOFBF, buffer_.size()); // without room it would keep its own size
     }
 }
 

@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <vector>
 
 namespace Kestrona::Host::Snapshots {
 
@@ -36,6 +37,7 @@ private:
     std::int64_t size_;
     std::int64_t position_ = 0;
     bool was_too_short_ = false;
+    std::vector<char> buffer_; // of the stream, which goes first
     OpenFile stream_;
 };
 

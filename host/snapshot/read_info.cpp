@@ -42,7 +42,7 @@ private:
             return false;
         }
         if (!kMarker.starts_with(start)) {
-            problem_ = {FileFault::WrongMarker, file_.Path(), 0, "other bytes", "'" + std::string(kMarker) + "'"};
+            problem_ = {FileFault::WrongMarker, file_.Path(), 0, QuotedBytes(start), QuotedBytes(kMarker)};
             return false;
         }
         return start.size() == kMarker.size() || Ends(0, static_cast<std::int64_t>(kMarker.size()));

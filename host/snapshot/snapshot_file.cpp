@@ -7,9 +7,9 @@
 #include <kestrona/data_compressor.h>
 #include <kestrona/unicode.h>
 
-#include <array>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 namespace Kestrona::Host::Snapshots {
 
@@ -19,12 +19,6 @@ using DataCompressor::DataCompressor;
 
 std::int64_t SizeOf(std::FILE* file) {
     return std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
-}
-
-std::string Hex(std::uint32_t word) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "0x%08x", word);
-    return text.data();
 }
 
 } // namespace
@@ -75,7 +69,7 @@ bool SnapshotFile::Decompress(FileProblem& problem) {
     errno = 0;
     switch (DataCompressor().DecompressFile(FromUtf8(path_), FromUtf8(copy_->Path()))) {
     case DataCompressor::kDone:
-        return CheckSum(problem);
+        return OpenCopy(problem);
     case DataCompressor::kDataDamaged:
         problem = {FileFault::Damaged, path_, {}, "its compressed data cannot be read", ""};
         return false;
@@ -88,17 +82,9 @@ bool SnapshotFile::Decompress(FileProblem& problem) {
     }
 }
 
-// A stream whose end is missing decompresses without complaint.
-bool SnapshotFile::CheckSum(FileProblem& problem) {
-    const std::uint32_t expected = LastWord(file_.get());
-    if (!OpenPlain(copy_->Path(), problem)) {
-        return false;
-    }
-    const std::uint32_t found = Adler32(file_.get());
-    if (found != expected) {
-        problem = {FileFault::Truncated, path_, {}, "checksum " + Hex(found), Hex(expected)};
-    }
-    return found == expected;
+bool SnapshotFile::OpenCopy(FileProblem& problem) {
+    const OpenFile compressed = std::move(file_);
+    return OpenPlain(copy_->Path(), problem) && CheckStreamEnd(compressed.get(), path_, file_.get(), problem);
 }
 
 } // namespace Kestrona::Host::Snapshots

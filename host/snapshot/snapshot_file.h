@@ -28,7 +28,7 @@ private:
 
     bool OpenPlain(const std::string& path, FileProblem& problem);
     bool Decompress(FileProblem& problem);
-    bool CheckSum(FileProblem& problem);
+    bool OpenCopy(FileProblem& problem);
 
     std::string path_;
     std::unique_ptr<TemporaryFile> copy_;

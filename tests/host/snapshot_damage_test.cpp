@@ -63,6 +63,7 @@ TEST_F(SnapshotDamageTest, NoBeginningOfAFilePassesForTheWhole) {
             ASSERT_FALSE(outcome.is_loaded) << size;
             ASSERT_THAT(outcome.fault, AnyOf(FileFault::Truncated, FileFault::Damaged, FileFault::WrongMarker))
                 << size << outcome.text;
+            ASSERT_TRUE(compress || size == 0 || KindOfFile(Path("broken.kes")) == FileKind::Snapshot) << size;
             ASSERT_TRUE(!compress || size < 2 || outcome.fault != FileFault::WrongMarker) << size;
             ASSERT_NE(outcome.has_info, outcome.info_fault != FileFault::None) << size;
         }
@@ -103,11 +104,14 @@ TEST_F(SnapshotDamageTest, EachFaultSaysWhatIsWrong) {
     };
 
     const std::string last = std::to_string(bytes.size() - 1);
+    const std::string compressed = SmallBytes(true);
+    const std::string end = std::to_string(compressed.size());
     const Case cases[] = {
         {"", FileFault::Truncated, "ends too early at offset 0: found 0 bytes, expected 22 bytes"},
         {bytes.substr(0, 60), FileFault::Truncated, "ends too early at offset 58: found 2 bytes, expected 4 bytes"},
         {bytes.substr(0, bytes.size() - 1), FileFault::Truncated, "ends too early at offset " + last},
-        {"Kestrona's other file", FileFault::WrongMarker, "is another kind of file at offset 0: found other bytes"},
+        {"Kestrona's other file", FileFault::WrongMarker,
+         "is another kind of file at offset 0: found 'Kestrona's other file', expected 'KestronaDataExtraction'"},
         {with_number(22, 2), FileFault::WrongVersion,
          "has a version that is not read at offset 22: found layout 2, expected layout 1"},
         {with_number(34, -1), FileFault::Damaged, "is damaged at offset 34: found version part -1"},
@@ -116,6 +120,10 @@ TEST_F(SnapshotDamageTest, EachFaultSaysWhatIsWrong) {
         {with_number(54, -1), FileFault::Damaged, "is damaged at offset 54"},
         {with_number(58, -1), FileFault::Damaged, "is damaged at offset 58"},
         {bytes + "x", FileFault::Damaged, ": found 1 byte more, expected the end of table 'Draft'"},
+        {compressed + "xy", FileFault::Damaged,
+         "is damaged at offset " + end + ": found 2 bytes more, expected the end of the compressed data"},
+        {compressed.substr(0, 100), FileFault::Truncated,
+         "ends too early at offset 100: found its end, expected more compressed data"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);

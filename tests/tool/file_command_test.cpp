@@ -173,7 +173,7 @@ TEST_F(PlantFiles, DamageIsToldByItsKind) {
         {changed(whole, 22, '\x07'), "version that is not read at offset 22: found layout 7, expected layout 1", 3, 3},
         {changed(whole, text, static_cast<char>(~whole[text])), "is damaged at offset", 4, 0},
         {changed(whole, 53, '\x7f'), "ends too early at offset", 4, 4},
-        {stream.substr(0, stream.size() - 9), "ends too early: found checksum", 4, 4},
+        {stream.substr(0, stream.size() - 9), "found its end, expected more compressed data", 4, 4},
         {changed(stream, 0, 'X'), "is another kind of file", 3, 3},
         {changed(stream, 3000, static_cast<char>(~stream[3000])), "is damaged", 4, 4},
         {changed(compiled, version + 4, '\x10'), "found version 16.0, expected version 15.0", 3, 0},

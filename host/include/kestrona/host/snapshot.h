@@ -32,7 +32,8 @@ enum class FileFault : std::uint8_t {
 struct FileProblem {
     FileFault fault = FileFault::None;
     std::string path;                   ///< UTF-8.
-    std::optional<std::int64_t> offset; ///< In the uncompressed file.
+    std::optional<std::int64_t> offset; ///< In the uncompressed file; of a broken
+                                        ///< compression in the compressed one.
     std::string found;                  ///< What stands there, or what the system says.
     std::string expected;               ///< What should stand there, "" where nothing is to be said.
 
