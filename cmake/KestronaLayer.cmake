@@ -69,9 +69,14 @@ function(kestrona_link_libraries)
     target_link_libraries(kestrona PRIVATE $<BUILD_INTERFACE:kestrona_options> $<BUILD_INTERFACE:kestrona_external>)
     target_link_options(kestrona PRIVATE
         "LINKER:--version-script=${map}" $<$<BOOL:${KESTRONA_PLAIN_BUILD}>:LINKER:--no-undefined>)
+    # docs/abi.md: below 1.0 each minor release has an ABI of its own.
+    set(soversion ${PROJECT_VERSION_MAJOR})
+    if(soversion EQUAL 0)
+        set(soversion "0.${PROJECT_VERSION_MINOR}")
+    endif()
     set_target_properties(kestrona PROPERTIES
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR}
+        SOVERSION ${soversion}
         LINKER_LANGUAGE CXX
         LINK_DEPENDS "${map}")
 

@@ -1,69 +1,56 @@
-// A plant model made by hand: two formats, a reference between them, a search. Needs the library alone.
+// Embeds kestrona: loads a definition, makes records, reads a calculated field, and asks what has changed.
 
+#include <kestrona/host/default_host.h>
 #include <kestrona/kestrona.h>
 
 #include <cstdio>
-#include <memory>
+#include <utility>
+
+static_assert(KESTRONA_VERSION_AT_LEAST(0, 1, 0));
 
 namespace {
 
-using Kestrona::Class;
-using Kestrona::Data::MemoryResident::MemoryResidentData;
+constexpr char kDefinition[] = R"(
+format Orders {
+    key Number
 
-/// Adds a field of a type, and of one class unless its mask is 0.
-void AddField(MemoryResidentData& store, std::int32_t format, std::int32_t field, const wchar_t* name,
-              std::uint32_t type, Class c = {}) {
-    store.SetColumnName(format, field, name);
-    store.SetDbType(format, field, type);
-    store.AddDbClass(format, field, c);
+    field Number   : INTEGER | UNIQUE | AUTOMATIC KEY
+    field Quantity : INTEGER
+    field Price    : REAL | FORMAT(8.2)
+    field Amount   : REAL | EVALUATE "{#Quantity} * {#Price}" | FORMAT(8.2)
 }
-
-void AddFormat(MemoryResidentData& store, std::int32_t format, const wchar_t* name, std::int32_t fields) {
-    store.SetFormatCount(format + 1);
-    store.SetDbName(format, KSDLL_AddText(name));
-    store.CreateDbFieldInfo(format, fields);
-    store.SetDbFields(format, fields);
-    store.SetDbKey(format, 0);
-    store.CreateDbUpdate(format);
-}
+)";
 
 } // namespace
 
 int main() {
-    namespace TypeBit = Kestrona::TypeBit;
-    constexpr std::int32_t kProducts = 0;
-    constexpr std::int32_t kOrders = 1;
-
-    const std::unique_ptr<MemoryResidentData> store = Kestrona::Data::MemoryResident::CreateMemoryResidentData();
-    AddFormat(*store, kProducts, L"Products", 2);
-    AddField(*store, kProducts, 0, L"Number", TypeBit::kInteger);
-    AddField(*store, kProducts, 1, L"Name", TypeBit::kReference, Kestrona::Classes::kFreeFormat);
-    AddFormat(*store, kOrders, L"Orders", 3);
-    AddField(*store, kOrders, 0, L"Number", TypeBit::kInteger);
-    AddField(*store, kOrders, 1, L"Product", TypeBit::kReference);
-    AddField(*store, kOrders, 2, L"Quantity", TypeBit::kReal);
-    KSDLL_CreateDataArrays(*store);
-
-    store->SetCurrentDbSize(kProducts, 2);
-    const wchar_t* const names[] = {L"Wheel", L"Frame"};
-    for (std::int32_t record = 0; record < 2; ++record) {
-        store->SetDbValue(kProducts, 0, record, 100.0 + record);
-        store->SetDbString(kProducts, 1, record, names[record]);
+    Kestrona::Host::DefaultHostOptions options;
+    options.program = "embed";
+    options.reader = [](const std::string&) {
+        return kDefinition;
+    }; // without it, a path is read from the disk
+    Kestrona::Host::DefaultHost host(std::move(options));
+    if (host.LoadDefinition("orders.ksdef") != Kestrona::Host::LoadOutcome::Ok) {
+        return 1; // what is wrong stands on stderr
     }
-    store->SetCurrentDbSize(kOrders, 1000);
-    for (std::int32_t record = 0; record < 1000; ++record) {
-        store->SetDbValue(kOrders, 0, record, record + 1.0);
-        store->SetDbValue(kOrders, 1, record, 100.0 + record % 2);
-        store->SetDbValue(kOrders, 2, record, record * 0.5);
-    }
+    auto& store = host.Store();
+    const std::int32_t orders = KSDLL_FindFormatImpl(store, L"Orders");
+    const std::int32_t quantity = KSDLL_FindField(store, orders, L"Quantity", nullptr);
+    const std::int32_t price = KSDLL_FindField(store, orders, L"Price", nullptr);
+    const std::int32_t amount = KSDLL_FindField(store, orders, L"Amount", nullptr);
 
-    // References hold key values: look the product of order 42 up.
-    const std::int32_t order = store->LookupKeyRecord(kOrders, 42.0);
-    const std::int32_t product = store->LookupKeyRecord(kProducts, store->GetDbValue(kOrders, 1, order));
-    store->AddIndexToColumn(kOrders, 1);
-    const std::unique_ptr<Kestrona::FindResult> same(
-        store->LookupRecords(kOrders, 1, store->GetDbValue(kOrders, 1, order), Kestrona::FindOperator::Equal));
-    std::printf("kestrona %s: order 42 makes %.1f of %ls, as %zu of %d orders do\n", Kestrona::LibraryVersion(),
-                store->GetDbValue(kOrders, 2, order), store->GetDbString(kProducts, 1, product).c_str(), same->Size(),
-                store->GetCurrentDbSize(kOrders));
+    for (const double pieces : {10.0, 20.0, 30.0}) {
+        const std::int32_t record = KSDLL_CreateRecord(store, orders); // gets the next number
+        store.SetDbValue(orders, quantity, record, pieces);
+        store.SetDbValue(orders, price, record, 2.5);
+    }
+    store.ResetDbChanged(orders); // as after saving: from here on, what changes is new
+
+    store.SetDbValue(orders, quantity, store.LookupKeyRecord(orders, 2.0), 25.0);
+    std::printf("kestrona %s\n", Kestrona::LibraryVersion());
+    for (std::int32_t record = 0; record < store.GetCurrentDbSize(orders); ++record) {
+        std::printf("order %.0f: %.2f%s\n", store.GetDbValue(orders, 0, record),
+                    store.GetDbValue(orders, amount, record),
+                    store.GetRecordChanged(orders, record) == 2 ? " (changed)" : "");
+    }
 }
