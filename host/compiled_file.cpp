@@ -5,7 +5,6 @@
 
 #include <kestrona/binary_strings.h>
 #include <kestrona/compiled_configuration.h>
-#include <kestrona/host/snapshot.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/services.h>
 #include <kestrona/table_definition_stream.h>
@@ -77,10 +76,11 @@ bool ReadText(std::FILE* file, bool wide, std::wstring& text) {
 
 // The reports of the data module do not name the file, and none tells the place.
 FileProblem StoppedReading(std::FILE* file, const std::string& path) {
-    const bool at_end = std::feof(file) != 0;
-    const std::string place =
-        (at_end ? "its end was reached at offset " : "reading stopped at offset ") + std::to_string(std::ftell(file));
-    return {FileFault::Damaged, path, {}, place, ""};
+    const std::int64_t place = std::ftell(file);
+    if (std::feof(file) != 0) {
+        return {FileFault::Truncated, path, place, "its end", "more of the definition"};
+    }
+    return {FileFault::Damaged, path, place, "reading stopped there", ""};
 }
 
 FileProblem ReadIdentity(std::FILE* file, const Head& head, const std::string& path) {
@@ -125,21 +125,23 @@ ConfigurationSourceType SourceTypeOf(const std::string& path) {
 }
 
 LoadOutcome FillFromCompiled(const std::string& path, MemoryResidentData& store, IInformationFeedback* feedback,
-                             IOleServerManager& ole_servers) {
+                             IOleServerManager& ole_servers, FileProblem& problem) {
     const std::wstring name = FromUtf8(path);
     const OpenFile file = OpenCompiled(path);
     if (file == nullptr) {
+        problem = {FileFault::CannotOpen, path, {}, "", ""};
         CommonCompiledConfigFunctions::DisplayUnableToOpenCompiledFileMessage(name);
         return LoadOutcome::Unreadable;
     }
     KSDLL_ResetChecksum();
     const Head head = ReadHead(file.get());
     if (head.check != VersionCheckResult::Current) {
+        problem = {FileFault::WrongVersion, path, {}, "", ""};
         CommonCompiledConfigFunctions::DisplayCompiledVersionMessages(nullptr, name, GetMessageCaption(), head.version,
                                                                       head.check);
         return LoadOutcome::Findings;
     }
-    const FileProblem problem = ReadBody(file.get(), head, path, store, ole_servers);
+    problem = ReadBody(file.get(), head, path, store, ole_servers);
     if (problem.fault != FileFault::None) {
         MessageManager::getInstance()->ShowMessage(nullptr, FromUtf8(problem.ToString()), GetMessageCaption(),
                                                    kMessageStyleError);

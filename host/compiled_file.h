@@ -2,6 +2,7 @@
 
 #include <kestrona/compilation_state.h>
 #include <kestrona/host/native_config.h>
+#include <kestrona/host/snapshot.h>
 #include <kestrona/host_interfaces.h>
 #include <kestrona/store.h>
 
@@ -13,8 +14,9 @@ namespace Kestrona::Host {
 [[nodiscard]] Configuration::Compiled::ConfigurationSourceType SourceTypeOf(const std::string& path);
 
 // Fills a store from a compiled file and resolves it, without the once-a-process entry. What is wrong has been
-// reported. `feedback` may be null.
+// reported; `problem` tells it where the file is at fault and not the definition in it. `feedback` may be null.
 [[nodiscard]] LoadOutcome FillFromCompiled(const std::string& path, Data::MemoryResident::MemoryResidentData& store,
-                                           IInformationFeedback* feedback, IOleServerManager& ole_servers);
+                                           IInformationFeedback* feedback, IOleServerManager& ole_servers,
+                                           FileProblem& problem);
 
 } // namespace Kestrona::Host

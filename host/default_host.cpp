@@ -157,6 +157,7 @@ LoadOutcome DefaultHost::CompileDefinition(const std::string& source, const std:
 }
 
 LoadOutcome DefaultHost::FillFromFile(const std::string& path, MemoryResidentData& store, const std::wstring& dataset) {
+    file_problem_ = {};
     switch (KindOfFile(path)) {
     case FileKind::Snapshot:
     case FileKind::CompressedSnapshot:
@@ -164,7 +165,7 @@ LoadOutcome DefaultHost::FillFromFile(const std::string& path, MemoryResidentDat
     case FileKind::CompiledDefinition: {
         native_config_->Forget();
         CarriedTexts texts(store, ole_servers_.get());
-        const LoadOutcome outcome = FillFromCompiled(path, store, feedback_.get(), texts);
+        const LoadOutcome outcome = FillFromCompiled(path, store, feedback_.get(), texts, file_problem_);
         FinishFeedback();
         return outcome;
     }
@@ -178,17 +179,17 @@ LoadOutcome DefaultHost::FillFromFile(const std::string& path, MemoryResidentDat
 LoadOutcome DefaultHost::FillFromSnapshot(const std::string& path, MemoryResidentData& store,
                                           const std::wstring& dataset) {
     native_config_->Forget();
-    FileProblem problem;
-    const bool loaded = Snapshots::Load(path, store, dataset, feedback_.get(), problem);
+    const bool loaded = Snapshots::Load(path, store, dataset, feedback_.get(), file_problem_);
     FinishFeedback();
     if (loaded) {
         return LoadOutcome::Ok;
     }
-    if (problem.fault != FileFault::None) {
-        MessageManager::getInstance()->ShowMessage(nullptr, FromUtf8(problem.ToString()), GetMessageCaption(),
+    const FileFault fault = file_problem_.fault;
+    if (fault != FileFault::None) {
+        MessageManager::getInstance()->ShowMessage(nullptr, FromUtf8(file_problem_.ToString()), GetMessageCaption(),
                                                    kMessageStyleError);
     }
-    const bool unreadable = problem.fault == FileFault::CannotOpen || problem.fault == FileFault::CannotRead;
+    const bool unreadable = fault == FileFault::CannotOpen || fault == FileFault::CannotRead;
     return unreadable ? LoadOutcome::Unreadable : LoadOutcome::Findings;
 }
 

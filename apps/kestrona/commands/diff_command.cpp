@@ -1,10 +1,12 @@
 #include "commands/diff_command.h"
 
 #include "commands/command_options.h"
+#include "commands/file_problems.h"
 #include "commands/import_folders.h"
 #include "commands/record_source.h"
 #include "commands/saved_secrets.h"
 #include "commands/session.h"
+#include "data/compiled_head.h"
 #include "data/field_names.h"
 #include "diff/diff_source.h"
 #include "exit_codes.h"
@@ -36,7 +38,17 @@ bool IsSnapshot(const std::string& file) {
     return kind == Host::FileKind::Snapshot || kind == Host::FileKind::CompressedSnapshot;
 }
 
+/// Whether the beginning of a file is one that is read; `problem` otherwise.
+bool CheckStart(const std::string& file, Host::FileProblem& problem) {
+    const Host::FileKind kind = Host::KindOfFile(file);
+    return (kind != Host::FileKind::Other || CheckIsText(file, problem)) &&
+           (kind != Host::FileKind::CompiledDefinition || CheckCompiledHead(file, problem));
+}
+
 int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string& dataset, MemoryResidentData& store) {
+    if (Host::FileProblem problem; !CheckStart(file, problem)) {
+        return TellProblem(problem);
+    }
     switch (host.FillFromFile(file, store, FromUtf8(dataset))) {
     case Host::LoadOutcome::Ok:
         return IsSnapshot(file) ? OpenSavedSecrets(store) : int{kExitGood};
@@ -46,7 +58,7 @@ int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string
     case Host::LoadOutcome::AlreadyLoaded:
         break;
     }
-    return kExitDamagedInput;
+    return CodeOfInput(ExitCodeOf(host.LastFileProblem().fault));
 }
 
 /// Returns whether the store can be compared; `code` takes the worst of what has happened.

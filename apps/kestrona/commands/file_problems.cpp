@@ -18,7 +18,9 @@ using Host::FileKind;
 /// Bytes that are looked at. Definitions hold no zeros, other files soon do.
 constexpr std::size_t kStart = 4096;
 
-int CodeOf(FileFault fault) {
+} // namespace
+
+int ExitCodeOf(FileFault fault) {
     switch (fault) {
     case FileFault::None:
         return kExitFindings;
@@ -36,13 +38,11 @@ int CodeOf(FileFault fault) {
     return kExitUnreadableInput;
 }
 
-} // namespace
-
 int TellProblem(const Host::FileProblem& problem) {
     if (problem.fault != FileFault::None) {
         fmt::print(stderr, "kestrona: error: {}\n", problem.ToString());
     }
-    return CodeOf(problem.fault);
+    return ExitCodeOf(problem.fault);
 }
 
 bool CheckIsText(const std::string& path, Host::FileProblem& problem) {

@@ -11,8 +11,11 @@
 
 namespace Kestrona::Tool {
 
-/// Says on stderr what is wrong with a file, if there is something to say. Returns the exit code that goes with it;
-/// `kExitFindings` where the definition in a sound file has been found wrong.
+/// Returns the exit code that goes with a fault; `kExitFindings` for none, where the definition in a sound file has
+/// been found wrong.
+int ExitCodeOf(Host::FileFault fault);
+
+/// Says on stderr what is wrong with a file, if there is something to say. Returns its `ExitCodeOf`.
 int TellProblem(const Host::FileProblem& problem);
 
 /// Tells whether a regular file begins like a text and so can be the source of a definition; `problem` otherwise. The

@@ -172,6 +172,9 @@ int RunInfo(const InfoOptions& options) {
     }
     Host::FileProblem problem;
     const auto info = Host::ReadSnapshotInfo(options.file, problem);
+    if (problem.fault == Host::FileFault::WrongMarker) {
+        problem.expected += " or a compiled definition";
+    }
     return info ? PrintSnapshot(*info, options) : TellProblem(problem);
 }
 

@@ -102,8 +102,9 @@ int Session::LoadCompiled(const std::string& path) {
     if (!CheckCompiledHead(path, problem)) {
         return TellProblem(problem);
     }
-    const int code = CodeOf(host_.LoadCompiled(path));
-    return code == kExitFindings ? TellProblem({Host::FileFault::Damaged, path, {}, "", ""}) : code;
+    // Not the entry that a process has once: that one does not tell where a file goes wrong.
+    return host_.FillFromFile(path, Store()) == Host::LoadOutcome::Ok ? int{kExitGood}
+                                                                      : ExitCodeOf(host_.LastFileProblem().fault);
 }
 
 int Session::Compile(const std::string& definition, const std::string& target) {

@@ -4,6 +4,7 @@
 #include <kestrona/host/feedback.h>
 #include <kestrona/host/globalization.h>
 #include <kestrona/host/native_config.h>
+#include <kestrona/host/snapshot.h>
 #include <kestrona/host/stream_logger.h>
 #include <kestrona/host/text_sink.h>
 #include <kestrona/host_interfaces.h>
@@ -74,6 +75,10 @@ public:
     LoadOutcome FillFromFile(const std::string& path, Data::MemoryResident::MemoryResidentData& store,
                              const std::wstring& dataset = {});
 
+    /// What was wrong with the file of the last `FillFromFile`; no fault where the definition in it was found wrong, or
+    /// nothing was.
+    [[nodiscard]] const FileProblem& LastFileProblem() const { return file_problem_; }
+
     /// The store that `LoadDefinition`, `LoadCompiled` and `CompileDefinition` fill.
     [[nodiscard]] Data::MemoryResident::MemoryResidentData& Store() { return *store_; }
 
@@ -105,6 +110,7 @@ private:
 
     LocaleNames locale_;
     std::wstring title_;
+    FileProblem file_problem_;
     bool logs_apart_ = false; // the log does not go where the messages go
 
     CoreMessage* messages_ = nullptr;               // the process holds it
