@@ -187,6 +187,7 @@ private:
     std::int32_t depth_;
 };
 
+/// A number.
 class KS_API ConstantExpression final : public AbstractExpression {
 public:
     explicit ConstantExpression(double value) : value_(value) {}
@@ -310,6 +311,7 @@ private:
     std::shared_ptr<AbstractString> inner_;
 };
 
+/// A text without fields.
 class KS_API LiteralString final : public AbstractString {
 public:
     explicit LiteralString(std::wstring text) : text_(std::move(text)) {}

@@ -48,6 +48,7 @@ struct ClassificationWord {
     Place place;
 };
 
+/// A field, as its source defines it.
 struct FieldDefinition {
     std::wstring name;
     double default_value = 0.0;
@@ -63,6 +64,7 @@ struct FieldDefinition {
     Place place;
 };
 
+/// A format with its fields, likewise.
 struct FormatDefinition {
     std::wstring name;
     std::wstring display_name;
@@ -95,7 +97,9 @@ struct HelpDefinition {
     Place place;
 };
 
+/// A string table.
 struct StringTableDefinition {
+    /// A text and the number that fields hold for it.
     struct Entry {
         std::wstring text;
         double value = 0.0;
@@ -129,12 +133,14 @@ using FileReader = std::function<std::optional<std::string>(const std::string& p
 /// Reads a file of the file system; nothing for what is not there, not readable, or no regular file.
 [[nodiscard]] std::optional<std::string> ReadDefinitionFile(const std::string& path);
 
+/// How a source is read.
 struct ParseOptions {
     /// Look up the formats and fields that classifications name. Without it a wrong name is left to the load, which
     /// stops at the first one.
     bool check_references = true;
 };
 
+/// What a source holds, and what is wrong with it. With errors the definition is what could be understood.
 struct ParseResult {
     Definition definition;
     /// By file, line and column; at most 100 errors and 100 warnings, each then followed by one that says so.

@@ -53,6 +53,7 @@ enum class KeySource {
     Terminal,
 };
 
+/// A key, or what kept it from being found.
 struct KeyResult {
     KeySource source = KeySource::None; ///< The place that was chosen, also when what it holds is of no use.
     std::wstring protected_key;         ///< As `DataProtection::Protect` gives it; empty without a key.
@@ -72,6 +73,7 @@ struct KeyResult {
 /// Requires: before the load of a definition, so that encrypted fields get encrypted columns.
 KeyResult SetUpEncryption(const KeyRequest& request);
 
+/// A text that was typed unseen, or what kept it from being typed.
 struct TypedSecret {
     SecretText text;   ///< Empty with an error.
     std::string error; ///< For people; empty when there is a text.

@@ -81,8 +81,9 @@ enum class FileKind : std::uint8_t {
 /// compared. Nothing, and `problem`, when it cannot be told.
 [[nodiscard]] std::optional<SnapshotInfo> ReadSnapshotInfo(const std::string& path, FileProblem& problem);
 
+/// How a snapshot is written.
 struct SnapshotOptions {
-    bool compress = false;
+    bool compress = false; ///< As one zlib stream.
 };
 
 /// Writes a snapshot, table by table. The file appears under its name whole, at `Commit`, or not at all; what stood

@@ -33,6 +33,7 @@ struct TranslationListEntry {
     [[nodiscard]] bool IsFilledIn() const { return !translation.empty() && translation != L" "; }
 };
 
+/// A list that a translator has filled in.
 struct TranslationList {
     std::vector<TranslationListEntry> entries; ///< In reading order.
     std::vector<Diagnostic> diagnostics;       ///< Entries that were left out, and section names that were cut off.
