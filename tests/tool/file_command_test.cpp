@@ -180,7 +180,7 @@ TEST_F(PlantFiles, DamageIsToldByItsKind) {
         {changed(compiled, version + 4, '\x0e'), "found version 14.0, expected version 15.0", 3, 0},
         {compiled.substr(0, version + 6), "ends too early at offset", 4, 4},
         {changed(compiled, text, static_cast<char>(~compiled[text])), "is damaged", 4, 0},
-        {compiled.substr(0, compiled.size() - 9), "is damaged", 4, 0},
+        {compiled.substr(0, compiled.size() - 9), "ends too early at offset", 4, 0},
     };
     const std::string path = folder_ + "/broken";
     int number = 0;
@@ -193,6 +193,7 @@ TEST_F(PlantFiles, DamageIsToldByItsKind) {
         EXPECT_NE(show.err.find("kestrona: error: '" + path + "' "), std::string::npos) << number << show.err;
         EXPECT_NE(show.err.find(c.told), std::string::npos) << number << show.err;
         EXPECT_EQ(RunTool({"info", path}).exit_code, c.info) << number;
+        EXPECT_EQ(RunTool({"diff", path, path}).exit_code, c.show) << number;
     }
 }
 

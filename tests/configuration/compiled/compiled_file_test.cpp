@@ -271,9 +271,7 @@ TEST_F(CompiledFile, IsReadByTheDefaultHostWhateverItsKind) {
         const std::string cut = Bytes().substr(0, Bytes().size() - 1);
         SetBytes(cut);
         EXPECT_EQ(fill(*store, output), Host::LoadOutcome::Findings);
-        EXPECT_NE(output.find("' is damaged: its end was reached at offset " + std::to_string(cut.size())),
-                  std::string::npos)
-            << output;
+        EXPECT_NE(output.find("' ends too early at offset " + std::to_string(cut.size())), std::string::npos) << output;
     }
 }
 
