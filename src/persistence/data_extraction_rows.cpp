@@ -25,6 +25,13 @@ using Data::MemoryResident::MemoryResidentData;
 
 namespace {
 
+// Made once; outside of the exported class, whose statics would be exported, too.
+template <typename T>
+const T& Parser() {
+    static const T parser;
+    return parser;
+}
+
 constexpr const wchar_t* kBadDatabase = L"Unrecognised table or field name referred to by a DATABASE classification";
 constexpr const wchar_t* kBadFamily = L"Unrecognised table or field name referred to by a FAMILY classification";
 constexpr const wchar_t* kBetweenElements = L"             ";
@@ -140,7 +147,7 @@ private:
     static bool Has(std::uint32_t type, std::uint32_t bit) { return (type & bit) != 0; }
 
     TableColumn DatabaseTarget(std::int32_t number) {
-        static const ClassificationParser_DATABASE parser;
+        const ClassificationParser_DATABASE& parser = Parser<ClassificationParser_DATABASE>();
         const ClassificationMatch match = parser.MatchFirst(store_.GetDbClassString(format_, number));
         TableColumn target;
         if (!match.Matched || !reader_.LookupTableAndFieldNames(match.Values.at(parser.get_TableNameKey()),
@@ -152,7 +159,7 @@ private:
     }
 
     bool FindFamilyTarget(std::int32_t number, Form form, TableColumn& target) {
-        static const ClassificationParser_FAMILY parser;
+        const ClassificationParser_FAMILY& parser = Parser<ClassificationParser_FAMILY>();
         const ClassificationMatch match = parser.MatchFirst(store_.GetDbClassString(format_, number));
         if (match.Matched && form == Form::Display &&
             !reader_.LookupTableAndFieldNames(store_.GetDbName(format_), match.Values.at(parser.get_FirstKey()),
