@@ -1,6 +1,7 @@
 #include "encryption.h"
 
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/encryption.h>
@@ -55,7 +56,7 @@ int SetUpKey(const KeyOptions& options) {
     KeepSecretsOutOfCores();
     const Host::KeyResult result = Host::SetUpEncryption({options.file, true, options.ask});
     if (!result.error.empty()) {
-        fmt::print(stderr, "kestrona: error: {}\n", result.error);
+        TellError("{}", result.error);
         return kExitKey;
     }
     return kExitGood;
@@ -64,7 +65,7 @@ int SetUpKey(const KeyOptions& options) {
 int RequireKey(const KeyOptions& options) {
     const int code = SetUpKey(options);
     if (code == kExitGood && !HasKey()) {
-        fmt::print(stderr, "kestrona: error: there is no key; {}\n", kHowToGiveAKey);
+        TellError("there is no key; {}", kHowToGiveAKey);
         return kExitKey;
     }
     return code;

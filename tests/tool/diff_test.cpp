@@ -168,7 +168,7 @@ format Extra {
     EXPECT_EQ(Rows(Run({"-o", "csv", "--tolerance", "0.25"})), tolerant);
     EXPECT_EQ(Rows(Run({"-o", "csv", "--summary", "--table", "Stock"})).at(1),
               (std::vector<std::string>{"Stock", "3", "2", "1", "0", "2", "3", "1", "1"}));
-    const auto json = nlohmann::json::parse(Run({"-o", "json"}).out);
+    const auto json = nlohmann::json::parse(Run({"-o", "json"}).out)["rows"];
     ASSERT_EQ(json.size(), 7U);
     EXPECT_EQ(json[3]["New"], "1.75");
     EXPECT_THAT(RunTool({"diff", folder_ + "/old.ksdef", folder_ + "/new.ksdef", "--table", "Nuts"}).err,

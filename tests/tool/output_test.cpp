@@ -40,7 +40,7 @@ TEST(Output, CsvIsReadBackAsItWas) {
     const std::string path = OwnPath("output_back.csv");
     std::ofstream(path, std::ios::binary) << Written(source, OutputForm::Csv);
     std::vector<std::vector<std::string>> rows;
-    EXPECT_EQ(ReadCsv(path,
+    EXPECT_EQ(ReadCsv(path, TextEncoding::Auto,
                       [&](const CsvRow& row) {
                           rows.push_back(row.cells);
                           return true;

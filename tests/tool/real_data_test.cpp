@@ -21,7 +21,7 @@ using Rows = std::vector<std::map<std::string, std::string>>;
 Rows ReadRows(const std::string& path) {
     Rows rows;
     std::vector<std::string> heading;
-    const CsvOutcome outcome = ReadCsv(path, [&](const CsvRow& row) {
+    const CsvOutcome outcome = ReadCsv(path, TextEncoding::Auto, [&](const CsvRow& row) {
         if (heading.empty()) {
             heading = row.cells;
             return true;

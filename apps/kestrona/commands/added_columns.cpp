@@ -1,6 +1,7 @@
 #include "commands/added_columns.h"
 
 #include "data/cell_text.h"
+#include "output/message.h"
 
 #include <kestrona/unicode.h>
 
@@ -53,7 +54,7 @@ std::optional<std::vector<NamedExpression>> ParseAddedColumns(IMemoryResidentDat
         std::string problem;
         std::optional<NamedExpression> column = ParseAdded(store, format, text, names, problem);
         if (!column) {
-            fmt::print(stderr, "kestrona: error: --add '{}' {}\n", text, problem);
+            TellError("--add '{}' {}", text, problem);
             return std::nullopt;
         }
         columns.push_back(std::move(*column));

@@ -1,6 +1,7 @@
 #include "commands/key_commands.h"
 #include "data/audit_file.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <fmt/format.h>
 
@@ -50,7 +51,7 @@ int RunAuditShow(const AuditShowOptions& options) {
     std::string error;
     const std::optional<std::string> bytes = ReadBytes(options.file, error);
     if (!bytes) {
-        fmt::print(stderr, "kestrona: error: '{}' cannot be read: {}\n", options.file, error);
+        TellError("'{}' cannot be read: {}", options.file, error);
         return kExitUnreadableInput;
     }
     AuditFile file = ReadAudit(*bytes);
@@ -62,7 +63,7 @@ int RunAuditShow(const AuditShowOptions& options) {
     }
     TellFaults(options.file, file.faults);
     if (!WriteTable(table, options.form, stdout)) {
-        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+        TellError("the output cannot be written");
         return kExitUnreadableInput;
     }
     return file.faults.empty() ? kExitGood : kExitDamagedInput;

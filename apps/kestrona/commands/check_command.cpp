@@ -2,7 +2,10 @@
 #include "commands/file_problems.h"
 #include "exit_codes.h"
 #include "lint/check_definition.h"
+#include "output/terminal.h"
 #include "output/text_output.h"
+
+#include <cstdio>
 
 namespace Kestrona::Tool {
 namespace {
@@ -34,7 +37,11 @@ int RunCheck(const CheckOptions& options) {
         return code;
     }
     const Lint::Report report = Lint::CheckDefinition(options.definition);
-    const int code = WriteText(Written(report, options.form), "");
+    std::string text = Written(report, options.form);
+    if (options.form == Lint::ReportForm::Text && UsesColor(stdout)) {
+        text = PaintedLabels(text);
+    }
+    const int code = WriteText(text, "");
     return code == kExitGood ? CodeOf(report, options.strict) : code;
 }
 

@@ -1,12 +1,14 @@
 #include "commands/command_options.h"
 
+#include "commands/choice.h"
+
 #include <CLI/CLI.hpp>
 
 namespace Kestrona::Tool {
 
 void AddOutputForm(CLI::App& command, OutputForm& form) {
     command.add_option("-o,--output", form, "Output form: table, csv, json, jsonl or markdown")
-        ->transform(CLI::CheckedTransformer(OutputFormNames(), CLI::ignore_case).description(""))
+        ->transform(OneOf(OutputFormNames()))
         ->option_text("FORM");
 }
 
@@ -24,6 +26,14 @@ CLI::Option* AddFolders(CLI::App& command, std::vector<std::string>& folders) {
         ->allow_extra_args(false);
 }
 
+void AddEncoding(CLI::App& command, TextEncoding& encoding) {
+    command
+        .add_option("--encoding", encoding,
+                    "Encoding of the CSV files without a byte order mark: auto (UTF-8), utf-8, utf-16 or windows-1252")
+        ->transform(OneOf(TextEncodingNames()))
+        ->option_text("ENCODING");
+}
+
 void AddKey(CLI::App& command, KeyOptions& key) {
     command.add_option("--key-file", key.file, "File with the key of encrypted fields, protected or plain")
         ->option_text("FILE");
@@ -35,6 +45,7 @@ void AddRecordChoice(CLI::App& command, RecordChoice& choice) {
     AddDefinition(command, choice.source);
     command.add_option("TABLE", choice.table, "Format of the records")->required();
     AddFolders(command, choice.folders);
+    AddEncoding(command, choice.encoding);
     command.add_option("--dataset", choice.dataset, "Dataset of the tables of a snapshot that have several")
         ->option_text("NAME");
     command

@@ -25,6 +25,9 @@ void AddDefinition(CLI::App& command, std::string& definition);
 /// Returns the switch, so that a command can require it.
 CLI::Option* AddFolders(CLI::App& command, std::vector<std::string>& folders);
 
+/// How the texts of CSV files are encoded.
+void AddEncoding(CLI::App& command, TextEncoding& encoding);
+
 /// The switches that name a key.
 void AddKey(CLI::App& command, KeyOptions& key);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data/text_decoder.h"
 #include "encryption.h"
 #include "lint/report_writer.h"
 #include "output/table_writer.h"
@@ -55,7 +56,8 @@ struct RecordChoice {
     std::string source;  ///< A definition, compiled or not, or a snapshot.
     std::string dataset; ///< Of a snapshot's tables with several; empty for the first one of each.
     KeyOptions key;
-    std::vector<std::string> folders; ///< The records of a definition.
+    std::vector<std::string> folders;           ///< The records of a definition.
+    TextEncoding encoding = TextEncoding::Auto; ///< Of the CSV files.
     std::string table;
     std::vector<std::string> conditions; ///< `FIELD=VALUE` and the like, or expressions; all must hold.
     std::vector<std::string> order;      ///< `FIELD[:desc]`: fields to sort by.

@@ -1,12 +1,11 @@
 #include "commands/key_commands.h"
 #include "data/decrypted_text.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/encryption.h>
 #include <kestrona/host/encryption_key.h>
 #include <kestrona/unicode.h>
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -53,7 +52,7 @@ Outcome DecryptOne(std::string_view text) {
 /// A failed text gives an empty line, so that the lines stay in step.
 int PrintOne(const Outcome& outcome, std::size_t number) {
     if (!outcome.problem.empty()) {
-        fmt::print(stderr, "kestrona: error: text {} {}\n", number, outcome.problem);
+        TellError("text {} {}", number, outcome.problem);
     }
     std::fwrite(outcome.text.data(), 1, outcome.text.size(), stdout);
     std::fputc('\n', stdout);
@@ -87,7 +86,7 @@ int ConvertAll(const CryptOptions& options, Convert convert) {
             code = std::max(code, PrintOne(convert(options.texts[i]), i + 1));
         }
     } catch (const Encryption::DataProtectionException& failure) {
-        fmt::print(stderr, "kestrona: error: the key cannot be read: {}\n", failure.what());
+        TellError("the key cannot be read: {}", failure.what());
         return kExitKey;
     }
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? code : std::max<int>(code, kExitUnreadableInput);

@@ -7,9 +7,11 @@
 #include "commands/saved_secrets.h"
 #include "commands/session.h"
 #include "data/compiled_head.h"
+#include "data/definition_reader.h"
 #include "data/field_names.h"
 #include "diff/diff_source.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/host/default_host.h>
 #include <kestrona/host/snapshot.h>
@@ -62,15 +64,14 @@ int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string
 }
 
 /// Returns whether the store can be compared; `code` takes the worst of what has happened.
-bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const std::string& dataset, MemoryResidentData& store,
+bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const DiffOptions& options, MemoryResidentData& store,
               int& code) {
     if (!input.folders.empty() && IsSnapshot(input.file)) {
-        fmt::print(stderr, "kestrona: error: '{}' is a snapshot and has its own records; give it no folder\n",
-                   input.file);
+        TellError("'{}' is a snapshot and has its own records; give it no folder", input.file);
         code = kExitUsage;
         return false;
     }
-    const int loaded = LoadFile(host, input.file, dataset, store);
+    const int loaded = LoadFile(host, input.file, options.dataset, store);
     if (loaded != kExitGood) {
         code = loaded;
         return false;
@@ -78,7 +79,7 @@ bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const std::string
     if (input.folders.empty()) {
         return true;
     }
-    const int imported = CodeOfInput(ImportFolders(store, input.folders));
+    const int imported = CodeOfInput(ImportFolders(store, input.folders, options.encoding));
     code = std::max(code, imported);
     return imported != kExitUnreadableInput;
 }
@@ -86,7 +87,7 @@ bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const std::string
 bool HaveTables(const DiffSides& sides, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         if (FormatNamed(sides.old_store, name) < 0 && FormatNamed(sides.new_store, name) < 0) {
-            fmt::print(stderr, "kestrona: error: no format of either side is called '{}'\n", name);
+            TellError("no format of either side is called '{}'", name);
             return false;
         }
     }
@@ -95,11 +96,9 @@ bool HaveTables(const DiffSides& sides, const std::vector<std::string>& names) {
 
 void TellRepeats(const std::string& table, std::size_t repeats, const char* side) {
     if (repeats > 0) {
-        fmt::print(
-            stderr,
-            "kestrona: warning: {}: {} records of the {} side have the key of an earlier one; records of one key "
-            "are compared in their order\n",
-            table, repeats, side);
+        TellWarning("{}: {} records of the {} side have the key of an earlier one; records of one key "
+                    "are compared in their order",
+                    table, repeats, side);
     }
 }
 
@@ -111,10 +110,9 @@ void TellLocked(const DiffSides& sides, const TableDiff& diff) {
         const bool is_locked = IsLocked(sides.old_store, format, field) ||
                                IsLocked(sides.new_store, pair.new_field.format, pair.new_field.field);
         if (is_locked && diff.old_records > 0 && diff.new_records > 0) {
-            fmt::print(stderr,
-                       "kestrona: warning: {}.{} is encrypted, and there is no key: texts that differ cannot be "
-                       "told; {}\n",
-                       diff.name, ToUtf8(sides.old_store.GetColumnName(format, field)), kHowToGiveAKey);
+            TellWarning("{}.{} is encrypted, and there is no key: texts that differ cannot be "
+                        "told; {}",
+                        diff.name, ToUtf8(sides.old_store.GetColumnName(format, field)), kHowToGiveAKey);
         }
     }
 }
@@ -140,12 +138,13 @@ bool TellNumbers(const DiffSides& sides, const std::vector<TableDiff>& diffs) {
 }
 
 bool Print(const DiffOptions& options, const DiffSides& sides, const std::vector<TableDiff>& diffs) {
-    const bool written = options.summary
-                             ? WriteTable(DiffSummary(diffs), options.form, stdout)
-                             : WriteTable(DiffSource(sides, diffs, StyleFor(options.form, options.raw, options.text)),
-                                          options.form, stdout);
+    const bool written =
+        options.summary
+            ? WriteReport("diff summary", DiffSummary(diffs), options.form, stdout)
+            : WriteReport("diff", DiffSource(sides, diffs, StyleFor(options.form, options.raw, options.text)),
+                          options.form, stdout);
     if (!written) {
-        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+        TellError("the output cannot be written");
     }
     return written;
 }
@@ -166,6 +165,10 @@ int Compare(const DiffOptions& options, const DiffSides& sides) {
 int RunDiff(const DiffOptions& options) {
     Host::DefaultHostOptions host_options;
     host_options.progress = true;
+    host_options.output = TellLines;
+    host_options.reader = [&options](const std::string& path) {
+        return ReadDefinition(path, path == options.old_input.file || path == options.new_input.file);
+    };
     Host::DefaultHost host(std::move(host_options));
     int code = SetUpKey(options.key);
     if (code != kExitGood) {
@@ -173,8 +176,8 @@ int RunDiff(const DiffOptions& options) {
     }
     const auto old_store = host.CreateStore();
     const auto new_store = host.CreateStore();
-    if (!LoadSide(host, options.old_input, options.dataset, *old_store, code) ||
-        !LoadSide(host, options.new_input, options.dataset, *new_store, code)) {
+    if (!LoadSide(host, options.old_input, options, *old_store, code) ||
+        !LoadSide(host, options.new_input, options, *new_store, code)) {
         return code;
     }
     return std::max(code, Compare(options, {*old_store, *new_store, options.tolerance}));
@@ -192,6 +195,7 @@ void AddDiffCommand(CLI::App& app, int& code) {
     };
     add_many("--data-old", options->old_input.folders, "Folder of CSV files for OLD; may be repeated", "FOLDER");
     add_many("--data-new", options->new_input.folders, "Folder of CSV files for NEW; may be repeated", "FOLDER");
+    AddEncoding(*command, options->encoding);
     add_many("--table", options->tables, "Format to compare; may be repeated; all without it", "TABLE");
     command
         ->add_option("--tolerance", options->tolerance,

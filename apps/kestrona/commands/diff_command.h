@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data/text_decoder.h"
 #include "encryption.h"
 #include "output/table_writer.h"
 
@@ -21,6 +22,7 @@ struct DiffInput {
 struct DiffOptions {
     DiffInput old_input;
     DiffInput new_input;
+    TextEncoding encoding = TextEncoding::Auto; ///< Of the CSV files.
     KeyOptions key;
     std::vector<std::string> tables; ///< Names of formats; empty for all.
     std::string dataset;             ///< The one of several datasets; empty for the first.

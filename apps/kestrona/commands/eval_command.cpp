@@ -1,10 +1,9 @@
 #include "commands/commands.h"
 #include "commands/opened_table.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/unicode.h>
-
-#include <fmt/format.h>
 
 #include <optional>
 #include <utility>
@@ -30,7 +29,7 @@ std::optional<RecordExpression> ParseOrTell(IMemoryResidentData& store, std::int
         store, format, options.expression,
         options.inside_of_text ? ExpressionText::InsideOfText : ExpressionText::Expression, problem);
     if (!expression) {
-        fmt::print(stderr, "kestrona: error: {}\n", problem);
+        TellError("{}", problem);
     }
     return expression;
 }

@@ -1,10 +1,13 @@
 #include "commands/export_command.h"
 
+#include "commands/choice.h"
 #include "commands/command_options.h"
 #include "commands/import_folders.h"
 #include "commands/session.h"
 #include "exit_codes.h"
 #include "export/record_tables.h"
+#include "output/message.h"
+#include "output/progress.h"
 
 #include <kestrona/unicode.h>
 
@@ -12,14 +15,20 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <utility>
 
 namespace Kestrona::Tool {
 namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
+
+constexpr std::string_view kStdout = "-";
 
 const std::map<std::string, ExportForm>& ExportFormNames() {
     static const std::map<std::string, ExportForm> names{{"csv", ExportForm::Csv},
@@ -41,6 +50,34 @@ ExportResult Write(ExportForm form, const std::vector<ExportTable>& tables, cons
         break;
     }
     return WriteXlsxFile(tables, target);
+}
+
+bool FitsStdout(const ExportOptions& options) {
+    return options.form == ExportForm::Json || (options.form == ExportForm::Csv && options.tables.size() == 1);
+}
+
+/// Has the tables tell how far their reader has come.
+void Watch(std::vector<ExportTable>& tables, Progress& progress) {
+    for (ExportTable& table : tables) {
+        table.source = std::make_unique<WatchedSource>(std::move(table.source), progress);
+    }
+}
+
+std::uintmax_t RowsOf(const std::vector<ExportTable>& tables) {
+    std::uintmax_t rows = 0;
+    for (const ExportTable& table : tables) {
+        rows += table.source->RowCount();
+    }
+    return rows;
+}
+
+ExportResult WriteWatched(const ExportOptions& options, std::vector<ExportTable>& tables) {
+    Progress progress("writing records", RowsOf(tables));
+    Watch(tables, progress);
+    if (options.target != kStdout) {
+        return Write(options.form, tables, options.target);
+    }
+    return options.form == ExportForm::Json ? WriteJsonTables(tables, stdout) : WriteCsvTable(tables.front(), stdout);
 }
 
 /// In the order of the definition, each format once.
@@ -65,10 +102,9 @@ void TellLocked(IMemoryResidentData& store, const std::vector<std::int32_t>& for
     for (const std::int32_t format : formats) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             if (store.GetCurrentDbSize(format) > 0 && IsLocked(store, format, field)) {
-                fmt::print(stderr,
-                           "kestrona: warning: {}.{} is encrypted, and there is no key: its texts read {}; {}\n",
-                           ToUtf8(store.GetDbName(format)), ToUtf8(store.GetColumnName(format, field)),
-                           kEncryptedPlaceholder, kHowToGiveAKey);
+                TellWarning("{}.{} is encrypted, and there is no key: its texts read {}; {}",
+                            ToUtf8(store.GetDbName(format)), ToUtf8(store.GetColumnName(format, field)),
+                            kEncryptedPlaceholder, kHowToGiveAKey);
             }
         }
     }
@@ -79,14 +115,10 @@ int TellResult(const ExportResult& result, const std::vector<ExportTable>& table
         fmt::print(stderr, "{}\n", note);
     }
     if (!result.error.empty()) {
-        fmt::print(stderr, "kestrona: error: {}\n", result.error);
+        TellError("{}", result.error);
         return kExitUnreadableInput;
     }
-    std::size_t records = 0;
-    for (const ExportTable& table : tables) {
-        records += table.source->RowCount();
-    }
-    fmt::print(stderr, "{} records of {} formats to {}; peak memory {:.1f} MB\n", records, tables.size(), target,
+    fmt::print(stderr, "{} records of {} formats to {}; peak memory {:.1f} MB\n", RowsOf(tables), tables.size(), target,
                static_cast<double>(PeakMemory()) / 1.0e6);
     return result.lossy ? kExitFindings : kExitGood;
 }
@@ -94,29 +126,34 @@ int TellResult(const ExportResult& result, const std::vector<ExportTable>& table
 } // namespace
 
 int RunExport(const ExportOptions& options) {
+    if (options.target == kStdout && !FitsStdout(options)) {
+        TellError("stdout takes json, or csv of one format; give --table, or a file or folder with -o");
+        return kExitUsage;
+    }
     Session session;
     if (const int code = session.Load(options.file, options.key, options.dataset); code != kExitGood) {
         return code;
     }
     if (session.HasRecords() && !options.folders.empty()) {
-        fmt::print(stderr, "kestrona: error: '{}' is a snapshot and has its own records; leave out --data\n",
-                   options.file);
+        TellError("'{}' is a snapshot and has its own records; leave out --data", options.file);
         return kExitUsage;
     }
     const auto formats = ChooseFormats(session, options.tables);
     if (!formats) {
         return kExitUsage;
     }
-    const int code = options.folders.empty() ? int{kExitGood} : ImportFolders(session.Store(), options.folders);
+    const int code =
+        options.folders.empty() ? int{kExitGood} : ImportFolders(session.Store(), options.folders, options.encoding);
     if (code == kExitUnreadableInput) {
         return code;
     }
     TellLocked(session.Store(), *formats);
     const bool reads_back = options.form == ExportForm::Csv && !options.text;
-    const std::vector<ExportTable> tables =
+    std::vector<ExportTable> tables =
         TablesOf(session.Store(), *formats, reads_back ? ExportFields::Kept : ExportFields::All,
                  options.text ? CellStyle::Shown : CellStyle::Stored);
-    return std::max(code, TellResult(Write(options.form, tables, options.target), tables, options.target));
+    const ExportResult result = WriteWatched(options, tables);
+    return std::max(code, TellResult(result, tables, options.target));
 }
 
 void AddExportCommand(CLI::App& app, int& code) {
@@ -124,13 +161,18 @@ void AddExportCommand(CLI::App& app, int& code) {
     CLI::App* const command = app.add_subcommand("export", "Write records to CSV, JSON, SQLite or XLSX files");
     command->add_option("FILE", options->file, "Definition file, compiled definition or snapshot")->required();
     AddFolders(*command, options->folders);
+    AddEncoding(*command, options->encoding);
     command->add_option("--dataset", options->dataset, "Dataset of the tables of a snapshot that have several")
         ->option_text("NAME");
     command->add_option("-f,--form", options->form, "Form: csv (a folder of files), json, sqlite or xlsx")
         ->required()
-        ->transform(CLI::CheckedTransformer(ExportFormNames(), CLI::ignore_case).description(""))
+        ->transform(OneOf(ExportFormNames()))
         ->option_text("FORM");
-    command->add_option("-o,--output", options->target, "Folder or file to write")->required()->option_text("TARGET");
+    command
+        ->add_option("-o,--output", options->target,
+                     "Folder or file to write; - is stdout for json, and for csv of one format")
+        ->required()
+        ->option_text("TARGET");
     command->add_option("--table", options->tables, "Format to write; may be repeated; all without it")
         ->option_text("TABLE")
         ->allow_extra_args(false);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data/text_decoder.h"
 #include "encryption.h"
 #include "export/export_table.h"
 
@@ -23,6 +24,7 @@ struct ExportOptions {
     std::string file; ///< What holds the definition, and the records if no folder gives them.
     KeyOptions key;
     std::vector<std::string> folders;
+    TextEncoding encoding = TextEncoding::Auto; ///< Of the CSV files.
     ExportForm form = ExportForm::Csv;
     std::string target;
     std::vector<std::string> tables; ///< Names of formats; empty for all.

@@ -9,8 +9,13 @@
 namespace Kestrona::Tool {
 namespace {
 
+/// These files are written aside and renamed, so that stdout cannot take their place.
+std::string RefuseStdout(const std::string& target) {
+    return target == "-" ? "'-' is no file to write; name one" : "";
+}
+
 void AddTarget(CLI::App& command, std::string& target) {
-    command.add_option("-o,--output", target, "File to write")->required()->option_text("FILE");
+    command.add_option("-o,--output", target, "File to write")->required()->check(RefuseStdout)->option_text("FILE");
 }
 
 void AddCompile(CLI::App& app, int& code) {
@@ -27,6 +32,7 @@ void AddImport(CLI::App& app, int& code) {
         app.add_subcommand("import", "Write a definition and CSV files into one file, a snapshot");
     command->add_option("DEFINITION", options->definition, "Definition file or compiled definition")->required();
     AddFolders(*command, options->folders)->required();
+    AddEncoding(*command, options->encoding);
     command
         ->add_option("--dataset", options->datasets,
                      "Save the tables with a file in FOLDER a second time, as the dataset NAME; may be repeated")
@@ -52,7 +58,7 @@ void AddCompression(CLI::App& app, int& code, const char* name, const char* help
     const auto options = std::make_shared<CompressOptions>();
     CLI::App* const command = app.add_subcommand(name, help);
     command->add_option("SOURCE", options->source, "File to read")->required();
-    command->add_option("TARGET", options->target, "File to write")->required();
+    command->add_option("TARGET", options->target, "File to write")->required()->check(RefuseStdout);
     command->callback([options, run, &code] { code = run(*options); });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data/text_decoder.h"
 #include "encryption.h"
 #include "output/table_writer.h"
 
@@ -28,7 +29,8 @@ struct ImportOptions {
     std::string definition;
     KeyOptions key;
     std::vector<std::string> folders;
-    std::vector<std::string> datasets; ///< `NAME=FOLDER`: further records of the formats with a file there.
+    TextEncoding encoding = TextEncoding::Auto; ///< Of the CSV files.
+    std::vector<std::string> datasets;          ///< `NAME=FOLDER`: further records of the formats with a file there.
     std::string target;
     bool compress = false;
     bool keep_going = false; ///< Write what was taken over, even if something was rejected.

@@ -1,6 +1,7 @@
 #include "commands/file_problems.h"
 
-#include <fmt/format.h>
+#include "data/definition_reader.h"
+#include "output/message.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -40,7 +41,7 @@ int ExitCodeOf(FileFault fault) {
 
 int TellProblem(const Host::FileProblem& problem) {
     if (problem.fault != FileFault::None) {
-        fmt::print(stderr, "kestrona: error: {}\n", problem.ToString());
+        TellError("{}", problem.ToString());
     }
     return ExitCodeOf(problem.fault);
 }
@@ -63,18 +64,18 @@ int RefuseSameFile(const std::string& source, const std::string& target) {
     if (source != target && !std::filesystem::equivalent(source, target, unknown)) {
         return kExitGood;
     }
-    fmt::print(stderr, "kestrona: error: '{}' is read and cannot be written to, too\n", source);
+    TellError("'{}' is read and cannot be written to, too", source);
     return kExitUsage;
 }
 
 int RefuseCompiled(const std::string& path, const char* command) {
-    const FileKind kind = Host::KindOfFile(path);
+    const FileKind kind = path == kStdin ? FileKind::Other : Host::KindOfFile(path);
     const bool compiled = kind == FileKind::CompiledDefinition;
     if (!compiled && kind != FileKind::Snapshot && kind != FileKind::CompressedSnapshot) {
         return kExitGood;
     }
-    fmt::print(stderr, "kestrona: error: '{}' is a {}; {} needs the source of a definition\n", path,
-               compiled ? "compiled definition" : "snapshot", command);
+    TellError("'{}' is a {}; {} needs the source of a definition", path, compiled ? "compiled definition" : "snapshot",
+              command);
     return kExitUnreadableInput;
 }
 

@@ -2,6 +2,7 @@
 #include "commands/file_problems.h"
 #include "commands/session.h"
 #include "commands/snapshot_import.h"
+#include "output/message.h"
 
 #include <kestrona/types.h>
 #include <kestrona/unicode.h>
@@ -39,7 +40,7 @@ std::optional<std::vector<ImportedDataset>> ReadDatasets(const std::vector<std::
         ImportedDataset dataset;
         const std::string problem = ReadDataset(text, datasets, dataset);
         if (!problem.empty()) {
-            fmt::print(stderr, "kestrona: error: --dataset '{}' {}\n", text, problem);
+            TellError("--dataset '{}' {}", text, problem);
             return std::nullopt;
         }
         datasets.push_back(std::move(dataset));
@@ -62,7 +63,7 @@ int RunImport(const ImportOptions& options) {
         return code;
     }
     if (session.HasRecords()) {
-        fmt::print(stderr, "kestrona: error: '{}' is a snapshot; import needs a definition\n", options.definition);
+        TellError("'{}' is a snapshot; import needs a definition", options.definition);
         return kExitUsage;
     }
     return SnapshotImport(session.Store(), options, std::move(*datasets)).Run();

@@ -3,6 +3,7 @@
 #include "data/data_import.h"
 #include "data/reference_import.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/unicode.h>
 
@@ -40,11 +41,11 @@ void TellRejections(const ImportedFile& file, const std::vector<Rejection>& reje
 /// Prints what became of each file. Returns the worst exit code.
 int TellImport(IMemoryResidentData& store, const std::string& folder, const ImportReport& report) {
     if (!report.error.empty()) {
-        fmt::print(stderr, "kestrona: error: {}: {}\n", folder, report.error);
+        TellError("{}: {}", folder, report.error);
         return kExitUnreadableInput;
     }
     if (report.files.empty()) {
-        fmt::print(stderr, "kestrona: warning: {}: no file bears the name of a format\n", folder);
+        TellWarning("{}: no file bears the name of a format", folder);
     }
     int code = kExitGood;
     for (const ImportedFile& file : report.files) {
@@ -55,13 +56,22 @@ int TellImport(IMemoryResidentData& store, const std::string& folder, const Impo
         fmt::print(stderr, "{}: {} records into {}, {} rows rejected\n", file.file, file.rows,
                    ToUtf8(store.GetDbName(file.format)), file.rejected_rows);
         if (!file.error.empty()) {
-            fmt::print(stderr, "kestrona: error: {}: {}\n", file.file, file.error);
+            TellError("{}: {}", file.file, file.error);
             code = std::max<int>(code, file.unreadable ? kExitUnreadableInput : kExitDamagedInput);
         } else if (file.rejected_rows > 0) {
             code = std::max<int>(code, kExitFindings);
         }
     }
     return code;
+}
+
+/// A file of another encoding shows as one of UTF-8 with faults.
+void TellEncoding(const std::vector<Rejection>& rejections, TextEncoding encoding) {
+    const auto found = std::ranges::find_if(
+        rejections, [](const Rejection& rejection) { return rejection.reason.ends_with(kNoUtf8); });
+    if (found != rejections.end() && (encoding == TextEncoding::Auto || encoding == TextEncoding::Utf8)) {
+        TellNote("{} is not in UTF-8; try --encoding windows-1252 or --encoding utf-16", found->file);
+    }
 }
 
 /// Prints the cells that did not fit in the end. Returns whether there are any.
@@ -85,13 +95,14 @@ void TellReferences(IMemoryResidentData& store) {
 
 } // namespace
 
-int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders) {
+int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders, TextEncoding encoding) {
     const auto start = std::chrono::steady_clock::now();
     int code = kExitGood;
     std::vector<ImportedFile> files;
     for (const std::string& folder : folders) {
-        ImportReport report = ImportFolder(store, folder);
+        ImportReport report = ImportFolder(store, folder, encoding);
         code = std::max(code, TellImport(store, folder, report));
+        TellEncoding(report.rejections, encoding);
         std::ranges::move(report.files, std::back_inserter(files));
     }
     std::vector<Rejection> rejections = ResolveReferences(store, files);
@@ -105,10 +116,10 @@ int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& fo
     return code;
 }
 
-void ReimportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders) {
+void ReimportFolders(IMemoryResidentData& store, const std::vector<std::string>& folders, TextEncoding encoding) {
     std::vector<ImportedFile> files;
     for (const std::string& folder : folders) {
-        std::ranges::move(ImportFolder(store, folder).files, std::back_inserter(files));
+        std::ranges::move(ImportFolder(store, folder, encoding).files, std::back_inserter(files));
     }
     ResolveReferences(store, files);
     FillMatrices(store, files);

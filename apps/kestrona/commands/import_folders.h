@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/text_decoder.h"
+
 #include <kestrona/memory_resident_data.h>
 
 #include <string>
@@ -11,9 +13,11 @@
 namespace Kestrona::Tool {
 
 /// Loads folders of CSV files into the store and prints to stderr what became of them. Returns the worst exit code.
-int ImportFolders(Data::MemoryResident::IMemoryResidentData& store, const std::vector<std::string>& folders);
+int ImportFolders(Data::MemoryResident::IMemoryResidentData& store, const std::vector<std::string>& folders,
+                  TextEncoding encoding);
 
 /// Loads folders that have been loaded before once more, without a word.
-void ReimportFolders(Data::MemoryResident::IMemoryResidentData& store, const std::vector<std::string>& folders);
+void ReimportFolders(Data::MemoryResident::IMemoryResidentData& store, const std::vector<std::string>& folders,
+                     TextEncoding encoding);
 
 } // namespace Kestrona::Tool

@@ -1,6 +1,7 @@
 #include "commands/file_commands.h"
 #include "commands/file_problems.h"
 #include "data/compiled_head.h"
+#include "output/message.h"
 #include "output/property_sheet.h"
 
 #include <kestrona/compilation_state.h>
@@ -123,11 +124,11 @@ public:
     }
 };
 
-int Print(const TableSource& table, OutputForm form) {
-    if (WriteTable(table, form, stdout)) {
+int Print(const char* report, const TableSource& table, OutputForm form) {
+    if (WriteReport(report, table, form, stdout)) {
         return kExitGood;
     }
-    fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+    TellError("the output cannot be written");
     return kExitUnreadableInput;
 }
 
@@ -135,23 +136,23 @@ int Print(const TableSource& table, OutputForm form) {
 int PrintSnapshot(const SnapshotInfo& info, const InfoOptions& options) {
     const TableList list(info);
     if (options.tables) {
-        return Print(list, options.form);
+        return Print("tables", list, options.form);
     }
     PropertySheet sheet;
     Describe(info, sheet);
-    if (const int code = Print(sheet, options.form); code != kExitGood) {
+    if (const int code = Print("info", sheet, options.form); code != kExitGood) {
         return code;
     }
     if (options.form != OutputForm::Table && options.form != OutputForm::Markdown) {
         return kExitGood;
     }
     fmt::print("\n");
-    return Print(list, options.form);
+    return Print("tables", list, options.form);
 }
 
 int InfoOfCompiled(const InfoOptions& options) {
     if (options.tables) {
-        fmt::print(stderr, "kestrona: error: '{}' is a compiled definition and has no list of tables\n", options.file);
+        TellError("'{}' is a compiled definition and has no list of tables", options.file);
         return kExitUsage;
     }
     Host::FileProblem problem;
@@ -161,7 +162,7 @@ int InfoOfCompiled(const InfoOptions& options) {
     }
     PropertySheet sheet;
     Describe(*head, sheet);
-    return Print(sheet, options.form);
+    return Print("info", sheet, options.form);
 }
 
 } // namespace

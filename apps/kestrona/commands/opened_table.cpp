@@ -2,6 +2,7 @@
 
 #include "commands/import_folders.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/unicode.h>
 
@@ -18,7 +19,7 @@ std::optional<RecordOrder> ParseOrder(Data::MemoryResident::MemoryResidentData& 
     std::string problem;
     auto order = RecordOrder::Parse(store, format, choice.order, choice.group_families, problem);
     if (!order) {
-        fmt::print(stderr, "kestrona: error: --order: {}\n", problem);
+        TellError("--order: {}", problem);
     }
     return order;
 }
@@ -27,13 +28,11 @@ std::optional<RecordOrder> ParseOrder(Data::MemoryResident::MemoryResidentData& 
 
 int OpenedTable::CheckSource(NoRecords without) const {
     if (session_.HasRecords() && !choice_->folders.empty()) {
-        fmt::print(stderr, "kestrona: error: '{}' is a snapshot and has its own records; leave out --data\n",
-                   choice_->source);
+        TellError("'{}' is a snapshot and has its own records; leave out --data", choice_->source);
         return kExitUsage;
     }
     if (without == NoRecords::Refused && !HasRecords()) {
-        fmt::print(stderr, "kestrona: error: '{}' is a definition without records; give some with --data FOLDER\n",
-                   choice_->source);
+        TellError("'{}' is a definition without records; give some with --data FOLDER", choice_->source);
         return kExitUsage;
     }
     return kExitGood;
@@ -57,7 +56,7 @@ int OpenedTable::Open(const RecordChoice& choice, NoRecords without) {
 }
 
 int OpenedTable::ReadFolders() {
-    return choice_->folders.empty() ? kExitGood : ImportFolders(Store(), choice_->folders);
+    return choice_->folders.empty() ? kExitGood : ImportFolders(Store(), choice_->folders, choice_->encoding);
 }
 
 std::vector<std::int32_t> OpenedTable::Records(std::size_t* found) const {
@@ -75,7 +74,7 @@ std::vector<std::int32_t> OpenedTable::Records(std::size_t* found) const {
 bool OpenedTable::Write(const TableSource& source) const {
     const bool written = WriteTable(source, choice_->form, stdout);
     if (!written) {
-        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+        TellError("the output cannot be written");
     }
     return written;
 }

@@ -1,5 +1,6 @@
 #include "commands/key_commands.h"
 #include "exit_codes.h"
+#include "output/message.h"
 #include "output/secret_file.h"
 #include "output/text_output.h"
 
@@ -7,7 +8,6 @@
 #include <kestrona/host/encryption_key.h>
 #include <kestrona/unicode.h>
 
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -30,7 +30,7 @@ Host::TypedSecret AskTwice() {
 }
 
 int TellFile(const std::string& path, const std::string& problem) {
-    fmt::print(stderr, "kestrona: error: '{}' {}\n", path, problem);
+    TellError("'{}' {}", path, problem);
     return kExitUnreadableInput;
 }
 
@@ -50,14 +50,14 @@ int RunProtectKey(const ProtectKeyOptions& options) {
     }
     const Host::TypedSecret phrase = isatty(STDIN_FILENO) != 0 ? AskTwice() : Host::ReadSecretLine(STDIN_FILENO);
     if (!phrase.error.empty()) {
-        fmt::print(stderr, "kestrona: error: {}\n", phrase.error);
+        TellError("{}", phrase.error);
         return kExitKey;
     }
     std::string content;
     try {
         content = ToUtf8(Encryption::DataProtection().Protect(phrase.text.Text())) + '\n';
     } catch (const Encryption::DataProtectionException& failure) {
-        fmt::print(stderr, "kestrona: error: the pass phrase cannot be protected for this user: {}\n", failure.what());
+        TellError("the pass phrase cannot be protected for this user: {}", failure.what());
         return kExitKey;
     }
     if (options.file.empty()) {

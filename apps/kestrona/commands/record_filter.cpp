@@ -1,6 +1,6 @@
 #include "commands/record_filter.h"
 
-#include <fmt/format.h>
+#include "output/message.h"
 
 #include <numeric>
 #include <utility>
@@ -36,7 +36,7 @@ std::optional<RecordFilter> RecordFilter::Parse(IMemoryResidentData& store, std:
     for (const std::string& text : texts) {
         std::string problem;
         if (!filter.Add(text, problem)) {
-            fmt::print(stderr, "kestrona: error: --where '{}' {}\n", text, problem);
+            TellError("--where '{}' {}", text, problem);
             return std::nullopt;
         }
     }

@@ -3,6 +3,7 @@
 #include "data/decrypted_text.h"
 #include "encryption.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/encryption.h>
 #include <kestrona/unicode.h>
@@ -38,12 +39,11 @@ int Try(MemoryResidentData& store, std::int32_t format, std::int32_t field) {
         try {
             const std::wstring text = store.GetDbString(format, field, record);
             if (!text.empty() && !IsPlausible(text)) {
-                fmt::print(stderr, "kestrona: error: the key is not the one that {} was saved with\n", place);
+                TellError("the key is not the one that {} was saved with", place);
                 return kExitKey;
             }
         } catch (const Encryption::EncryptionException& failure) {
-            fmt::print(stderr, "kestrona: error: the encrypted text {} of {} is damaged: {}\n", record + 1, place,
-                       failure.what());
+            TellError("the encrypted text {} of {} is damaged: {}", record + 1, place, failure.what());
             return kExitDamagedInput;
         }
     }

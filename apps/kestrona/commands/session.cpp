@@ -3,8 +3,10 @@
 #include "commands/file_problems.h"
 #include "commands/saved_secrets.h"
 #include "data/compiled_head.h"
+#include "data/definition_reader.h"
 #include "data/field_names.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/safe_file.h>
 #include <kestrona/unicode.h>
@@ -19,9 +21,14 @@
 namespace Kestrona::Tool {
 namespace {
 
-Host::DefaultHostOptions HostOptions() {
+/// Borrows the name of the file that the command line gives.
+Host::DefaultHostOptions HostOptions(const std::string& source) {
     Host::DefaultHostOptions options;
     options.progress = true;
+    options.output = TellLines;
+    options.reader = [&source](const std::string& path) {
+        return ReadDefinition(path, path == source);
+    };
     return options;
 }
 
@@ -42,7 +49,7 @@ int CodeOf(Host::LoadOutcome outcome) {
 int FindDataset(const std::string& path, const std::string& dataset) {
     const Host::FileKind kind = Host::KindOfFile(path);
     if (kind != Host::FileKind::Snapshot && kind != Host::FileKind::CompressedSnapshot) {
-        fmt::print(stderr, "kestrona: error: '{}' is no snapshot and has no datasets; leave out --dataset\n", path);
+        TellError("'{}' is no snapshot and has no datasets; leave out --dataset", path);
         return kExitUsage;
     }
     Host::FileProblem problem;
@@ -58,17 +65,18 @@ int FindDataset(const std::string& path, const std::string& dataset) {
         known.insert(ToUtf8(table.dataset));
     }
     known.erase("");
-    fmt::print(stderr, "kestrona: error: '{}' has no dataset '{}'{}{}\n", path, dataset,
-               known.empty() ? "" : "; there are ", fmt::join(known, ", "));
+    TellError("'{}' has no dataset '{}'{}{}", path, dataset, known.empty() ? "" : "; there are ",
+              fmt::join(known, ", "));
     return kExitUsage;
 }
 
 } // namespace
 
-Session::Session() : host_(HostOptions()) {}
+Session::Session() : host_(HostOptions(source_)) {}
 
 int Session::Load(const std::string& path) {
-    const Host::FileKind kind = Host::KindOfFile(path);
+    source_ = path;
+    const Host::FileKind kind = path == kStdin ? Host::FileKind::Other : Host::KindOfFile(path);
     if (kind == Host::FileKind::Snapshot || kind == Host::FileKind::CompressedSnapshot) {
         return LoadSnapshot(path, {});
     }
@@ -91,7 +99,7 @@ int Session::LoadDefinition(const std::string& path, Host::FileKind kind) {
         return LoadCompiled(path);
     }
     Host::FileProblem problem;
-    if (kind == Host::FileKind::Other && !CheckIsText(path, problem)) {
+    if (kind == Host::FileKind::Other && path != kStdin && !CheckIsText(path, problem)) {
         return TellProblem(problem);
     }
     return CodeOf(host_.LoadDefinition(path));
@@ -108,6 +116,7 @@ int Session::LoadCompiled(const std::string& path) {
 }
 
 int Session::Compile(const std::string& definition, const std::string& target) {
+    source_ = definition;
     // The library says the same of a target that cannot be written as of a definition that cannot be resolved.
     if (const SafeFile probe(FromUtf8(target)); !probe.IsOpen()) {
         return TellProblem({Host::FileFault::CannotWrite, target, {}, ToUtf8(probe.Error()), ""});
@@ -137,7 +146,7 @@ std::int32_t Session::FindFormat(const std::string& name) {
             const wchar_t* const format_name = store.GetDbName(format);
             known.push_back(format_name == nullptr ? std::string() : ToUtf8(format_name));
         }
-        fmt::print(stderr, "kestrona: error: no format is called '{}'; there are {}\n", name, fmt::join(known, ", "));
+        TellError("no format is called '{}'; there are {}", name, fmt::join(known, ", "));
     }
     return named;
 }
@@ -150,8 +159,7 @@ std::int32_t Session::FindField(std::int32_t format, const std::string& name) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             known.push_back(ToUtf8(store.GetColumnName(format, field)));
         }
-        fmt::print(stderr, "kestrona: error: no field of the format is called '{}'; there are {}\n", name,
-                   fmt::join(known, ", "));
+        TellError("no field of the format is called '{}'; there are {}", name, fmt::join(known, ", "));
     }
     return named;
 }

@@ -47,6 +47,7 @@ private:
     int LoadCompiled(const std::string& path);
     int LoadSnapshot(const std::string& path, const std::string& dataset);
 
+    std::string source_; ///< The file that the command line gave.
     Host::DefaultHost host_;
     bool has_records_ = false;
 };

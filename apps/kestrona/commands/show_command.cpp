@@ -2,6 +2,7 @@
 #include "commands/opened_table.h"
 #include "commands/record_source.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <fmt/format.h>
 
@@ -38,7 +39,7 @@ std::optional<std::vector<FollowedField>> ChooseFields(IMemoryResidentData& stor
         std::string problem;
         auto field = ParseFollowedField(store, format, name, problem);
         if (!field) {
-            fmt::print(stderr, "kestrona: error: {}\n", problem);
+            TellError("{}", problem);
             return std::nullopt;
         }
         fields.push_back(std::move(*field));

@@ -5,6 +5,7 @@
 #include "commands/session.h"
 #include "data/data_import.h"
 #include "encryption.h"
+#include "output/message.h"
 
 #include <kestrona/records.h>
 #include <kestrona/unicode.h>
@@ -41,7 +42,7 @@ int RefuseLockedTexts(MemoryResidentData& store) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             const std::string name = LockedField(store, format, field);
             if (!name.empty()) {
-                fmt::print(stderr, "kestrona: error: {} is encrypted, and there is no key; {}\n", name, kHowToGiveAKey);
+                TellError("{} is encrypted, and there is no key; {}", name, kHowToGiveAKey);
                 return kExitKey;
             }
         }
@@ -74,7 +75,7 @@ bool SnapshotImport::FindFormats() {
             dataset.formats.push_back(file.format);
         }
         if (!error.empty()) {
-            fmt::print(stderr, "kestrona: error: {}: {}\n", dataset.folder, error);
+            TellError("{}: {}", dataset.folder, error);
             code_ = kExitUnreadableInput;
             return false;
         }
@@ -92,14 +93,13 @@ std::int32_t SnapshotImport::Blocks() const {
 
 /// Returns whether what the folders hold may be written.
 bool SnapshotImport::Read(const std::vector<std::string>& folders) {
-    const int code = ImportFolders(store_, folders);
+    const int code = ImportFolders(store_, folders, options_.encoding);
     code_ = std::max(code_, code);
     if (code == kExitUnreadableInput) {
         return false;
     }
     if (code != kExitGood && !options_.keep_going) {
-        fmt::print(stderr, "kestrona: error: '{}' is not written; --keep-going writes it without what was rejected\n",
-                   options_.target);
+        TellError("'{}' is not written; --keep-going writes it without what was rejected", options_.target);
         return false;
     }
     const int locked = RefuseLockedTexts(store_);
@@ -112,7 +112,7 @@ void SnapshotImport::Restore() {
     for (std::int32_t format = 0; format < store_.GetFormatCount(); ++format) {
         KSDLL_Clear(store_, format);
     }
-    ReimportFolders(store_, options_.folders);
+    ReimportFolders(store_, options_.folders, options_.encoding);
 }
 
 void SnapshotImport::AddAll(Host::SnapshotWriter& writer) {

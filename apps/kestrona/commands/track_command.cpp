@@ -3,6 +3,7 @@
 #include "commands/tracked_source.h"
 #include "data/track_target.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/unicode.h>
 
@@ -22,7 +23,7 @@ std::unique_ptr<ITrackingCondition> ParseTargetOrTell(MemoryResidentData& store,
     std::string problem;
     auto target = ParseTrackTarget(store, text, problem);
     if (!target) {
-        fmt::print(stderr, "kestrona: error: {}\n", problem);
+        TellError("{}", problem);
     }
     return target;
 }

@@ -1,7 +1,9 @@
 #include "commands/commands.h"
 #include "commands/file_problems.h"
 #include "commands/session.h"
+#include "data/definition_reader.h"
 #include "exit_codes.h"
+#include "output/message.h"
 
 #include <kestrona/execution_state.h>
 #include <kestrona/host/translation_list.h>
@@ -31,7 +33,7 @@ constexpr std::array kLists{kDefinitionList, "KS_PDB.LST"};
 
 int TellUnwritable(const fs::path& path, const std::error_code& failure) {
     const std::string reason = failure ? failure.message() : "cannot be written";
-    fmt::print(stderr, "kestrona: error: {}: {}\n", path.string(), reason);
+    TellError("{}: {}", path.string(), reason);
     return kExitUnreadableInput;
 }
 
@@ -80,7 +82,7 @@ int Extract(Session& session, const std::string& definition, const fs::path& fol
     if (const int code = RefuseCompiled(definition, "translate"); code != kExitGood) {
         return code;
     }
-    const std::string absolute = fs::absolute(definition).string();
+    const std::string absolute = definition == kStdin ? definition : fs::absolute(definition).string();
     int code = kExitGood;
     {
         const CurrentFolder current(folder);
@@ -159,7 +161,7 @@ std::optional<GivenEntries> TakeLists(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         const auto list = Host::ReadTranslationListFile(file);
         if (!list) {
-            fmt::print(stderr, "kestrona: error: {}: cannot be read\n", file);
+            TellError("{}: cannot be read", file);
             return std::nullopt;
         }
         TakeList(file, *list, given);
@@ -245,7 +247,7 @@ int RunTranslateApply(const TranslateApplyOptions& options) {
     ListSource table(std::move(columns));
     Translate(*texts, *given, table);
     if (!WriteTable(table, options.form, stdout)) {
-        fmt::print(stderr, "kestrona: error: the output cannot be written\n");
+        TellError("the output cannot be written");
         return kExitUnreadableInput;
     }
     TellUnused(*given);

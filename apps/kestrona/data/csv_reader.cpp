@@ -136,10 +136,6 @@ std::string WithoutQuotedCells(std::string_view line) {
     return rest;
 }
 
-bool StartsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 } // namespace
 
 CsvDialect GuessDialect(std::string_view start) {
@@ -157,28 +153,24 @@ CsvDialect GuessDialect(std::string_view start) {
     return dialect;
 }
 
-CsvOutcome ReadCsv(const std::string& path, const std::function<bool(const CsvRow&)>& take) {
+CsvOutcome ReadCsv(const std::string& path, TextEncoding encoding, const std::function<bool(const CsvRow&)>& take) {
     const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
     if (!file) {
         return {std::strerror(errno), true};
     }
     std::vector<char> block(kBlock);
     std::size_t size = std::fread(block.data(), 1, block.size(), file.get());
-    std::string_view start(block.data(), size);
-    if (StartsWith(start, "\xFF\xFE") || StartsWith(start, "\xFE\xFF")) {
-        return {"the file is UTF-16; convert it to UTF-8", true};
-    }
-    if (StartsWith(start, "\xEF\xBB\xBF")) {
-        start.remove_prefix(3);
-    }
-    RowCollector rows(GuessDialect(start), take);
-    bool sound = rows.Feed(start);
+    TextDecoder decoder(encoding, {block.data(), size});
+    std::string_view text = decoder.Decode({block.data(), size});
+    RowCollector rows(GuessDialect(text), take);
+    bool sound = rows.Feed(text);
     while (sound && !rows.Stopped() && (size = std::fread(block.data(), 1, block.size(), file.get())) > 0) {
-        sound = rows.Feed(std::string_view(block.data(), size));
+        sound = rows.Feed(decoder.Decode({block.data(), size}));
     }
     if (std::ferror(file.get()) != 0) {
         return {"the file cannot be read to its end", true};
     }
+    sound = sound && rows.Feed(decoder.Finish());
     if (!sound || !rows.Finish()) {
         return {"line " + std::to_string(rows.RowStart()) + ": a quoted cell has no closing quote", false};
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/text_decoder.h"
+
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -34,8 +36,9 @@ struct CsvOutcome {
 /// cells in quotes aside.
 [[nodiscard]] CsvDialect GuessDialect(std::string_view start);
 
-/// Reads a UTF-8 file and hands each row that is not blank to `take`, which returns false to stop. A leading byte order
-/// mark is skipped. The guessed dialect is used.
-[[nodiscard]] CsvOutcome ReadCsv(const std::string& path, const std::function<bool(const CsvRow&)>& take);
+/// Reads a file and hands each row that is not blank to `take`, in UTF-8; it returns false to stop. The guessed dialect
+/// is used.
+[[nodiscard]] CsvOutcome ReadCsv(const std::string& path, TextEncoding encoding,
+                                 const std::function<bool(const CsvRow&)>& take);
 
 } // namespace Kestrona::Tool

@@ -2,11 +2,13 @@
 
 #include "data/csv_reader.h"
 #include "data/row_importer.h"
+#include "output/progress.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -51,12 +53,33 @@ bool ListFiles(const std::string& folder, FilesByTable& files, std::string& erro
     return true;
 }
 
-void ImportFile(IMemoryResidentData& store, ImportedFile& file, std::vector<Rejection>& rejections) {
+/// The bytes of a row in the file, about.
+std::uintmax_t SizeOf(const CsvRow& row) {
+    std::uintmax_t size = row.cells.size();
+    for (const std::string& cell : row.cells) {
+        size += cell.size();
+    }
+    return size;
+}
+
+std::uintmax_t SizeOf(const std::vector<FormatFile>& files) {
+    std::uintmax_t size = 0;
+    for (const FormatFile& file : files) {
+        std::error_code failure;
+        const std::uintmax_t bytes = fs::file_size(file.path, failure);
+        size += failure ? 0 : bytes;
+    }
+    return size;
+}
+
+void ImportFile(IMemoryResidentData& store, ImportedFile& file, TextEncoding encoding, Progress& progress,
+                std::vector<Rejection>& rejections) {
     store.SetCurrentDbSize(file.format, 0);
     store.InvalidateIndexes(file.format);
     RowImporter importer(store, file, rejections);
-    const CsvOutcome outcome = ReadCsv(file.file, [&](const CsvRow& row) {
+    const CsvOutcome outcome = ReadCsv(file.file, encoding, [&](const CsvRow& row) {
         importer.Take(row);
+        progress.Advance(SizeOf(row));
         return true;
     });
     importer.Finish();
@@ -104,13 +127,15 @@ std::vector<FormatFile> FindFiles(IMemoryResidentData& store, const std::string&
     return found;
 }
 
-ImportReport ImportFolder(IMemoryResidentData& store, const std::string& folder) {
+ImportReport ImportFolder(IMemoryResidentData& store, const std::string& folder, TextEncoding encoding) {
     ImportReport report;
-    for (FormatFile& found : FindFiles(store, folder, report.error)) {
+    std::vector<FormatFile> files = FindFiles(store, folder, report.error);
+    Progress progress("reading " + folder, SizeOf(files));
+    for (FormatFile& found : files) {
         ImportedFile file;
         file.file = std::move(found.path);
         file.format = found.format;
-        ImportFile(store, file, report.rejections);
+        ImportFile(store, file, encoding, progress, report.rejections);
         report.files.push_back(std::move(file));
     }
     return report;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/text_decoder.h"
+
 #include <kestrona/memory_resident_data.h>
 
 #include <cstddef>
@@ -11,6 +13,9 @@
 /// Brings a folder of delimited files into a store.
 
 namespace Kestrona::Tool {
+
+/// What the reason for the rejection of a text ends with whose bytes are of another encoding.
+inline constexpr const char* kNoUtf8 = "is no UTF-8";
 
 /// A cell, or a whole row, that was not taken over.
 struct Rejection {
@@ -64,7 +69,8 @@ struct FormatFile {
 /// The first row gives the field names; a file whose first row holds none has its columns in the order of the stored
 /// fields. A row with a cell that does not fit its field, with too few or too many cells, or with a key that an earlier
 /// row has, is left out whole and reported. A key column that the file does not have is numbered from 1.
-ImportReport ImportFolder(Data::MemoryResident::IMemoryResidentData& store, const std::string& folder);
+ImportReport ImportFolder(Data::MemoryResident::IMemoryResidentData& store, const std::string& folder,
+                          TextEncoding encoding);
 
 /// Gives the records of the imported formats their lists and matrices, once all formats hold their records: the sizes
 /// depend on them. Of several files of a format the last one counts. A cell that does not fit is returned; its matrix

@@ -111,7 +111,7 @@ bool RowImporter::CheckText(const CsvRow& row, std::size_t column) {
     const std::string_view cell = row.cells[column];
     std::size_t bad = 0;
     if (!IsValidUtf8(cell, &bad)) {
-        return Reject(row, plan.name, std::string(cell), fmt::format("byte {} is no UTF-8", bad + 1));
+        return Reject(row, plan.name, std::string(cell), fmt::format("byte {} {}", bad + 1, kNoUtf8));
     }
     Value& value = values_[column];
     value.present = true;

@@ -144,6 +144,22 @@ std::string DiffSource::Cell(std::size_t row, std::size_t column) const {
                           : Value(sides_.new_store, pair.new_field, change.new_record);
 }
 
+Paint DiffSource::RowPaint(std::size_t row) const {
+    switch (Locate(row).change) {
+    case Change::TableRemoved:
+    case Change::FieldRemoved:
+    case Change::RecordRemoved:
+        return Paint::Removed;
+    case Change::RecordChanged:
+        return Paint::Changed;
+    case Change::TableAdded:
+    case Change::FieldAdded:
+    case Change::RecordAdded:
+        break;
+    }
+    return Paint::Added;
+}
+
 DiffSummary::DiffSummary(const std::vector<TableDiff>& diffs)
     : ListSource({{"Table"},
                   {"Old", CellKind::Number},

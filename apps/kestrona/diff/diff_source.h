@@ -25,6 +25,8 @@ public:
 
     [[nodiscard]] std::string Cell(std::size_t row, std::size_t column) const override;
 
+    [[nodiscard]] Paint RowPaint(std::size_t row) const override;
+
 private:
     enum class Change {
         TableRemoved,

@@ -4,6 +4,7 @@
 #include "data/matrix_text.h"
 #include "diff/cell_comparison.h"
 #include "diff/key_matches.h"
+#include "output/progress.h"
 
 #include <kestrona/unicode.h>
 
@@ -133,7 +134,9 @@ std::vector<TableDiff> CompareStores(const DiffSides& sides, const std::vector<s
     const FieldsByName old_formats = ListFormats(sides.old_store);
     const FieldsByName new_formats = ListFormats(sides.new_store);
     std::vector<TableDiff> diffs;
+    Progress progress("comparing", old_formats.size());
     for (std::int32_t format = 0; format < sides.old_store.GetFormatCount(); ++format) {
+        progress.Advance(1);
         const std::string name = ToUtf8(sides.old_store.GetDbName(format));
         if (old_formats.at(name) != format || !IsWanted(sides.old_store, format, names)) {
             continue;

@@ -3,6 +3,7 @@
 #include "output/table_source.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,6 +45,11 @@ struct ExportResult {
 
 /// Writes one object, `{"version":1,"tables":{NAME:[...]}}`. The file appears whole or not at all, as with the others.
 [[nodiscard]] ExportResult WriteJsonFile(const std::vector<ExportTable>& tables, const std::string& path);
+
+/// Likewise to a stream.
+[[nodiscard]] ExportResult WriteJsonTables(const std::vector<ExportTable>& tables, std::FILE* out);
+/// Writes one table to a stream, as `WriteCsvFolder` does to its file.
+[[nodiscard]] ExportResult WriteCsvTable(const ExportTable& table, std::FILE* out);
 
 /// Writes a database with a table for each one. Columns that hold keys of an exported table become foreign keys.
 [[nodiscard]] ExportResult WriteSqliteFile(const std::vector<ExportTable>& tables, const std::string& path);

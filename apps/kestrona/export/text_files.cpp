@@ -1,4 +1,4 @@
-// Implements: WriteCsvFolder, WriteJsonFile.
+// Implements: WriteCsvFolder, WriteCsvTable, WriteJsonFile, WriteJsonTables.
 #include "export/draft.h"
 #include "export/export_table.h"
 #include "output/delimited_forms.h"
@@ -36,6 +36,10 @@ void WriteTables(const std::vector<ExportTable>& tables, std::FILE* out) {
     std::fputs("}}\n", out);
 }
 
+ExportResult Flushed(std::FILE* out) {
+    return {std::fflush(out) == 0 && std::ferror(out) == 0 ? "" : "the output cannot be written"};
+}
+
 } // namespace
 
 ExportResult WriteCsvFolder(const std::vector<ExportTable>& tables, const std::string& folder) {
@@ -55,6 +59,16 @@ ExportResult WriteCsvFolder(const std::vector<ExportTable>& tables, const std::s
         }
     }
     return {};
+}
+
+ExportResult WriteJsonTables(const std::vector<ExportTable>& tables, std::FILE* out) {
+    WriteTables(tables, out);
+    return Flushed(out);
+}
+
+ExportResult WriteCsvTable(const ExportTable& table, std::FILE* out) {
+    WriteCsv(*table.source, out);
+    return Flushed(out);
 }
 
 ExportResult WriteJsonFile(const std::vector<ExportTable>& tables, const std::string& path) {

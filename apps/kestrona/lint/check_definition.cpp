@@ -1,5 +1,6 @@
 #include "lint/check_definition.h"
 
+#include "data/definition_reader.h"
 #include "lint/resolution_place.h"
 #include "lint/rules.h"
 
@@ -94,7 +95,8 @@ void Sort(std::vector<Finding>& findings, const std::vector<std::string>& files)
 Report CheckDefinition(const std::string& path) {
     Report report;
     report.definition = path;
-    const Host::ParseResult parsed = Host::ParseDefinitionFile(path);
+    const Host::ParseResult parsed = Host::ParseDefinitionFile(
+        path, [&path](const std::string& file) { return ReadDefinition(file, file == path); });
     report.unreadable = parsed.unreadable;
     report.formats = parsed.definition.formats.size();
     for (const Host::FormatDefinition& format : parsed.definition.formats) {

@@ -1,5 +1,6 @@
 #include "lint/report_writer.h"
 #include "lint/rules.h"
+#include "output/table_writer.h"
 
 #include <kestrona/version.h>
 
@@ -12,8 +13,6 @@ namespace Kestrona::Tool::Lint {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr int kReportVersion = 1;
 
 std::string Written(const Json& document) {
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';

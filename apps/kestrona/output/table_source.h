@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/paint.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -33,6 +35,9 @@ public:
     [[nodiscard]] virtual std::size_t RowCount() const = 0;
     /// Returns the cell as UTF-8; "" for a cell that holds nothing.
     [[nodiscard]] virtual std::string Cell(std::size_t row, std::size_t column) const = 0;
+
+    /// What the whole row is painted with on a terminal.
+    [[nodiscard]] virtual Paint RowPaint(std::size_t /*row*/) const { return Paint::None; }
 };
 
 /// A small table whose rows stand in memory.

@@ -25,4 +25,11 @@ enum class OutputForm {
 /// Writes the whole table. Returns false when the stream failed, for example a closed pipe or a full disk.
 bool WriteTable(const TableSource& source, OutputForm form, std::FILE* out);
 
+/// The layout of the JSON reports, which they carry as `version`. A new member does not raise it.
+inline constexpr int kReportVersion = 1;
+
+/// Likewise for what a command says about data. In JSON it is one object, `{"version":1,"report":NAME,"rows":[...]}`;
+/// docs/schemas describes each.
+bool WriteReport(const char* name, const TableSource& source, OutputForm form, std::FILE* out);
+
 } // namespace Kestrona::Tool

@@ -1,8 +1,7 @@
 #include "output/text_output.h"
 
 #include "exit_codes.h"
-
-#include <fmt/format.h>
+#include "output/message.h"
 
 #include <cstdio>
 
@@ -30,7 +29,7 @@ int WriteText(std::string_view text, const std::string& path) {
         return kExitGood;
     }
     if (!to_stdout) { // a closed pipe is no news to its reader
-        fmt::print(stderr, "kestrona: error: '{}' cannot be written\n", path);
+        TellError("'{}' cannot be written", path);
     }
     return kExitUnreadableInput;
 }
