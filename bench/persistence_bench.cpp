@@ -2,9 +2,9 @@
 // zlib's own loop. Every peer runs in the same program, so compare the ratios of one run. Files go to the folder for
 // temporary files (TMPDIR); what the disk does is left to the system.
 
-#include <kestrona/classes.h>
+#include "number_store.h"
+
 #include <kestrona/data_compressor.h>
-#include <kestrona/process.h>
 #include <kestrona/store.h>
 #include <kestrona/table_storage.h>
 #include <kestrona/unicode.h>
@@ -47,22 +47,6 @@ double ValueAt(std::int32_t field, std::int32_t record) {
     return record * 0.5 + field + 1.0;
 }
 
-std::unique_ptr<MemoryResidentData> MakeStore() {
-    auto store = CreateMemoryResidentData();
-    store->SetFormatCount(1);
-    store->SetDbName(0, KSDLL_AddText(L"Records"));
-    store->SetDbFields(0, kFields);
-    store->CreateDbFieldInfo(0, kFields);
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store->SetDbType(0, field, TypeBit::kReal);
-    }
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store->CreateDbValues(0, field);
-    }
-    store->CreateDbUpdate(0);
-    return store;
-}
-
 const Columns& FilledColumns() {
     static const Columns columns = [] {
         Columns made(kFields, Column(kRecords));
@@ -78,7 +62,7 @@ const Columns& FilledColumns() {
 
 MemoryResidentData& FilledStore() {
     static const std::unique_ptr<MemoryResidentData> store = [] {
-        auto made = MakeStore();
+        auto made = Bench::MakeNumberStore(kFields);
         made->SetCurrentDbSize(0, kRecords);
         for (std::int32_t field = 0; field < kFields; ++field) {
             for (std::int32_t record = 0; record < kRecords; ++record) {
@@ -113,7 +97,7 @@ void WriteColumns(benchmark::State& state) {
 void LoadTable(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
-        auto store = MakeStore();
+        auto store = Bench::MakeNumberStore(kFields);
         state.ResumeTiming();
         {
             const File file(std::fopen(Path("table").c_str(), "rb"));

@@ -1,9 +1,9 @@
 // Looking into a snapshot without loading it: by the host's function, and by a run of the tool. The argument is the
 // size of the file in kilobytes; the largest is 1 GB. Files go to the folder for temporary files (TMPDIR).
 
-#include <kestrona/classes.h>
+#include "number_store.h"
+
 #include <kestrona/host/snapshot.h>
-#include <kestrona/process.h>
 #include <kestrona/store.h>
 
 #include <benchmark/benchmark.h>
@@ -26,19 +26,7 @@ constexpr std::int32_t kDatasets = 10;
 constexpr std::int64_t kBytesPerRecord = std::int64_t{kFields} * kDatasets * std::int64_t{sizeof(double)};
 
 std::unique_ptr<MemoryResidentData> MakeStore(std::int32_t records) {
-    auto store = CreateMemoryResidentData();
-    store->SetFormatCount(1);
-    store->SetDbName(0, KSDLL_AddText(L"Records"));
-    store->SetDbFields(0, kFields);
-    store->CreateDbFieldInfo(0, kFields);
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store->SetColumnName(0, field, L"Field " + std::to_wstring(field));
-        store->SetDbType(0, field, TypeBit::kReal);
-    }
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        store->CreateDbValues(0, field);
-    }
-    store->CreateDbUpdate(0);
+    auto store = Bench::MakeNumberStore(kFields);
     store->SetCurrentDbSize(0, records);
     for (std::int32_t field = 0; field < kFields; ++field) {
         for (std::int32_t record = 0; record < records; ++record) {

@@ -2,9 +2,8 @@
 # A machine without Debian's tools has none of this.
 
 find_program(KESTRONA_DPKG_DEB dpkg-deb)
-find_program(KESTRONA_GZIP gzip)
-mark_as_advanced(KESTRONA_DPKG_DEB KESTRONA_GZIP)
-if(NOT KESTRONA_DPKG_DEB OR NOT KESTRONA_GZIP OR NOT TARGET kestrona_cli)
+mark_as_advanced(KESTRONA_DPKG_DEB)
+if(NOT KESTRONA_DPKG_DEB OR NOT TARGET kestrona_cli)
     return()
 endif()
 
@@ -31,8 +30,6 @@ endfunction()
 set(kestrona_packaging_dir "${PROJECT_BINARY_DIR}/packaging")
 file(MAKE_DIRECTORY "${kestrona_packaging_dir}")
 kestrona_compress("${kestrona_debian_dir}/changelog" "${kestrona_packaging_dir}/changelog.Debian.gz")
-configure_file("${PROJECT_SOURCE_DIR}/packaging/kestrona.1.in" "${kestrona_packaging_dir}/kestrona.1" @ONLY)
-kestrona_compress("${kestrona_packaging_dir}/kestrona.1" "${kestrona_packaging_dir}/kestrona.1.gz")
 
 # kestrona_package_files(<component> <package>): what only the package has, not an installed tree.
 function(kestrona_package_files component package)
@@ -49,8 +46,6 @@ endfunction()
 kestrona_package_files(library "${kestrona_library_package}")
 kestrona_package_files(development libkestrona-dev)
 kestrona_package_files(tool kestrona)
-install(FILES "${kestrona_packaging_dir}/kestrona.1.gz"
-    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tool EXCLUDE_FROM_ALL)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_COMPONENTS_ALL library development tool)

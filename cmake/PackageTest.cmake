@@ -68,7 +68,6 @@ foreach(name IN LISTS names)
     list(APPEND papers
         "share/doc/${name}/copyright" "share/doc/${name}/changelog.Debian.gz" "share/lintian/overrides/${name}")
 endforeach()
-list(APPEND papers share/man/man1/kestrona.1.gz)
 list(REMOVE_ITEM packed ${papers})
 list(SORT packed)
 list(SORT installed)

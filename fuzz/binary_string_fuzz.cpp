@@ -1,3 +1,5 @@
+#include "fuzz.h"
+
 #include <kestrona/binary_strings.h>
 
 #include <cstddef>
@@ -13,17 +15,7 @@
 
 namespace {
 
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, Closer>;
+using namespace Kestrona::Fuzz;
 
 // The texts up to the end marker or the first failure.
 std::vector<std::wstring> ReadTexts(std::FILE* file, bool wide) {

@@ -1,4 +1,5 @@
 #include "configuration/compiled/file_body.h"
+#include "platform/files.h"
 
 #include <kestrona/binary_strings.h>
 #include <kestrona/compilation_state.h>
@@ -31,12 +32,6 @@ using Kestrona::Data::MemoryResident::MemoryResidentData;
 constexpr char kRecipe = 'T';
 constexpr std::uint8_t kTextStart = 128;
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
-
 void Cook(std::string_view recipe, std::FILE* file) {
     while (!recipe.empty()) {
         const auto token = static_cast<std::uint8_t>(recipe.front());
@@ -66,7 +61,7 @@ void Read(MemoryResidentData& store, std::FILE* file) {
 // What was read can be written.
 void Write(MemoryResidentData& store) {
     KSDLL_ResetChecksum();
-    const FileHandle file(std::fopen("/dev/null", "wb"));
+    const Kestrona::Platform::FileHandle file(std::fopen("/dev/null", "wb"));
     WriteTableDefinitionToStream(store, nullptr, nullptr, file.get(), nullptr);
 }
 
@@ -80,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     char* buffer = nullptr;
     std::size_t length = 0;
     {
-        const FileHandle cooked(open_memstream(&buffer, &length));
+        const Kestrona::Platform::FileHandle cooked(open_memstream(&buffer, &length));
         KSDLL_ResetChecksum();
         if (input.starts_with(kRecipe)) {
             Cook(input.substr(1), cooked.get());
@@ -89,7 +84,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     }
     if (length > 0) {
-        const FileHandle file(fmemopen(buffer, length, "rb"));
+        const Kestrona::Platform::FileHandle file(fmemopen(buffer, length, "rb"));
         KSDLL_ResetChecksum();
         Read(*store, file.get());
         Write(*store);

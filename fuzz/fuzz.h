@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/files.h"
+
 #include <kestrona/services.h>
 #include <kestrona/unicode.h>
 
@@ -18,6 +20,8 @@ inline void Require(bool holds) {
         std::abort();
     }
 }
+
+using File = Platform::FileHandle;
 
 inline std::wstring TextOf(const std::uint8_t* data, std::size_t size) {
     return FromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));

@@ -1,4 +1,5 @@
 #include "columns/matrix_table.h"
+#include "fuzz.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/matrices.h>
@@ -19,23 +20,12 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Data::MemoryResident;
 using Common::TableStorage;
 
 constexpr std::int32_t kFewRecords = 1000;
 constexpr std::int32_t kMaxFileId = 1 << 26;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, Closer>;
 
 struct Field {
     std::uint32_t type;

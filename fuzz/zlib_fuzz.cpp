@@ -1,3 +1,4 @@
+#include "fuzz.h"
 #include "platform/deflate.h"
 
 #include <cstddef>
@@ -11,22 +12,11 @@
 
 namespace {
 
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Platform;
 
 // zlib makes at most about a thousand bytes of one.
 constexpr std::size_t kMostOfOne = 1040;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using File = std::unique_ptr<std::FILE, Closer>;
 
 struct Result {
     std::int32_t code;

@@ -73,7 +73,7 @@ TEST_F(Keys, TextsComeBackWhateverTheirLength) {
     }
     const ToolRun encrypted = RunTool({"encrypt", "--key-file", key_}, Lines(texts));
     ASSERT_EQ(encrypted.exit_code, 0) << encrypted.err;
-    EXPECT_EQ(encrypted.out.find("mmm"), std::string::npos);
+    EXPECT_EQ(encrypted.out.find("mmmmmmm"), std::string::npos);
     const ToolRun decrypted = RunTool({"decrypt", "--key-file", key_}, encrypted.out);
     EXPECT_EQ(decrypted.exit_code, 0) << decrypted.err;
     EXPECT_EQ(decrypted.out, Lines(texts));

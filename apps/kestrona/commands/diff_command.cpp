@@ -180,7 +180,8 @@ int RunDiff(const DiffOptions& options) {
         !LoadSide(host, options.new_input, options, *new_store, code)) {
         return code;
     }
-    return std::max(code, Compare(options, {*old_store, *new_store, options.tolerance}));
+    const bool only_saved = IsSnapshot(options.old_input.file) || IsSnapshot(options.new_input.file);
+    return std::max(code, Compare(options, {*old_store, *new_store, options.tolerance, only_saved}));
 }
 
 void AddDiffCommand(CLI::App& app, int& code) {

@@ -6,6 +6,7 @@
 #include "diff/key_matches.h"
 #include "output/progress.h"
 
+#include <kestrona/classes.h>
 #include <kestrona/unicode.h>
 
 #include <algorithm>
@@ -20,6 +21,15 @@ using FieldsByName = std::unordered_map<std::string, std::int32_t>;
 
 bool KeepsValues(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     return KeepsCells(store, format, field) || KeepsMatrices(store, format, field);
+}
+
+bool IsSaved(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return !store.ClassDefined(format, field, Classes::kNotPersisted);
+}
+
+bool AreCompared(const DiffSides& sides, const TableDiff& diff, std::int32_t old_field, std::int32_t new_field) {
+    return !sides.only_saved || (IsSaved(sides.old_store, diff.old_format, old_field) &&
+                                 IsSaved(sides.new_store, diff.new_format, new_field));
 }
 
 /// The fields with values of their own; of several with one name the first.
@@ -42,11 +52,12 @@ void PairFields(const DiffSides& sides, TableDiff& diff) {
         if (own == old_fields.end() || own->second != field) {
             continue;
         }
-        if (const auto other = new_fields.find(name); other != new_fields.end()) {
+        const auto other = new_fields.find(name);
+        if (other == new_fields.end()) {
+            diff.removed_fields.push_back(name);
+        } else if (AreCompared(sides, diff, field, other->second)) {
             diff.fields.push_back({DescribeField(sides.old_store, diff.old_format, field),
                                    DescribeField(sides.new_store, diff.new_format, other->second)});
-        } else {
-            diff.removed_fields.push_back(name);
         }
     }
     for (std::int32_t field = 0; field < sides.new_store.GetDbFields(diff.new_format); ++field) {

@@ -54,6 +54,7 @@ struct DiffSides {
     Data::MemoryResident::IMemoryResidentData& old_store;
     Data::MemoryResident::IMemoryResidentData& new_store;
     double tolerance = 0.0; ///< Numbers, dates and durations that are no further apart count as equal.
+    bool only_saved = false; ///< Leaves out fields that snapshots do not hold (NOT SAVED).
 };
 
 /// Compares the records of a table that both sides have by their keys, and the fields that keep values. Costs time in
