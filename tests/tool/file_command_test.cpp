@@ -80,6 +80,8 @@ TEST_F(PlantFiles, EveryFormShowsTheSameRecords) {
         EXPECT_EQ(RunForJson({"show", snapshot_, table}), expected) << table;
         EXPECT_EQ(RunForJson({"show", compressed_, table}), expected) << table;
     }
+    const ToolRun diff = RunTool({"diff", definition_, "--data-old", data_, compressed_});
+    EXPECT_EQ(diff.exit_code, 0) << diff.out << diff.err;
 }
 
 TEST_F(PlantFiles, EveryCommandTakesEveryForm) {
