@@ -53,7 +53,7 @@ struct TableDiff {
 struct DiffSides {
     Data::MemoryResident::IMemoryResidentData& old_store;
     Data::MemoryResident::IMemoryResidentData& new_store;
-    double tolerance = 0.0; ///< Numbers, dates and durations that are no further apart count as equal.
+    double tolerance = 0.0;  ///< Numbers, dates and durations that are no further apart count as equal.
     bool only_saved = false; ///< Leaves out fields that snapshots do not hold (NOT SAVED).
 };
 
