@@ -84,6 +84,7 @@ void ReadInfo(benchmark::State& state) {
 
 // The process, from its start to its end.
 void RunInfo(benchmark::State& state) {
+    // cppcheck-suppress ignoredReturnValue ; it is a part of the text
     const std::string command = "'" KESTRONA_TOOL "' info '" + LargeSnapshot::Of(state).Path() + "' > /dev/null";
     for (auto _ : state) {
         if (std::system(command.c_str()) != 0) {

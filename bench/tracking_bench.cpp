@@ -94,7 +94,7 @@ private:
 const Chain& ChainOf(std::int64_t depth) {
     static std::unique_ptr<Chain> chain;
     static std::int64_t made = 0;
-    if (made != depth) {
+    if (chain == nullptr || made != depth) {
         chain = std::make_unique<Chain>(static_cast<std::int32_t>(depth));
         made = depth;
     }

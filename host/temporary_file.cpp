@@ -12,6 +12,7 @@ namespace Kestrona::Host {
 
 TemporaryFile::TemporaryFile() {
     std::error_code error;
+    // cppcheck-suppress useInitializationList ; the error code must be there first
     path_ = (std::filesystem::temp_directory_path(error) / "kestrona-XXXXXX").string();
     const int descriptor = error ? -1 : mkostemp(path_.data(), O_CLOEXEC);
     is_there_ = descriptor >= 0;

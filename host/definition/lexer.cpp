@@ -51,11 +51,6 @@ void Lexer::Advance() {
     Read();
 }
 
-void Lexer::Stop() {
-    position_ = text_.size();
-    Read();
-}
-
 wchar_t Lexer::Peek(std::size_t offset) const {
     return position_ + offset < text_.size() ? text_[position_ + offset] : L'\0';
 }

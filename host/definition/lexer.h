@@ -63,9 +63,6 @@ public:
     // begin with '|' or ':'.
     void SkipStatement();
 
-    // Goes to the end of the text.
-    void Stop();
-
 private:
     void Read();
     void ReadText();

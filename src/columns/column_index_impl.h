@@ -33,7 +33,7 @@ std::size_t ColumnIndex<T>::Hash::operator()(const T& value) const {
 template <typename T>
 bool ColumnIndex<T>::EqualsItself(const T& value) {
     if constexpr (std::is_floating_point_v<T>) {
-        return value == value;
+        return value == value; // cppcheck-suppress duplicateExpression ; not where it is no number
     } else {
         return true;
     }

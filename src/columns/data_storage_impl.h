@@ -102,6 +102,7 @@ void DataStorage<T>::Write(std::int32_t record, const T& value, Equal equal) {
     if (watched_ || !IsHeld(record)) [[unlikely]] {
         return WriteTheLongWay(record, value);
     }
+    // cppcheck-suppress containerOutOfBounds ; the record is held
     T& cell = values_[static_cast<std::size_t>(record)];
     if (equal(cell, value)) {
         return;

@@ -126,6 +126,7 @@ T DataStorage<T>::FindMaxValue(bool exclude_default) {
     if (position < 0) {
         ScanForMax();
     }
+    // cppcheck-suppress duplicateCondition ; the scan moves what it refers to
     if (position < 0) {
         return exclude_default ? GetMinTypeValue() : defaultValue_;
     }
@@ -139,6 +140,7 @@ T DataStorage<T>::FindMinValue(bool exclude_default) {
     if (position < 0) {
         ScanForMin();
     }
+    // cppcheck-suppress duplicateCondition ; the scan moves what it refers to
     if (position < 0) {
         return exclude_default ? GetMaxTypeValue() : defaultValue_;
     }

@@ -193,7 +193,7 @@ void ColumnDefinition::RestoreOriginal() {
 }
 
 const FieldClassification& ColumnDefinition::Block() const {
-    static const FieldClassification none;
+    static const FieldClassification none{};
     const FieldClassification* const block = BlockOf(view_);
     return block != nullptr ? *block : none;
 }

@@ -33,7 +33,7 @@ struct CacheKey {
 using Cache = boost::unordered_map<CacheKey, std::unique_ptr<INativeExpression>>;
 
 Cache& TheCache() {
-    static Cache cache;
+    static Cache cache{};
     return cache;
 }
 

@@ -27,6 +27,7 @@ std::wstring IntegerText(double value) {
 
 const wchar_t* ToggleText(double value, const std::array<const wchar_t*, 2>& texts, const wchar_t* otherwise) {
     const auto toggle = static_cast<std::uint32_t>(Platform::TruncateToInt32(value));
+    // cppcheck-suppress CastIntegerToAddressAtReturn ; the texts are pointers
     return toggle < texts.size() ? texts[toggle] : otherwise;
 }
 

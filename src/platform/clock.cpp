@@ -12,7 +12,7 @@ std::int64_t UtcMillisecondsNow() {
 }
 
 std::int64_t LocalOffsetMillisecondsNow() {
-    const time_t now = time(nullptr);
+    const time_t now = time(nullptr); // cppcheck-suppress unreadVariable ; by its address
     tm local{};
     return localtime_r(&now, &local) != nullptr ? std::int64_t{local.tm_gmtoff} * 1000 : 0;
 }

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -62,8 +63,11 @@ std::string HomeFolder() {
     if (const char* const home = std::getenv("HOME"); home != nullptr && *home != '\0') {
         return home;
     }
-    const passwd* const user = getpwuid(geteuid());
-    return user != nullptr ? user->pw_dir : "/";
+    passwd user{};
+    std::array<char, 16384> texts{};
+    passwd* found = nullptr;
+    const int fault = getpwuid_r(geteuid(), &user, texts.data(), texts.size(), &found);
+    return fault == 0 && found != nullptr ? found->pw_dir : "/";
 }
 
 fs::path KeyPath() {

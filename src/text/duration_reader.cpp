@@ -135,7 +135,7 @@ std::int32_t KSDLL_StringToDuration(ITranslationSource* source, double* value, c
         return kNoDuration;
     }
     TranslationSource messages;
-    ITranslationSource& words = source != nullptr ? *source : messages;
+    ITranslationSource& words = *(source != nullptr ? source : &messages);
     if (allow_unspecified && IsUnspecifiedText(&words, text, true)) {
         *value = kUnset;
         return kGood;

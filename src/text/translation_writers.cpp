@@ -11,7 +11,7 @@ std::unique_ptr<DatabaseTranslationWriter> database_writer;
 
 ITranslationWriter& InstalledOrNull(ITranslationWriter* writer) {
     static NullTranslationWriter none;
-    return writer != nullptr ? *writer : none;
+    return *(writer != nullptr ? writer : &none);
 }
 
 } // namespace

@@ -100,6 +100,7 @@ void FindingSink::Add(const FieldView& field, const Host::Place& place, std::str
 }
 
 void FindingSink::Add(const Host::FormatDefinition& format, std::string message) {
+    // cppcheck-suppress accessMoved ; moved once
     Append(format.place, std::move(message)).format = ToUtf8(format.name);
 }
 
