@@ -1,10 +1,10 @@
 #include "data/audit_file.h"
+#include "fuzz.h"
 
 #include <kestrona/unicode.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -14,13 +14,8 @@
 namespace {
 
 using namespace Kestrona;
+using namespace Kestrona::Fuzz;
 using namespace Kestrona::Tool;
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 bool SameRow(const AuditRow& a, const AuditRow& b) {
     return a.record == b.record && a.format == b.format && a.what == b.what && a.user == b.user && a.time == b.time &&

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,17 +40,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<std::wstring> texts = ReadTexts(file.get(), data[0] % 2 == 0);
     Require(texts.size() <= size / sizeof(std::int32_t));
 
-    char* bytes = nullptr;
-    std::size_t written = 0;
-    File copy(open_memstream(&bytes, &written));
     KSDLL_ResetChecksum();
-    for (const std::wstring& text : texts) {
-        KSDLL_WriteBinaryString(copy.get(), text.c_str());
-    }
-    copy.reset();
-    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, std::free);
-    if (written > 0) {
-        const File again(fmemopen(bytes, written, "rb"));
+    std::string bytes = BytesOf([&](std::FILE* copy) {
+        for (const std::wstring& text : texts) {
+            KSDLL_WriteBinaryString(copy, text.c_str());
+        }
+    });
+    if (!bytes.empty()) {
+        const File again(fmemopen(bytes.data(), bytes.size(), "rb"));
         Require(ReadTexts(again.get(), true) == texts);
     }
     return 0;

@@ -1,5 +1,6 @@
 #include "configuration/compiled/file_body.h"
-#include "platform/files.h"
+#include "fuzz.h"
+#include "recipe.h"
 
 #include <kestrona/binary_strings.h>
 #include <kestrona/compilation_state.h>
@@ -13,37 +14,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 
 // The reader of compiled configurations, from the first byte of the file to the resolved definition.
 //
-// A changed byte inside a scrambled text spoils every text behind it. So an input is either the file itself, or, when
-// it begins with 'T', a recipe for one that is scrambled here: a byte n below 128 copies the next n bytes, n from 128
-// on makes a text of the next n - 128 bytes.
+// An input is either the file itself or, when it begins with 'T', the recipe of one.
 
 namespace {
 
 using namespace Kestrona::Configuration::Compiled;
+using namespace Kestrona::Fuzz;
 using Kestrona::Data::MemoryResident::MemoryResidentData;
 
 constexpr char kRecipe = 'T';
-constexpr std::uint8_t kTextStart = 128;
-
-void Cook(std::string_view recipe, std::FILE* file) {
-    while (!recipe.empty()) {
-        const auto token = static_cast<std::uint8_t>(recipe.front());
-        const std::string_view part = recipe.substr(1, token % kTextStart);
-        if (token < kTextStart) {
-            std::fwrite(part.data(), 1, part.size(), file);
-        } else {
-            KSDLL_WriteBinaryString(file, std::wstring(part.begin(), part.end()).c_str());
-        }
-        recipe.remove_prefix(1 + part.size());
-    }
-}
 
 // Old layouts are read, too: which one, the file says.
 void Read(MemoryResidentData& store, std::FILE* file) {
@@ -61,7 +46,7 @@ void Read(MemoryResidentData& store, std::FILE* file) {
 // What was read can be written.
 void Write(MemoryResidentData& store) {
     KSDLL_ResetChecksum();
-    const Kestrona::Platform::FileHandle file(std::fopen("/dev/null", "wb"));
+    const File file(std::fopen("/dev/null", "wb"));
     WriteTableDefinitionToStream(store, nullptr, nullptr, file.get(), nullptr);
 }
 
@@ -72,23 +57,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CompilationState::Instance().set_SourceType(ConfigurationSourceType::Cnf);
     static const std::unique_ptr<MemoryResidentData> store = Kestrona::Data::MemoryResident::CreateMemoryResidentData();
     const std::string_view input(reinterpret_cast<const char*>(data), size);
-    char* buffer = nullptr;
-    std::size_t length = 0;
-    {
-        const Kestrona::Platform::FileHandle cooked(open_memstream(&buffer, &length));
-        KSDLL_ResetChecksum();
+    KSDLL_ResetChecksum();
+    std::string bytes = BytesOf([&](std::FILE* cooked) {
         if (input.starts_with(kRecipe)) {
-            Cook(input.substr(1), cooked.get());
+            Cook(input.substr(1), cooked);
         } else {
-            std::fwrite(input.data(), 1, input.size(), cooked.get());
+            std::fwrite(input.data(), 1, input.size(), cooked);
         }
-    }
-    if (length > 0) {
-        const Kestrona::Platform::FileHandle file(fmemopen(buffer, length, "rb"));
+    });
+    if (!bytes.empty()) {
+        const File file(fmemopen(bytes.data(), bytes.size(), "rb"));
         KSDLL_ResetChecksum();
         Read(*store, file.get());
         Write(*store);
     }
-    std::free(buffer);
     return 0;
 }

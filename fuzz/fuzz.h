@@ -8,7 +8,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -25,6 +27,18 @@ using File = Platform::FileHandle;
 
 inline std::wstring TextOf(const std::uint8_t* data, std::size_t size) {
     return FromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
+}
+
+// What `write` writes to the file that it is given.
+template <typename Write>
+std::string BytesOf(Write write) {
+    char* bytes = nullptr;
+    std::size_t size = 0;
+    File file(open_memstream(&bytes, &size));
+    write(file.get());
+    file.reset();
+    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, std::free);
+    return {bytes, size};
 }
 
 // A host with the words that dates and durations are shown and read with.

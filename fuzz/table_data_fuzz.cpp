@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string>
@@ -78,16 +77,6 @@ void RequireOwnMatrices(MemoryResidentData& store) {
     }
 }
 
-std::string Save(MemoryResidentData& store) {
-    char* bytes = nullptr;
-    std::size_t size = 0;
-    File file(open_memstream(&bytes, &size));
-    TableStorage::WriteTableData(store, 0, file.get());
-    file.reset();
-    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, std::free);
-    return {bytes, size};
-}
-
 std::string LoadAndSave(const void* data, std::size_t size) {
     const auto store = MakeStore();
     const File file(fmemopen(const_cast<void*>(data), size, "rb"));
@@ -96,7 +85,7 @@ std::string LoadAndSave(const void* data, std::size_t size) {
         return {};
     }
     RequireOwnMatrices(*store);
-    return Save(*store);
+    return BytesOf([&](std::FILE* out) { TableStorage::WriteTableData(*store, 0, out); });
 }
 
 } // namespace

@@ -1,8 +1,9 @@
+#include "fuzz.h"
+
 #include <kestrona/host/translation_list.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 // The reader of filled translation lists.
@@ -14,8 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const auto& entry : list.entries) {
         characters += entry.text.size() + entry.translation.size();
     }
-    if (characters > size || list.diagnostics.size() > size) {
-        std::abort();
-    }
+    Kestrona::Fuzz::Require(characters <= size && list.diagnostics.size() <= size);
     return 0;
 }

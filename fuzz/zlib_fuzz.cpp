@@ -4,9 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <string>
+#include <utility>
 
 // Any bytes taken apart as a compressed file, and compressed and taken apart again.
 
@@ -25,14 +24,10 @@ struct Result {
 
 template <typename Convert>
 Result Run(Convert convert, const void* data, std::size_t size) {
-    char* bytes = nullptr;
-    std::size_t written = 0;
     const File source(fmemopen(const_cast<void*>(data), size, "rb"));
-    File target(open_memstream(&bytes, &written));
-    const std::int32_t code = convert(source.get(), target.get());
-    target.reset();
-    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, std::free);
-    return {code, std::string(bytes, written)};
+    std::int32_t code = 0;
+    std::string bytes = BytesOf([&](std::FILE* target) { code = convert(source.get(), target); });
+    return {code, std::move(bytes)};
 }
 
 } // namespace

@@ -60,7 +60,7 @@ ScanElement ScanFormatReader::Next() {
 ScanElement ScanFormatReader::ReadConversion() {
     if (rest_.starts_with(L'%')) {
         rest_.remove_prefix(1);
-        return {.kind = Kind::Literal, .literal = L'%'};
+        return {.kind = Kind::Percent, .literal = L'%'};
     }
     ScanElement element;
     const std::size_t width = ReadWidth();

@@ -27,6 +27,7 @@ struct ScanElement {
         Malformed,
         Blanks,
         Literal,
+        Percent,
         // Conversions. The first two take blanks as they take any character.
         Set,
         Character,

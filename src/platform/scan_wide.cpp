@@ -150,6 +150,7 @@ std::size_t Store(const ScanElement& element, std::wstring_view text, const Scan
     case Kind::Malformed:
     case Kind::Blanks:
     case Kind::Literal:
+    case Kind::Percent:
         break;
     }
     assert(false && "not a conversion");
@@ -167,8 +168,11 @@ public:
             assert(false && "malformed scan format");
             return false;
         case Kind::Blanks:
-            position_ += LeadingBlanks(text_.substr(position_));
+            SkipBlanks();
             return true;
+        case Kind::Percent:
+            SkipBlanks();
+            return MatchLiteral(element.literal);
         case Kind::Literal:
             return MatchLiteral(element.literal);
         default:
@@ -182,6 +186,8 @@ public:
     }
 
 private:
+    void SkipBlanks() { position_ += LeadingBlanks(text_.substr(position_)); }
+
     bool MatchLiteral(wchar_t literal) {
         hit_end_ = position_ == text_.size();
         if (hit_end_ || text_[position_] != literal) {

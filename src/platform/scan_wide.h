@@ -25,7 +25,8 @@ ScanResult ScanWideTo(std::wstring_view text, std::wstring_view format, std::spa
 // Reads `text` by a format of the C library's scanf family, in the "C" locale, into typed outputs:
 //
 //   blank        any number of blanks, also none
-//   character    that character; %% stands for a percent sign
+//   character    that character
+//   %%           a percent sign
 //   %[set]       std::wstring  at least one character of the set; %[^set] of all but the set; a ']' that comes first
 //                              belongs to the set, and a-z is a range
 //   %s           std::wstring  at least one character up to a blank
@@ -36,8 +37,8 @@ ScanResult ScanWideTo(std::wstring_view text, std::wstring_view format, std::spa
 //   %lf          double        as ParseDouble: of "5 e" or "5ex" it takes the 5
 //
 // A decimal number after the percent sign bounds the characters that the conversion reads. All but %[ and %c skip
-// leading blanks. The first conversion or literal that does not fit ends the scan. Every output is set beforehand, to
-// an empty text or 0, so an output that was not reached holds that. Linear in the length of the text.
+// leading blanks, %% too. The first conversion or literal that does not fit ends the scan. Every output is set
+// beforehand, to an empty text or 0, so an output that was not reached holds that. Linear in the length of the text.
 //
 // Requires: a format of these elements only, with an output of the type shown for each conversion. Otherwise the scan
 // ends at the offending element (an assertion in debug builds).

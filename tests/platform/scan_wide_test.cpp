@@ -44,6 +44,7 @@ TEST(ScanWide, ReadsTheParametersOfKeywords) {
         TextCase{L"abcxyz", L"%[a-c]%[^a-c]", 2, L"abc", L"xyz", 6},
         TextCase{L"  word next", L"%3s%s", 2, L"wor", L"d", 6},
         TextCase{L"50% off", L"%2[0-9]%% %[^.]", 2, L"50", L"off", 7},
+        TextCase{L"50 % off", L"%2[0-9]%% %[^.]", 2, L"50", L"off", 8},
     };
     for (const TextCase& c : kCases) {
         std::wstring first = L"before";

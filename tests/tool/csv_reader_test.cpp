@@ -40,7 +40,7 @@ protected:
 
 TEST_F(CsvReader, KeepsCellsAndTheLineOnWhichARowBegins) {
     struct Case {
-        const char* content;
+        std::string content;
         std::vector<std::string> rows;
     };
 
@@ -53,6 +53,9 @@ TEST_F(CsvReader, KeepsCellsAndTheLineOnWhichARowBegins) {
         {"a,b\n1,\"x\ny\"\n3,4\n", {"1[a][b]", "2[1][x\ny]", "4[3][4]"}},
         {"a;b\n1;\"say \"\"hi\"\"; done\"\n", {"1[a][b]", "2[1][say \"hi\"; done]"}},
         {"a\tb\n1\t5\" wide\n", {"1[a][b]", "2[1][5\" wide]"}},
+        {"a\t\n\n\t1", {"1[a][]", "3[][1]"}},
+        {{"a\tb\n\0x\0\t1\r\n", 11}, {"1[a][b]", {"2[\0x\0][1]", 9}}},
+        {"a,b\n\"x\ny\",2\r3,4\n", {"1[a][b]", "2[x\ny][2]", "3[3][4]"}},
         {"a,b\n, \n", {"1[a][b]", "2[][ ]"}},
         {"", {}},
     };

@@ -24,15 +24,15 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// Collects what libcsv reports into rows.
+/// Makes rows of text that comes in blocks. libcsv takes apart what may hold quotes; it cannot do without a quote
+/// character, so what has none is split here.
 class RowCollector {
 public:
-    RowCollector(const CsvDialect& dialect, const std::function<bool(const CsvRow&)>& take) : take_(take) {
+    RowCollector(const CsvDialect& dialect, const std::function<bool(const CsvRow&)>& take)
+        : dialect_(dialect),
+          take_(take) {
         csv_init(&parser_, CSV_APPEND_NULL);
         csv_set_delim(&parser_, static_cast<unsigned char>(dialect.delimiter));
-        if (!dialect.quotes) {
-            csv_set_quote(&parser_, 0);
-        }
         // Blanks belong to a cell.
         csv_set_space_func(&parser_, [](unsigned char) { return 0; });
     }
@@ -47,13 +47,15 @@ public:
         while (!block.empty() && !stopped_) {
             const std::size_t end = block.find('\n');
             const std::string_view line = block.substr(0, end == std::string_view::npos ? block.size() : end + 1);
-            if (csv_parse(&parser_, line.data(), line.size(), OnCell, OnRow, this) != line.size()) {
+            if (!dialect_.quotes) {
+                Split(line);
+            } else if (csv_parse(&parser_, line.data(), line.size(), OnCell, OnRow, this) != line.size()) {
                 return false;
             }
             if (end != std::string_view::npos) {
                 ++line_;
             }
-            if (parser_.pstate == kNoRowBegun) {
+            if (!IsRowBegun()) {
                 next_row_line_ = line_;
             }
             block.remove_prefix(line.size());
@@ -64,6 +66,10 @@ public:
     /// Ends the last row. Returns false when it ends inside a quoted cell; such a row is not handed on.
     bool Finish() {
         if (stopped_) {
+            return true;
+        }
+        if (!dialect_.quotes) {
+            EndPlainRow();
             return true;
         }
         if (parser_.pstate == kCellBegun && parser_.quoted != 0) {
@@ -78,24 +84,65 @@ public:
 
 private:
     static void OnCell(void* data, std::size_t size, void* self) {
-        auto& collector = *static_cast<RowCollector*>(self);
+        static_cast<RowCollector*>(self)->AddCell({static_cast<const char*>(data), size});
+    }
+
+    static void OnRow(int, void* self) { static_cast<RowCollector*>(self)->EndRow(); }
+
+    [[nodiscard]] bool IsRowBegun() const {
+        return dialect_.quotes ? parser_.pstate != kNoRowBegun : !cell_.empty() || !row_.cells.empty();
+    }
+
+    void Split(std::string_view line) {
+        const std::array ends{dialect_.delimiter, '\r', '\n'};
+        while (!line.empty()) {
+            const std::size_t size = std::min(line.size(), line.find_first_of({ends.data(), ends.size()}));
+            cell_ += line.substr(0, size);
+            if (size == line.size()) {
+                return;
+            }
+            if (line[size] == dialect_.delimiter) {
+                EndPlainCell();
+            } else {
+                EndPlainRow();
+            }
+            line.remove_prefix(size + 1);
+        }
+    }
+
+    void EndPlainCell() {
+        AddCell(cell_);
+        cell_.clear();
+    }
+
+    void EndPlainRow() {
+        if (IsRowBegun()) {
+            EndPlainCell();
+            EndRow();
+        }
+    }
+
+    void AddCell(std::string_view text) {
         // A quoted cell may end lines below; its row began where its first cell was fed.
-        if (collector.row_.cells.empty()) {
-            collector.row_.line = collector.next_row_line_;
+        if (row_.cells.empty()) {
+            row_.line = next_row_line_;
         }
-        collector.row_.cells.emplace_back(static_cast<const char*>(data), size);
+        row_.cells.emplace_back(text);
     }
 
-    static void OnRow(int, void* self) {
-        auto& collector = *static_cast<RowCollector*>(self);
-        if (!collector.row_.cells.empty() && !collector.stopped_) {
-            collector.stopped_ = !collector.take_(collector.row_);
+    /// A carriage return alone ends a row, too, so the next one may begin on the same line.
+    void EndRow() {
+        if (!row_.cells.empty() && !stopped_) {
+            stopped_ = !take_(row_);
         }
-        collector.row_.cells.clear();
+        row_.cells.clear();
+        next_row_line_ = line_;
     }
 
-    csv_parser parser_{};
+    const CsvDialect dialect_;
     const std::function<bool(const CsvRow&)>& take_;
+    csv_parser parser_{};
+    std::string cell_; ///< What has been read of a cell without quotes.
     CsvRow row_;
     std::size_t line_ = 1;
     std::size_t next_row_line_ = 1;
