@@ -56,7 +56,7 @@ int SetUpKey(const KeyOptions& options) {
     KeepSecretsOutOfCores();
     const Host::KeyResult result = Host::SetUpEncryption({options.file, true, options.ask});
     if (!result.error.empty()) {
-        TellError("{}", result.error);
+        TellError(Code::UnusableKey, "{}", result.error);
         return kExitKey;
     }
     return kExitGood;
@@ -65,7 +65,7 @@ int SetUpKey(const KeyOptions& options) {
 int RequireKey(const KeyOptions& options) {
     const int code = SetUpKey(options);
     if (code == kExitGood && !HasKey()) {
-        TellError("there is no key; {}", kHowToGiveAKey);
+        TellError(Code::NoKey, "there is no key");
         return kExitKey;
     }
     return code;
@@ -84,20 +84,21 @@ std::wstring EncryptedCell(IMemoryResidentData& store, std::int32_t format, std:
     return text.empty() || !IsLocked(store, format, field) ? text : FromUtf8(kEncryptedPlaceholder);
 }
 
-std::string WhyUnreadable(IMemoryResidentData& store, INativeExpression& expression, bool yields_text) {
+std::optional<Problem> WhyUnreadable(IMemoryResidentData& store, INativeExpression& expression, bool yields_text) {
     EncryptedFieldFinder finder(store);
     if (auto* const root = dynamic_cast<Expressions::Expression*>(&expression)) {
         root->Accept(finder);
     }
     const std::string name = finder.Name();
     if (name.empty() || (HasKey() && yields_text)) {
-        return {};
+        return std::nullopt;
     }
     if (!HasKey()) {
-        return fmt::format("names the encrypted field '{}', and there is no key; {}", name, kHowToGiveAKey);
+        return Problem{Code::NoKey, fmt::format("names the encrypted field '{}', and there is no key", name)};
     }
-    return fmt::format("makes a number of the encrypted field '{}', which is for texts; --where '{}=TEXT' compares it",
-                       name, name);
+    return Problem{Code::EncryptedNumber,
+                   fmt::format("makes a number of the encrypted field '{}', which is for texts", name),
+                   fmt::format("Compare it with --where '{}=TEXT'.", name)};
 }
 
 } // namespace Kestrona::Tool

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/expression.h>
 #include <kestrona/memory_resident_data.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 /// \file
@@ -18,8 +21,6 @@ struct KeyOptions {
 
 /// What a cell with content shows without a key.
 inline constexpr const char* kEncryptedPlaceholder = "(encrypted)";
-/// How to give a key, for messages.
-inline constexpr const char* kHowToGiveAKey = "give one with --key-file, --ask-key, KESTRONA_KEY_FILE or KESTRONA_KEY";
 
 /// Has the process leave no core file behind when it crashes, as it may hold keys and plain texts.
 void KeepSecretsOutOfCores();
@@ -41,9 +42,9 @@ int RequireKey(const KeyOptions& options);
                                          std::int32_t field, std::int32_t record);
 
 /// Says why an expression cannot read the encrypted fields that it names: there is no key, or it yields a number, where
-/// the zeros behind a decrypted text make every comparison with it fail. "" when nothing speaks against it.
-[[nodiscard]] std::string WhyUnreadable(Data::MemoryResident::IMemoryResidentData& store, INativeExpression& expression,
-                                        bool yields_text);
+/// the zeros behind a decrypted text make every comparison with it fail. Nothing when nothing speaks against it.
+[[nodiscard]] std::optional<Problem> WhyUnreadable(Data::MemoryResident::IMemoryResidentData& store,
+                                                   INativeExpression& expression, bool yields_text);
 
 /// Takes the zeros out that decryption leaves in a text.
 template <typename Character>

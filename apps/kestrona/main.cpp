@@ -1,6 +1,7 @@
 #include "commands/choice.h"
 #include "commands/definition_commands.h"
 #include "commands/diff_command.h"
+#include "commands/explain_command.h"
 #include "commands/export_command.h"
 #include "commands/file_commands.h"
 #include "commands/help.h"
@@ -56,8 +57,21 @@ std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error) {
                                          : fmt::format("'{}' was not expected", unknown.front());
 }
 
+Code CodeOf(const CLI::App& app, const CLI::ParseError& error) {
+    const bool is_unknown = !app.remaining(true).empty();
+    switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
+    case CLI::ExitCodes::RequiredError:
+        return is_unknown ? Code::UnknownOption : Code::MissingArgument;
+    case CLI::ExitCodes::ExtrasError:
+        return Code::UnknownOption;
+    default:
+        return Code::BadArgument;
+    }
+}
+
 int TellUsage(const CLI::App& app, const CLI::ParseError& error) {
-    TellError("{}; 'kestrona{} --help' shows what there is", WhatIsWrong(app, error), CommandOf(app));
+    TellError(CodeOf(app, error), Hint{fmt::format("See 'kestrona{} --help'.", CommandOf(app))}, "{}",
+              WhatIsWrong(app, error));
     return kExitUsage;
 }
 
@@ -73,6 +87,7 @@ int Run(int argc, char** argv) {
     AddExportCommand(app, code);
     AddDiffCommand(app, code);
     AddKeyCommands(app, code);
+    AddExplainCommand(app, code);
     AddShellCommands(app, code);
     AddHelp(app);
     try {
@@ -91,9 +106,9 @@ int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
     } catch (const std::exception& error) {
-        TellError("{}", error.what());
+        TellError(Code::Unexpected, "{}", error.what());
     } catch (const wchar_t* text) {
-        TellError("{}", Kestrona::ToUtf8(text));
+        TellError(Code::Unexpected, "{}", Kestrona::ToUtf8(text));
     }
     return kExitUnreadableInput;
 }

@@ -22,8 +22,8 @@ taken in their order, by the words behind the fence:
 Blocks of other languages are not run, and the reason is printed. A block without a language is a failure, and so is one
 that is indented instead of fenced.
 
-With --write, what commands print is put into the documents instead of being compared. Read the difference before you
-keep it.
+With --write, what commands print is put into the documents, and into the files that are wholly written by the tool,
+instead of being compared. Read the difference before you keep it.
 """
 
 import argparse
@@ -49,7 +49,8 @@ TESTED_ELSEWHERE = {
     ("docs/file-formats.md", "hex"): "a test compares the bytes with what the tool writes",
     ("docs/file-formats.md", "encrypted"): "a test decrypts it",
 }
-PICTURES = {"docs/images/plant.svg": ["graph", "examples/plant/plant.ksdef"]}
+# Files that the tool writes, with its arguments.
+GENERATED = {"docs/images/plant.svg": ["graph", "examples/plant/plant.ksdef"], "docs/errors.md": ["explain", "--all"]}
 NEVER_RUN = "(never run)\n"
 # What differs from run to run, as pairs of a pattern and what --write puts in its place.
 VARYING = [(r"read in \d+\.\d+ s", "read in ... s"), (r"peak memory [\d.]+ MB", "peak memory ... MB"),
@@ -297,13 +298,16 @@ def edit(file, change):
     pathlib.Path(file).write_text(text.replace(old, new), encoding="utf-8")
 
 
-def check_pictures(options):
+def check_generated(options):
     failures = []
-    for picture, arguments in PICTURES.items():
-        drawn = subprocess.run([options.tool / "kestrona", *arguments], cwd=options.source, capture_output=True,
-                               timeout=60, check=False).stdout
-        if drawn != (options.source / picture).read_bytes():
-            failures.append(f"{picture}: is not what 'kestrona {' '.join(arguments)}' draws")
+    for name, arguments in GENERATED.items():
+        written = subprocess.run([options.tool / "kestrona", *arguments], cwd=options.source, capture_output=True,
+                                 timeout=60, check=False).stdout
+        file = options.source / name
+        if options.write:
+            file.write_bytes(written)
+        elif not file.exists() or written != file.read_bytes():
+            failures.append(f"{name}: is not what 'kestrona {' '.join(arguments)}' writes; --write puts it there")
     return failures
 
 
@@ -320,7 +324,7 @@ def main():
                         help="how a program is built, with {source} and {binary}; without it C++ is not compiled")
     options = parser.parse_args()
 
-    failures = check_pictures(options)
+    failures = check_generated(options)
     for path in [options.source / "README.md", *sorted((options.source / "docs").glob("*.md"))]:
         if not path.name.startswith(options.only):
             continue

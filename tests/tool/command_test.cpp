@@ -142,10 +142,11 @@ TEST_F(Commands, MatricesThatDoNotFitAreToldAndStayAtTheirDefaults) {
     const ToolRun run = Show("Machines");
     EXPECT_EQ(run.exit_code, 1);
     EXPECT_EQ(run.out, "Number,Setup\n1,0;0|0;0\n");
-    EXPECT_NE(run.err.find("Machines.csv:2: rejected: column 'Setup': '0;5;7|0;0;0' row 1 has 3 values and not 2"),
-              std::string::npos)
+    EXPECT_NE(
+        run.err.find("Machines.csv:2: error: rejected: column 'Setup': '0;5;7|0;0;0' row 1 has 3 values and not 2"),
+        std::string::npos)
         << run.err;
-    EXPECT_NE(run.err.find("Jobs.csv:2: rejected: column 'On'"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("Jobs.csv:2: error: rejected: column 'On'"), std::string::npos) << run.err;
 }
 
 TEST_F(Commands, ConditionsAndColumnsChooseWhatIsShown) {
@@ -206,9 +207,10 @@ TEST_F(Commands, EveryRejectedRowIsToldWithItsPlace) {
     EXPECT_EQ(run.exit_code, 1);
     EXPECT_EQ(run.out, "Number,Due,Product,Quantity,Note,Twice\n1,,,5,ok,10\n6,,,8,last,16\n");
     for (const char* told :
-         {":3: rejected: column 'Quantity': 'many'", ":5: rejected: column 'Note': 'too long'",
-          ":6: rejected: column 'Number': '1'", ":7: rejected: row", ":8: rejected: column 'Number': 'x'",
-          ":8: rejected: column 'Quantity': 'y'", ":9: rejected: column 'Number'", ":10: rejected: column 'Note'",
+         {":3: error: rejected: column 'Quantity': 'many'", ":5: error: rejected: column 'Note': 'too long'",
+          ":6: error: rejected: column 'Number': '1'", ":7: error: rejected: row",
+          ":8: error: rejected: column 'Number': 'x'", ":8: error: rejected: column 'Quantity': 'y'",
+          ":9: error: rejected: column 'Number'", ":10: error: rejected: column 'Note'",
           "column 'Colour' belongs to no field", "2 records into Orders, 7 rows rejected"}) {
         EXPECT_NE(run.err.find(told), std::string::npos) << told << "\n" << run.err;
     }

@@ -1,4 +1,4 @@
-#include "tool/run_tool.h"
+#include "tool/table_folder.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -17,11 +17,6 @@ using Arguments = std::vector<std::string>;
 constexpr const char* kKeyVariable = "KESTRONA_KEY";
 /// The field of the plant that is not saved.
 constexpr const char* kUnsavedField = "Sequence on screen";
-
-Arguments Joined(Arguments first, const Arguments& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
 
 json RunForJson(const Arguments& arguments) {
     const ToolRun run = RunTool(Joined(arguments, {"-o", "json"}));
@@ -316,7 +311,7 @@ TEST(Imports, DatasetsStandBesideOneAnother) {
                               "-o",        snapshot};
     const ToolRun refused = RunTool(arguments);
     EXPECT_EQ(refused.exit_code, 1) << refused.err;
-    EXPECT_NE(refused.err.find("Orders.csv:4: rejected: column 'Number'"), std::string::npos) << refused.err;
+    EXPECT_NE(refused.err.find("Orders.csv:4: error: rejected: column 'Number'"), std::string::npos) << refused.err;
     EXPECT_FALSE(std::filesystem::exists(snapshot));
     EXPECT_EQ(RunTool(Joined(arguments, {"--keep-going"})).exit_code, 1);
 

@@ -86,6 +86,8 @@ TEST_F(Lint, EachDocumentedExampleIsFoundAndItsMendedFormIsNot) {
             EXPECT_GE(finding["line"], 1) << id;
             EXPECT_NE(finding["message"], "") << id;
             EXPECT_NE(finding["hint"], "") << id;
+            const std::string code = finding["code"];
+            EXPECT_TRUE(id == "resolution" ? code.starts_with("KES-") : code == id) << code;
         }
         const Json mended = Check(rule.definitions[1]);
         EXPECT_TRUE(FindingsOf(mended, id).empty()) << id << mended.dump(1);

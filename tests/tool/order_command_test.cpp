@@ -1,9 +1,7 @@
 // The order of printed records, columns that follow references, and paths.
-#include "tool/run_tool.h"
+#include "tool/table_folder.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace Kestrona::Tool {
 namespace {
@@ -46,38 +44,20 @@ constexpr const char* kOrders = "Number,Part of,Product,Product.Name,Quantity,No
                                 "13,10,,0,5,a,7,\n"
                                 "14,12,9,0,2,a10,7,2\n";
 
-class OrdersAndPaths : public testing::Test {
+class OrdersAndPaths : public TableFolder {
 protected:
-    void SetUp() override {
-        folder_ = FreshFolder("order");
-        definition_ = folder_ + "/plant.ksdef";
-        WriteFile(definition_, kDefinition);
-        WriteFile(folder_ + "/Makers.csv", "Number,Name\n7,Oak & Co\n8,Elm\n");
-        WriteFile(folder_ + "/Products.csv", "Number,Name,Maker\n2,Wheel,8\n3,Axle,\n");
-        WriteFile(folder_ + "/Works.csv", "Number,Town,Prices\n2,Odra,0.5;1.5|2.5;3.5\n");
-        WriteFile(folder_ + "/Orders.csv", kOrders);
-    }
-
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    ToolRun Run(const std::string& command, const std::vector<std::string>& more, bool with_data = true) {
-        std::vector<std::string> arguments{command, definition_, "-o", "csv"};
-        if (with_data) {
-            arguments.insert(arguments.end(), {"--data", folder_});
-        }
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return RunTool(arguments);
-    }
+    OrdersAndPaths()
+        : TableFolder(kDefinition, {{"Makers.csv", "Number,Name\n7,Oak & Co\n8,Elm\n"},
+                                    {"Products.csv", "Number,Name,Maker\n2,Wheel,8\n3,Axle,\n"},
+                                    {"Works.csv", "Number,Town,Prices\n2,Odra,0.5;1.5|2.5;3.5\n"},
+                                    {"Orders.csv", kOrders}}) {}
 
     // An empty text stands for wrong usage.
-    void Expect(const std::string& command, const std::vector<std::string>& more, const std::string& out) {
-        const ToolRun run = Run(command, more);
+    void Expect(const std::string& command, const Arguments& more, const std::string& out) const {
+        const ToolRun run = Run(command, Joined({"-o", "csv"}, more));
         EXPECT_EQ(run.exit_code, out.empty() ? 2 : 0) << more.back() << run.err;
         EXPECT_EQ(run.out, out) << more.back();
     }
-
-    std::string folder_;
-    std::string definition_;
 };
 
 TEST_F(OrdersAndPaths, RecordsStandInTheOrderAskedFor) {
@@ -150,13 +130,13 @@ TEST_F(OrdersAndPaths, TrackTellsThePathAndTheValuesAtItsEnd) {
     };
     for (const Case& c : cases) {
         Expect("track", c.arguments, c.values);
-        const ToolRun path = Run("track", c.arguments, false);
+        const ToolRun path = RunWithoutRecords("track", Joined({"-o", "csv"}, c.arguments));
         EXPECT_EQ(path.out, std::string("Step,Format,Field,How\n") + c.path);
     }
     for (const char* wrong : {"Makers.Nix", "Nix.Name", "class:Nix", "Makers", "."}) {
         Expect("track", {"Orders", wrong}, "");
     }
-    const ToolRun none = Run("track", {"Makers", "Orders.Quantity"});
+    const ToolRun none = Run("track", {"Makers", "Orders.Quantity", "-o", "csv"});
     EXPECT_EQ(none.exit_code, 1);
     EXPECT_EQ(none.out, "");
     EXPECT_NE(none.err.find("no way leads from Makers to Orders.Quantity"), std::string::npos) << none.err;

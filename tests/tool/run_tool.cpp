@@ -2,6 +2,7 @@
 
 #include "tool/own_path.h"
 
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -20,6 +21,25 @@ std::string Quoted(const std::string& argument) {
     return text + '\'';
 }
 
+bool HasCode(const std::string& line) {
+    const std::size_t bracket = line.rfind(" [");
+    return line.ends_with(']') && bracket != std::string::npos && line.find(' ', bracket + 1) == std::string::npos;
+}
+
+void ExpectCodesAndHints(const std::string& messages) {
+    std::istringstream lines(messages);
+    bool has_messages = false;
+    for (std::string line; std::getline(lines, line);) {
+        const bool is_message = !line.starts_with(' ') && (line.find(": error: ") != std::string::npos ||
+                                                           line.find(": warning: ") != std::string::npos);
+        has_messages = has_messages || is_message;
+        EXPECT_TRUE(!is_message || HasCode(line)) << line;
+    }
+    const bool has_advice =
+        messages.find("\n  hint: ") != std::string::npos || messages.find("; expected ") != std::string::npos;
+    EXPECT_EQ(has_messages, has_advice) << messages;
+}
+
 } // namespace
 
 ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& input) {
@@ -33,6 +53,7 @@ ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& in
     const int status = std::system(command.c_str());
     ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder + "/out"), ReadFile(folder + "/err")};
     std::filesystem::remove_all(folder);
+    ExpectCodesAndHints(run.err);
     return run;
 }
 

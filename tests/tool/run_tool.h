@@ -12,7 +12,7 @@ struct ToolRun {
     std::string err;
 };
 
-/// Runs the built tool and waits for it. `input` is its stdin.
+/// Runs the built tool; `input` is its stdin. Expects a code of each error and warning on stderr, and hints.
 ToolRun RunTool(const std::vector<std::string>& arguments, const std::string& input = {});
 
 /// Makes a fresh folder below the tests' scratch folder.

@@ -154,7 +154,7 @@ class Streams(unittest.TestCase):
             options = [] if damaged.endswith(b"\xfc\n3,c\n") else ["--encoding", "utf-16"]
             result, _ = shown([], damaged, *options)
             self.assertEqual((result.returncode, result.stdout), (1, "N,Text\n1,a\n3,c\n"), result.stderr)
-            self.assertEqual("--encoding windows-1252" in result.stderr, not options)
+            self.assertIn("[KES-3008]", result.stderr)
 
 
 class Help(unittest.TestCase):
@@ -200,7 +200,13 @@ class Help(unittest.TestCase):
                 ("schema x -o clay", "'clay' is none of csv, json", "kestrona schema --help")]:
             result = run(*arguments.split())
             self.assertEqual((result.returncode, result.stdout), (2, ""), arguments)
-            self.assertRegex(result.stderr, f"^kestrona: error: .*{re.escape(wrong)}.*; '{helped}' shows what there is\n$")
+            self.assertRegex(result.stderr, f"^kestrona: error: .*{re.escape(wrong)}.* \\[KES-01..\\]\n  hint: See '{helped}'.\n$")
+
+    def test_the_reference_has_every_command(self):
+        with open(os.path.join(SOURCE, "docs", "tool.md"), encoding="utf-8") as file:
+            text = file.read()
+        for command in self.commands():
+            self.assertIn(f"\n$ kestrona {' '.join(command)} --help\n", text)
 
     def test_completion_and_manual_know_every_option(self):
         page = run("man").stdout

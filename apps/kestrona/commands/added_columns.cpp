@@ -24,21 +24,21 @@ std::set<std::string> FieldNames(IMemoryResidentData& store, std::int32_t format
 }
 
 std::optional<NamedExpression> ParseAdded(IMemoryResidentData& store, std::int32_t format, const std::string& text,
-                                          std::set<std::string>& names, std::string& problem) {
+                                          std::set<std::string>& names, Problem& problem) {
     const std::size_t sign = text.find('=');
     if (sign == std::string::npos || sign == 0) {
-        problem = "is not of the form NAME=EXPRESSION";
+        problem = {Code::BadNamedValue, "is not of the form NAME=EXPRESSION"};
         return std::nullopt;
     }
     std::string name = text.substr(0, sign);
     if (!names.insert(name).second) {
-        problem = fmt::format("gives the name '{}' a second time", name);
+        problem = {Code::BadNamedValue, fmt::format("gives the name '{}' a second time", name)};
         return std::nullopt;
     }
     auto expression =
         RecordExpression::Parse(store, format, text.substr(sign + 1), ExpressionText::Expression, problem);
     if (!expression) {
-        problem = "holds no expression: " + problem;
+        problem.what = "holds no expression: " + problem.what;
         return std::nullopt;
     }
     return NamedExpression{std::move(name), std::move(*expression)};
@@ -51,10 +51,11 @@ std::optional<std::vector<NamedExpression>> ParseAddedColumns(IMemoryResidentDat
     std::set<std::string> names = FieldNames(store, format);
     std::vector<NamedExpression> columns;
     for (const std::string& text : texts) {
-        std::string problem;
+        Problem problem;
         std::optional<NamedExpression> column = ParseAdded(store, format, text, names, problem);
         if (!column) {
-            TellError("--add '{}' {}", text, problem);
+            problem.what = fmt::format("--add '{}' {}", text, problem.what);
+            TellError(problem);
             return std::nullopt;
         }
         columns.push_back(std::move(*column));

@@ -2,6 +2,7 @@
 #include "data/audit_file.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/text_output.h"
 
 #include <fmt/format.h>
 
@@ -38,7 +39,7 @@ std::optional<std::string> ReadBytes(const std::string& path, std::string& error
 
 void TellFaults(const std::string& path, const std::vector<AuditFault>& faults) {
     for (std::size_t i = 0; i < faults.size() && i < kMostFaultsTold; ++i) {
-        fmt::print(stderr, "{}:{}: {}\n", path, faults[i].line, faults[i].problem);
+        TellError(Problem{Code::BadAuditLine, faults[i].problem}, fmt::format("{}:{}", path, faults[i].line));
     }
     if (faults.size() > kMostFaultsTold) {
         fmt::print(stderr, "{}: {} more faulty lines\n", path, faults.size() - kMostFaultsTold);
@@ -51,7 +52,7 @@ int RunAuditShow(const AuditShowOptions& options) {
     std::string error;
     const std::optional<std::string> bytes = ReadBytes(options.file, error);
     if (!bytes) {
-        TellError("'{}' cannot be read: {}", options.file, error);
+        TellError(Code::CannotRead, "'{}' cannot be read: {}", options.file, error);
         return kExitUnreadableInput;
     }
     AuditFile file = ReadAudit(*bytes);
@@ -62,9 +63,8 @@ int RunAuditShow(const AuditShowOptions& options) {
                       std::move(row.time), std::move(row.field), std::move(row.from), std::move(row.to)});
     }
     TellFaults(options.file, file.faults);
-    if (!WriteTable(table, options.form, stdout)) {
-        TellError("the output cannot be written");
-        return kExitUnreadableInput;
+    if (const int code = OutputCode(WriteTable(table, options.form, stdout)); code != kExitGood) {
+        return code;
     }
     return file.faults.empty() ? kExitGood : kExitDamagedInput;
 }

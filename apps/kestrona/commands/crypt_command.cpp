@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -21,16 +22,16 @@ using Encryption::EncryptionService;
 /// What became of one text.
 struct Outcome {
     std::string text;
-    std::string problem; ///< "" for none.
-    int code = kExitGood;
+    std::optional<Problem> problem = {};
+    int exit_code = kExitGood;
 };
 
 Outcome EncryptOne(std::string_view text) {
     if (!IsValidUtf8(text) || text.find('\0') != std::string_view::npos) {
-        return {{}, "is no text in UTF-8", kExitDamagedInput};
+        return {{}, Problem{Code::NoPlainText, "is no text in UTF-8"}, kExitDamagedInput};
     }
     const Host::SecretText plain(FromUtf8(text));
-    return {ToUtf8(EncryptionService::Instance()->Encrypt(plain.Text())), {}};
+    return {ToUtf8(EncryptionService::Instance()->Encrypt(plain.Text()))};
 }
 
 Outcome DecryptOne(std::string_view text) {
@@ -41,22 +42,22 @@ Outcome DecryptOne(std::string_view text) {
         std::wstring decrypted = EncryptionService::Instance()->Decrypt(FromUtf8(text));
         const Host::SecretText plain(std::move(decrypted));
         if (!IsPlausible(plain.Text())) {
-            return {{}, "cannot be read: wrong key or altered value", kExitKey};
+            return {{}, Problem{Code::WrongKey, "cannot be read: wrong key or altered value"}, kExitKey};
         }
-        return {ToUtf8(WithoutZeros(plain.Text())), {}};
+        return {ToUtf8(WithoutZeros(plain.Text()))};
     } catch (const Encryption::EncryptionException& failure) {
-        return {{}, std::string("is damaged: ") + failure.what(), kExitDamagedInput};
+        return {{}, Problem{Code::DamagedSecret, std::string("is damaged: ") + failure.what()}, kExitDamagedInput};
     }
 }
 
 /// A failed text gives an empty line, so that the lines stay in step.
 int PrintOne(const Outcome& outcome, std::size_t number) {
-    if (!outcome.problem.empty()) {
-        TellError("text {} {}", number, outcome.problem);
+    if (outcome.problem) {
+        TellError(outcome.problem->code, "text {} {}", number, outcome.problem->what);
     }
     std::fwrite(outcome.text.data(), 1, outcome.text.size(), stdout);
     std::fputc('\n', stdout);
-    return outcome.code;
+    return outcome.exit_code;
 }
 
 using Convert = Outcome (*)(std::string_view);
@@ -86,7 +87,7 @@ int ConvertAll(const CryptOptions& options, Convert convert) {
             code = std::max(code, PrintOne(convert(options.texts[i]), i + 1));
         }
     } catch (const Encryption::DataProtectionException& failure) {
-        TellError("the key cannot be read: {}", failure.what());
+        TellError(Code::UnusableKey, "the key cannot be read: {}", failure.what());
         return kExitKey;
     }
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? code : std::max<int>(code, kExitUnreadableInput);

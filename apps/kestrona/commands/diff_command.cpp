@@ -2,6 +2,7 @@
 
 #include "commands/command_options.h"
 #include "commands/file_problems.h"
+#include "commands/host_output.h"
 #include "commands/import_folders.h"
 #include "commands/record_source.h"
 #include "commands/saved_secrets.h"
@@ -12,6 +13,7 @@
 #include "diff/diff_source.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/text_output.h"
 
 #include <kestrona/host/default_host.h>
 #include <kestrona/host/snapshot.h>
@@ -48,6 +50,9 @@ bool CheckStart(const std::string& file, Host::FileProblem& problem) {
 }
 
 int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string& dataset, MemoryResidentData& store) {
+    if (const int code = RefuseUnreadable(file); code != kExitGood) {
+        return code;
+    }
     if (Host::FileProblem problem; !CheckStart(file, problem)) {
         return TellProblem(problem);
     }
@@ -67,7 +72,8 @@ int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string
 bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const DiffOptions& options, MemoryResidentData& store,
               int& code) {
     if (!input.folders.empty() && IsSnapshot(input.file)) {
-        TellError("'{}' is a snapshot and has its own records; give it no folder", input.file);
+        TellError(Code::RecordsTwice, Hint{"Give it no folder."}, "'{}' is a snapshot and has its own records",
+                  input.file);
         code = kExitUsage;
         return false;
     }
@@ -87,7 +93,7 @@ bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const DiffOptions
 bool HaveTables(const DiffSides& sides, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         if (FormatNamed(sides.old_store, name) < 0 && FormatNamed(sides.new_store, name) < 0) {
-            TellError("no format of either side is called '{}'", name);
+            TellError(Code::UnknownFormat, "no format of either side is called '{}'", name);
             return false;
         }
     }
@@ -96,7 +102,8 @@ bool HaveTables(const DiffSides& sides, const std::vector<std::string>& names) {
 
 void TellRepeats(const std::string& table, std::size_t repeats, const char* side) {
     if (repeats > 0) {
-        TellWarning("{}: {} records of the {} side have the key of an earlier one; records of one key "
+        TellWarning(Code::RepeatedKeys,
+                    "{}: {} records of the {} side have the key of an earlier one; records of one key "
                     "are compared in their order",
                     table, repeats, side);
     }
@@ -110,9 +117,8 @@ void TellLocked(const DiffSides& sides, const TableDiff& diff) {
         const bool is_locked = IsLocked(sides.old_store, format, field) ||
                                IsLocked(sides.new_store, pair.new_field.format, pair.new_field.field);
         if (is_locked && diff.old_records > 0 && diff.new_records > 0) {
-            TellWarning("{}.{} is encrypted, and there is no key: texts that differ cannot be "
-                        "told; {}",
-                        diff.name, ToUtf8(sides.old_store.GetColumnName(format, field)), kHowToGiveAKey);
+            TellWarning(Code::NoKey, "{}.{} is encrypted, and there is no key: texts that differ cannot be told",
+                        diff.name, ToUtf8(sides.old_store.GetColumnName(format, field)));
         }
     }
 }
@@ -143,10 +149,7 @@ bool Print(const DiffOptions& options, const DiffSides& sides, const std::vector
             ? WriteReport("diff summary", DiffSummary(diffs), options.form, stdout)
             : WriteReport("diff", DiffSource(sides, diffs, StyleFor(options.form, options.raw, options.text)),
                           options.form, stdout);
-    if (!written) {
-        TellError("the output cannot be written");
-    }
-    return written;
+    return OutputCode(written) == kExitGood;
 }
 
 int Compare(const DiffOptions& options, const DiffSides& sides) {
@@ -165,7 +168,7 @@ int Compare(const DiffOptions& options, const DiffSides& sides) {
 int RunDiff(const DiffOptions& options) {
     Host::DefaultHostOptions host_options;
     host_options.progress = true;
-    host_options.output = TellLines;
+    TellThroughTool(host_options);
     host_options.reader = [&options](const std::string& path) {
         return ReadDefinition(path, path == options.old_input.file || path == options.new_input.file);
     };

@@ -24,12 +24,12 @@ std::string ColumnName(IMemoryResidentData& store, std::int32_t format) {
 
 std::optional<RecordExpression> ParseOrTell(IMemoryResidentData& store, std::int32_t format,
                                             const EvalOptions& options) {
-    std::string problem;
+    Problem problem;
     auto expression = RecordExpression::Parse(
         store, format, options.expression,
         options.inside_of_text ? ExpressionText::InsideOfText : ExpressionText::Expression, problem);
     if (!expression) {
-        TellError("{}", problem);
+        TellError(problem);
     }
     return expression;
 }

@@ -102,9 +102,9 @@ void TellLocked(IMemoryResidentData& store, const std::vector<std::int32_t>& for
     for (const std::int32_t format : formats) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             if (store.GetCurrentDbSize(format) > 0 && IsLocked(store, format, field)) {
-                TellWarning("{}.{} is encrypted, and there is no key: its texts read {}; {}",
+                TellWarning(Code::NoKey, "{}.{} is encrypted, and there is no key: its texts read {}",
                             ToUtf8(store.GetDbName(format)), ToUtf8(store.GetColumnName(format, field)),
-                            kEncryptedPlaceholder, kHowToGiveAKey);
+                            kEncryptedPlaceholder);
             }
         }
     }
@@ -112,10 +112,13 @@ void TellLocked(IMemoryResidentData& store, const std::vector<std::int32_t>& for
 
 int TellResult(const ExportResult& result, const std::vector<ExportTable>& tables, const std::string& target) {
     for (const std::string& note : result.notes) {
-        fmt::print(stderr, "{}\n", note);
+        TellNote("{}", note);
     }
-    if (!result.error.empty()) {
-        TellError("{}", result.error);
+    for (const Problem& warning : result.warnings) {
+        TellWarning(warning);
+    }
+    if (result.error) {
+        TellError(*result.error);
         return kExitUnreadableInput;
     }
     fmt::print(stderr, "{} records of {} formats to {}; peak memory {:.1f} MB\n", RowsOf(tables), tables.size(), target,
@@ -127,7 +130,7 @@ int TellResult(const ExportResult& result, const std::vector<ExportTable>& table
 
 int RunExport(const ExportOptions& options) {
     if (options.target == kStdout && !FitsStdout(options)) {
-        TellError("stdout takes json, or csv of one format; give --table, or a file or folder with -o");
+        TellError(Code::WrongForStdout, "stdout takes json, or csv of one format");
         return kExitUsage;
     }
     Session session;
@@ -135,7 +138,7 @@ int RunExport(const ExportOptions& options) {
         return code;
     }
     if (session.HasRecords() && !options.folders.empty()) {
-        TellError("'{}' is a snapshot and has its own records; leave out --data", options.file);
+        TellError(Code::RecordsTwice, "'{}' is a snapshot and has its own records", options.file);
         return kExitUsage;
     }
     const auto formats = ChooseFormats(session, options.tables);

@@ -3,9 +3,11 @@
 #include "data/definition_reader.h"
 #include "output/message.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -18,6 +20,30 @@ using Host::FileKind;
 
 /// Bytes that are looked at. Definitions hold no zeros, other files soon do.
 constexpr std::size_t kStart = 4096;
+
+Code CodeOf(FileFault fault) {
+    switch (fault) {
+    case FileFault::None:
+        break;
+    case FileFault::CannotOpen:
+        return Code::CannotOpen;
+    case FileFault::CannotRead:
+        return Code::CannotRead;
+    case FileFault::CannotWrite:
+        return Code::CannotWrite;
+    case FileFault::WrongMarker:
+        return Code::WrongKind;
+    case FileFault::WrongVersion:
+        return Code::WrongVersion;
+    case FileFault::Truncated:
+        return Code::Truncated;
+    case FileFault::Damaged:
+        return Code::Damaged;
+    case FileFault::TooLarge:
+        return Code::TooLarge;
+    }
+    return Code::Unexpected;
+}
 
 } // namespace
 
@@ -41,7 +67,7 @@ int ExitCodeOf(FileFault fault) {
 
 int TellProblem(const Host::FileProblem& problem) {
     if (problem.fault != FileFault::None) {
-        TellError("{}", problem.ToString());
+        TellError(CodeOf(problem.fault), "{}", problem.ToString());
     }
     return ExitCodeOf(problem.fault);
 }
@@ -59,12 +85,22 @@ bool CheckIsText(const std::string& path, Host::FileProblem& problem) {
     return false;
 }
 
+int RefuseUnreadable(const std::string& path) {
+    std::error_code unknown;
+    if (path == kStdin || std::filesystem::is_regular_file(path, unknown)) {
+        const bool is_open = path == kStdin || std::ifstream(path).is_open();
+        return is_open ? int{kExitGood} : TellProblem({FileFault::CannotOpen, path, {}, std::strerror(errno), ""});
+    }
+    const char* const reason = unknown ? "" : "it is no file";
+    return TellProblem({FileFault::CannotOpen, path, {}, unknown ? unknown.message() : reason, ""});
+}
+
 int RefuseSameFile(const std::string& source, const std::string& target) {
     std::error_code unknown;
     if (source != target && !std::filesystem::equivalent(source, target, unknown)) {
         return kExitGood;
     }
-    TellError("'{}' is read and cannot be written to, too", source);
+    TellError(Code::SameFile, "'{}' is read and cannot be written to, too", source);
     return kExitUsage;
 }
 
@@ -74,8 +110,8 @@ int RefuseCompiled(const std::string& path, const char* command) {
     if (!compiled && kind != FileKind::Snapshot && kind != FileKind::CompressedSnapshot) {
         return kExitGood;
     }
-    TellError("'{}' is a {}; {} needs the source of a definition", path, compiled ? "compiled definition" : "snapshot",
-              command);
+    TellError(Code::NeedsDefinition, "'{}' is a {}; {} needs the source of a definition", path,
+              compiled ? "compiled definition" : "snapshot", command);
     return kExitUnreadableInput;
 }
 

@@ -22,6 +22,10 @@ int TellProblem(const Host::FileProblem& problem);
 /// parser would find each of its bytes wrong.
 [[nodiscard]] bool CheckIsText(const std::string& path, Host::FileProblem& problem);
 
+/// Says on stderr why the source of a definition cannot be opened, if it is so. Returns `kExitUnreadableInput` then,
+/// else `kExitGood`.
+int RefuseUnreadable(const std::string& path);
+
 /// Says on stderr that both names are those of one file, which a command would read and write at once. Returns
 /// `kExitUsage` then, else `kExitGood`.
 int RefuseSameFile(const std::string& source, const std::string& target);

@@ -17,7 +17,8 @@ constexpr const char* kFooter = R"(Exit codes:
   4  input is damaged
   5  the key of encrypted fields is wrong or missing
 
-'kestrona COMMAND --help' shows the options of a command, with examples.)";
+'kestrona COMMAND --help' shows the options of a command, with examples.
+'kestrona explain CODE' tells about the code of a message.)";
 
 /// Of each command, in the order in which they can be tried.
 constexpr std::pair<std::string_view, std::string_view> kExamples[] = {
@@ -69,6 +70,8 @@ constexpr std::pair<std::string_view, std::string_view> kExamples[] = {
     {"decrypt", R"(decrypt --key-file plant.key < encrypted.txt > texts.txt)"},
     {"audit show", R"(audit show Audit.log)"},
     {"audit show", R"(audit show Audit.log -o csv)"},
+    {"explain", R"(explain KES-0104)"},
+    {"explain", R"(explain unused-field)"},
     {"completion", R"(completion bash)"},
     {"completion", R"(completion zsh -f _kestrona)"},
     {"completion", R"(completion fish -f kestrona.fish)"},

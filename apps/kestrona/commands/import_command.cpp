@@ -40,7 +40,7 @@ std::optional<std::vector<ImportedDataset>> ReadDatasets(const std::vector<std::
         ImportedDataset dataset;
         const std::string problem = ReadDataset(text, datasets, dataset);
         if (!problem.empty()) {
-            TellError("--dataset '{}' {}", text, problem);
+            TellError(Code::BadNamedValue, "--dataset '{}' {}", text, problem);
             return std::nullopt;
         }
         datasets.push_back(std::move(dataset));
@@ -63,7 +63,8 @@ int RunImport(const ImportOptions& options) {
         return code;
     }
     if (session.HasRecords()) {
-        TellError("'{}' is a snapshot; import needs a definition", options.definition);
+        TellError(Code::NeedsDefinition, Hint{"Give the definition that the snapshot was made from."},
+                  "'{}' is a snapshot; import needs a definition", options.definition);
         return kExitUsage;
     }
     return SnapshotImport(session.Store(), options, std::move(*datasets)).Run();

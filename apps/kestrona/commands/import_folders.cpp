@@ -30,8 +30,10 @@ void TellRejections(const ImportedFile& file, const std::vector<Rejection>& reje
         }
         ++told;
         const std::string column = rejection.column.empty() ? "row" : fmt::format("column '{}'", rejection.column);
-        fmt::print(stderr, "{}:{}: rejected: {}: '{}' {}\n", rejection.file, rejection.line, column, rejection.value,
-                   rejection.reason);
+        std::string what = fmt::format("rejected: {}: '{}' {}", column, rejection.value, rejection.reason.what);
+        std::ranges::replace_if(
+            what, [](char c) { return c >= 0 && c < ' '; }, ' ');
+        TellError(Problem{rejection.reason.code, what}, fmt::format("{}:{}", rejection.file, rejection.line));
     }
     if (all > told) {
         fmt::print(stderr, "{}: {} more rejected cells of the same file\n", file.file, all - told);
@@ -41,37 +43,31 @@ void TellRejections(const ImportedFile& file, const std::vector<Rejection>& reje
 /// Prints what became of each file. Returns the worst exit code.
 int TellImport(IMemoryResidentData& store, const std::string& folder, const ImportReport& report) {
     if (!report.error.empty()) {
-        TellError("{}: {}", folder, report.error);
+        TellError(Code::CannotRead, "the folder '{}' cannot be read: {}", folder, report.error);
         return kExitUnreadableInput;
     }
     if (report.files.empty()) {
-        TellWarning("{}: no file bears the name of a format", folder);
+        TellWarning(Code::NoFileForFormat, "{}: no file bears the name of a format", folder);
     }
     int code = kExitGood;
     for (const ImportedFile& file : report.files) {
         for (const std::string& note : file.notes) {
             fmt::print(stderr, "{}: {}\n", file.file, note);
         }
+        for (const Problem& warning : file.warnings) {
+            TellWarning(warning, file.file);
+        }
         TellRejections(file, report.rejections);
         fmt::print(stderr, "{}: {} records into {}, {} rows rejected\n", file.file, file.rows,
                    ToUtf8(store.GetDbName(file.format)), file.rejected_rows);
-        if (!file.error.empty()) {
-            TellError("{}: {}", file.file, file.error);
+        if (file.error) {
+            TellError(*file.error, file.file);
             code = std::max<int>(code, file.unreadable ? kExitUnreadableInput : kExitDamagedInput);
         } else if (file.rejected_rows > 0) {
             code = std::max<int>(code, kExitFindings);
         }
     }
     return code;
-}
-
-/// A file of another encoding shows as one of UTF-8 with faults.
-void TellEncoding(const std::vector<Rejection>& rejections, TextEncoding encoding) {
-    const auto found = std::ranges::find_if(
-        rejections, [](const Rejection& rejection) { return rejection.reason.ends_with(kNoUtf8); });
-    if (found != rejections.end() && (encoding == TextEncoding::Auto || encoding == TextEncoding::Utf8)) {
-        TellNote("{} is not in UTF-8; try --encoding windows-1252 or --encoding utf-16", found->file);
-    }
 }
 
 /// Prints the cells that did not fit in the end. Returns whether there are any.
@@ -85,10 +81,10 @@ bool TellPending(const std::vector<ImportedFile>& files, const std::vector<Rejec
 void TellReferences(IMemoryResidentData& store) {
     for (const DanglingReferences& result : CheckReferences(store)) {
         if (result.dangling > 0) {
-            fmt::print(stderr, "{}.{}: {} of {} references have no target in {}\n",
-                       ToUtf8(store.GetDbName(result.format)), ToUtf8(store.GetColumnName(result.format, result.field)),
-                       result.dangling, result.set,
-                       ToUtf8(store.GetDbName(store.GetDbTable(result.format, result.field))));
+            TellWarning(Code::DanglingReferences, "{}.{}: {} of {} references have no target in {}",
+                        ToUtf8(store.GetDbName(result.format)),
+                        ToUtf8(store.GetColumnName(result.format, result.field)), result.dangling, result.set,
+                        ToUtf8(store.GetDbName(store.GetDbTable(result.format, result.field))));
         }
     }
 }
@@ -102,7 +98,6 @@ int ImportFolders(IMemoryResidentData& store, const std::vector<std::string>& fo
     for (const std::string& folder : folders) {
         ImportReport report = ImportFolder(store, folder, encoding);
         code = std::max(code, TellImport(store, folder, report));
-        TellEncoding(report.rejections, encoding);
         std::ranges::move(report.files, std::back_inserter(files));
     }
     std::vector<Rejection> rejections = ResolveReferences(store, files);

@@ -3,6 +3,7 @@
 #include "data/compiled_head.h"
 #include "output/message.h"
 #include "output/property_sheet.h"
+#include "output/text_output.h"
 
 #include <kestrona/compilation_state.h>
 #include <kestrona/host/snapshot.h>
@@ -125,11 +126,7 @@ public:
 };
 
 int Print(const char* report, const TableSource& table, OutputForm form) {
-    if (WriteReport(report, table, form, stdout)) {
-        return kExitGood;
-    }
-    TellError("the output cannot be written");
-    return kExitUnreadableInput;
+    return OutputCode(WriteReport(report, table, form, stdout));
 }
 
 /// People get sheet and list in one go; programs get one table.
@@ -152,7 +149,7 @@ int PrintSnapshot(const SnapshotInfo& info, const InfoOptions& options) {
 
 int InfoOfCompiled(const InfoOptions& options) {
     if (options.tables) {
-        TellError("'{}' is a compiled definition and has no list of tables", options.file);
+        TellError(Code::NoTableList, "'{}' is a compiled definition and has no list of tables", options.file);
         return kExitUsage;
     }
     Host::FileProblem problem;

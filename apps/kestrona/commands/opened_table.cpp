@@ -3,6 +3,7 @@
 #include "commands/import_folders.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/text_output.h"
 
 #include <kestrona/unicode.h>
 
@@ -16,10 +17,11 @@ namespace {
 
 std::optional<RecordOrder> ParseOrder(Data::MemoryResident::MemoryResidentData& store, std::int32_t format,
                                       const RecordChoice& choice) {
-    std::string problem;
+    Problem problem;
     auto order = RecordOrder::Parse(store, format, choice.order, choice.group_families, problem);
     if (!order) {
-        TellError("--order: {}", problem);
+        problem.what = "--order: " + problem.what;
+        TellError(problem);
     }
     return order;
 }
@@ -28,11 +30,11 @@ std::optional<RecordOrder> ParseOrder(Data::MemoryResident::MemoryResidentData& 
 
 int OpenedTable::CheckSource(NoRecords without) const {
     if (session_.HasRecords() && !choice_->folders.empty()) {
-        TellError("'{}' is a snapshot and has its own records; leave out --data", choice_->source);
+        TellError(Code::RecordsTwice, "'{}' is a snapshot and has its own records", choice_->source);
         return kExitUsage;
     }
     if (without == NoRecords::Refused && !HasRecords()) {
-        TellError("'{}' is a definition without records; give some with --data FOLDER", choice_->source);
+        TellError(Code::NoRecords, "'{}' is a definition without records", choice_->source);
         return kExitUsage;
     }
     return kExitGood;
@@ -72,11 +74,7 @@ std::vector<std::int32_t> OpenedTable::Records(std::size_t* found) const {
 }
 
 bool OpenedTable::Write(const TableSource& source) const {
-    const bool written = WriteTable(source, choice_->form, stdout);
-    if (!written) {
-        TellError("the output cannot be written");
-    }
-    return written;
+    return OutputCode(WriteTable(source, choice_->form, stdout)) == kExitGood;
 }
 
 bool OpenedTable::Print(const std::vector<FollowedField>& fields, std::vector<NamedExpression> added) {

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -29,8 +30,8 @@ Host::TypedSecret AskTwice() {
     return second;
 }
 
-int TellFile(const std::string& path, const std::string& problem) {
-    TellError("'{}' {}", path, problem);
+int TellFile(const std::string& path, const Problem& problem) {
+    TellError(problem.code, "'{}' {}", path, problem.what);
     return kExitUnreadableInput;
 }
 
@@ -46,25 +47,25 @@ bool IsInTheWay(const ProtectKeyOptions& options) {
 int RunProtectKey(const ProtectKeyOptions& options) {
     KeepSecretsOutOfCores();
     if (IsInTheWay(options)) {
-        return TellFile(options.file, kFileInTheWay);
+        return TellFile(options.file, FileInTheWay());
     }
     const Host::TypedSecret phrase = isatty(STDIN_FILENO) != 0 ? AskTwice() : Host::ReadSecretLine(STDIN_FILENO);
     if (!phrase.error.empty()) {
-        TellError("{}", phrase.error);
+        TellError(Code::UnusableKey, "{}", phrase.error);
         return kExitKey;
     }
     std::string content;
     try {
         content = ToUtf8(Encryption::DataProtection().Protect(phrase.text.Text())) + '\n';
     } catch (const Encryption::DataProtectionException& failure) {
-        TellError("the pass phrase cannot be protected for this user: {}", failure.what());
+        TellError(Code::UnusableKey, "the pass phrase cannot be protected for this user: {}", failure.what());
         return kExitKey;
     }
     if (options.file.empty()) {
         return WriteText(content, {});
     }
-    const std::string problem = WriteSecretFile(content, options.file, options.force);
-    return problem.empty() ? int{kExitGood} : TellFile(options.file, problem);
+    const std::optional<Problem> problem = WriteSecretFile(content, options.file, options.force);
+    return problem ? TellFile(options.file, *problem) : int{kExitGood};
 }
 
 } // namespace Kestrona::Tool

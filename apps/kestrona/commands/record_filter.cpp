@@ -34,16 +34,17 @@ std::optional<RecordFilter> RecordFilter::Parse(IMemoryResidentData& store, std:
                                                 const std::vector<std::string>& texts) {
     RecordFilter filter(store, format);
     for (const std::string& text : texts) {
-        std::string problem;
+        Problem problem;
         if (!filter.Add(text, problem)) {
-            TellError("--where '{}' {}", text, problem);
+            problem.what = fmt::format("--where '{}' {}", text, problem.what);
+            TellError(problem);
             return std::nullopt;
         }
     }
     return filter;
 }
 
-bool RecordFilter::Add(const std::string& text, std::string& problem) {
+bool RecordFilter::Add(const std::string& text, Problem& problem) {
     if (!ComparesField(*store_, format_, text)) {
         return AddExpression(text, problem);
     }
@@ -54,15 +55,20 @@ bool RecordFilter::Add(const std::string& text, std::string& problem) {
     return condition.has_value();
 }
 
-bool RecordFilter::AddExpression(const std::string& text, std::string& problem) {
+bool RecordFilter::AddExpression(const std::string& text, Problem& problem) {
     std::optional<RecordExpression> expression =
         RecordExpression::Parse(*store_, format_, text, ExpressionText::Expression, problem);
     if (!expression) {
-        problem = "does not begin with the name of a field and one of = < <= > >=, and is no expression: " + problem;
+        const std::string what =
+            "does not begin with the name of a field and one of = < <= > >=, and is no expression: " + problem.what;
+        problem = problem.code == Code::BadExpression
+                      ? Problem{Code::BadCondition, what,
+                                "Begin with the name of a field, or mend the expression at the caret."}
+                      : Problem{problem.code, what, problem.hint};
         return false;
     }
     if (expression->IsText()) {
-        problem = "is a text, which is never true; compare it with another text";
+        problem = {Code::BadCondition, "is a text, which is never true", "Compare it with another text."};
         return false;
     }
     expressions_.push_back(std::move(*expression));

@@ -2,6 +2,7 @@
 
 #include "data/record_condition.h"
 #include "data/record_expression.h"
+#include "output/message.h"
 
 #include <kestrona/memory_resident_data.h>
 
@@ -34,8 +35,8 @@ private:
         : store_(&store),
           format_(format) {}
 
-    [[nodiscard]] bool Add(const std::string& text, std::string& problem);
-    [[nodiscard]] bool AddExpression(const std::string& text, std::string& problem);
+    [[nodiscard]] bool Add(const std::string& text, Problem& problem);
+    [[nodiscard]] bool AddExpression(const std::string& text, Problem& problem);
 
     Data::MemoryResident::IMemoryResidentData* store_;
     std::int32_t format_;

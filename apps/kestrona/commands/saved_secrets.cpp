@@ -39,11 +39,12 @@ int Try(MemoryResidentData& store, std::int32_t format, std::int32_t field) {
         try {
             const std::wstring text = store.GetDbString(format, field, record);
             if (!text.empty() && !IsPlausible(text)) {
-                TellError("the key is not the one that {} was saved with", place);
+                TellError(Code::WrongKey, "the key is not the one that {} was saved with", place);
                 return kExitKey;
             }
         } catch (const Encryption::EncryptionException& failure) {
-            TellError("the encrypted text {} of {} is damaged: {}", record + 1, place, failure.what());
+            TellError(Code::DamagedSecret, "the encrypted text {} of {} is damaged: {}", record + 1, place,
+                      failure.what());
             return kExitDamagedInput;
         }
     }

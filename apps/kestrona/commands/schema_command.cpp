@@ -3,6 +3,7 @@
 #include "exit_codes.h"
 #include "field_description.h"
 #include "output/property_sheet.h"
+#include "output/text_output.h"
 #include "schema/class_names.h"
 #include "schema/field_links.h"
 
@@ -36,7 +37,7 @@ int ListFormats(IMemoryResidentData& store, OutputForm form) {
                        Utf8(store.GetDbExtension(format)), Utf8(store.GetAssociatedTable(format)),
                        ReferredFormats(store, format)});
     }
-    return WriteTable(source, form, stdout) ? kExitGood : kExitUnreadableInput;
+    return OutputCode(WriteTable(source, form, stdout));
 }
 
 int ListFields(IMemoryResidentData& store, std::int32_t format, OutputForm form) {
@@ -57,7 +58,7 @@ int ListFields(IMemoryResidentData& store, std::int32_t format, OutputForm form)
                        LinksText(store, format, field), ClassesText(store, format, field),
                        ToUtf8(store.GetDbClassString(format, field))});
     }
-    return WriteTable(source, form, stdout) ? kExitGood : kExitUnreadableInput;
+    return OutputCode(WriteTable(source, form, stdout));
 }
 
 std::string DialogLevelText(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
@@ -83,7 +84,7 @@ int ShowField(IMemoryResidentData& store, std::int32_t format, std::int32_t fiel
         sheet.Add("Class", name);
     }
     sheet.Add("Classification", ToUtf8(store.GetDbClassString(format, field)));
-    return WriteTable(sheet, form, stdout) ? kExitGood : kExitUnreadableInput;
+    return OutputCode(WriteTable(sheet, form, stdout));
 }
 
 int Describe(Session& session, const SchemaOptions& options) {

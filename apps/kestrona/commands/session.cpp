@@ -1,18 +1,19 @@
 #include "commands/session.h"
 
 #include "commands/file_problems.h"
+#include "commands/host_output.h"
 #include "commands/saved_secrets.h"
 #include "data/compiled_head.h"
 #include "data/definition_reader.h"
 #include "data/field_names.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/there_are.h"
 
 #include <kestrona/safe_file.h>
 #include <kestrona/unicode.h>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <sys/resource.h>
 
 #include <set>
@@ -25,7 +26,7 @@ namespace {
 Host::DefaultHostOptions HostOptions(const std::string& source) {
     Host::DefaultHostOptions options;
     options.progress = true;
-    options.output = TellLines;
+    TellThroughTool(options);
     options.reader = [&source](const std::string& path) {
         return ReadDefinition(path, path == source);
     };
@@ -49,7 +50,7 @@ int CodeOf(Host::LoadOutcome outcome) {
 int FindDataset(const std::string& path, const std::string& dataset) {
     const Host::FileKind kind = Host::KindOfFile(path);
     if (kind != Host::FileKind::Snapshot && kind != Host::FileKind::CompressedSnapshot) {
-        TellError("'{}' is no snapshot and has no datasets; leave out --dataset", path);
+        TellError(Code::UnknownDataset, Hint{"Leave out --dataset."}, "'{}' is no snapshot and has no datasets", path);
         return kExitUsage;
     }
     Host::FileProblem problem;
@@ -65,8 +66,7 @@ int FindDataset(const std::string& path, const std::string& dataset) {
         known.insert(ToUtf8(table.dataset));
     }
     known.erase("");
-    TellError("'{}' has no dataset '{}'{}{}", path, dataset, known.empty() ? "" : "; there are ",
-              fmt::join(known, ", "));
+    TellError(Code::UnknownDataset, ThereAre({known.begin(), known.end()}), "'{}' has no dataset '{}'", path, dataset);
     return kExitUsage;
 }
 
@@ -98,6 +98,9 @@ int Session::LoadDefinition(const std::string& path, Host::FileKind kind) {
     if (kind == Host::FileKind::CompiledDefinition) {
         return LoadCompiled(path);
     }
+    if (const int code = RefuseUnreadable(path); code != kExitGood) {
+        return code;
+    }
     Host::FileProblem problem;
     if (kind == Host::FileKind::Other && path != kStdin && !CheckIsText(path, problem)) {
         return TellProblem(problem);
@@ -117,6 +120,9 @@ int Session::LoadCompiled(const std::string& path) {
 
 int Session::Compile(const std::string& definition, const std::string& target) {
     source_ = definition;
+    if (const int code = RefuseUnreadable(definition); code != kExitGood) {
+        return code;
+    }
     // The library says the same of a target that cannot be written as of a definition that cannot be resolved.
     if (const SafeFile probe(FromUtf8(target)); !probe.IsOpen()) {
         return TellProblem({Host::FileFault::CannotWrite, target, {}, ToUtf8(probe.Error()), ""});
@@ -146,7 +152,7 @@ std::int32_t Session::FindFormat(const std::string& name) {
             const wchar_t* const format_name = store.GetDbName(format);
             known.push_back(format_name == nullptr ? std::string() : ToUtf8(format_name));
         }
-        TellError("no format is called '{}'; there are {}", name, fmt::join(known, ", "));
+        TellError(Code::UnknownFormat, ThereAre(known), "no format is called '{}'", name);
     }
     return named;
 }
@@ -159,7 +165,7 @@ std::int32_t Session::FindField(std::int32_t format, const std::string& name) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             known.push_back(ToUtf8(store.GetColumnName(format, field)));
         }
-        TellError("no field of the format is called '{}'; there are {}", name, fmt::join(known, ", "));
+        TellError(Code::UnknownField, ThereAre(known), "no field of the format is called '{}'", name);
     }
     return named;
 }

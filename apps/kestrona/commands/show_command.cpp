@@ -36,10 +36,10 @@ std::optional<std::vector<FollowedField>> ChooseFields(IMemoryResidentData& stor
     }
     std::vector<FollowedField> fields;
     for (const std::string& name : names) {
-        std::string problem;
+        Problem problem;
         auto field = ParseFollowedField(store, format, name, problem);
         if (!field) {
-            TellError("{}", problem);
+            TellError(problem);
             return std::nullopt;
         }
         fields.push_back(std::move(*field));

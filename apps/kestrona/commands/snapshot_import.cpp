@@ -42,7 +42,7 @@ int RefuseLockedTexts(MemoryResidentData& store) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             const std::string name = LockedField(store, format, field);
             if (!name.empty()) {
-                TellError("{} is encrypted, and there is no key; {}", name, kHowToGiveAKey);
+                TellError(Code::NoKey, "{} is encrypted, and there is no key", name);
                 return kExitKey;
             }
         }
@@ -75,7 +75,7 @@ bool SnapshotImport::FindFormats() {
             dataset.formats.push_back(file.format);
         }
         if (!error.empty()) {
-            TellError("{}: {}", dataset.folder, error);
+            TellError(Code::CannotRead, "the folder '{}' cannot be read: {}", dataset.folder, error);
             code_ = kExitUnreadableInput;
             return false;
         }
@@ -99,7 +99,7 @@ bool SnapshotImport::Read(const std::vector<std::string>& folders) {
         return false;
     }
     if (code != kExitGood && !options_.keep_going) {
-        TellError("'{}' is not written; --keep-going writes it without what was rejected", options_.target);
+        TellError(Code::NothingWritten, "'{}' is not written", options_.target);
         return false;
     }
     const int locked = RefuseLockedTexts(store_);

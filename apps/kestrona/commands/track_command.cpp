@@ -20,10 +20,10 @@ using Tracking::TrackingPath;
 using Tracking::Conditions::ITrackingCondition;
 
 std::unique_ptr<ITrackingCondition> ParseTargetOrTell(MemoryResidentData& store, const std::string& text) {
-    std::string problem;
+    Problem problem;
     auto target = ParseTrackTarget(store, text, problem);
     if (!target) {
-        TellError("{}", problem);
+        TellError(problem);
     }
     return target;
 }
@@ -55,8 +55,8 @@ int PrintTrack(OpenedTable& table, const TrackOptions& options, ITrackingConditi
     auto& store = table.Store();
     const TrackingPath path = FindPath(store, table.Format(), target, options.lists);
     if (path.field < 0) {
-        fmt::print(stderr, "kestrona: no way leads from {} to {}{}\n", ToUtf8(store.GetDbName(table.Format())),
-                   options.target, options.lists ? "" : "; --lists would go through lists, too");
+        TellError(Code::NoWay, Hint{options.lists ? "Add a reference that leads there to the definition." : ""},
+                  "no way leads from {} to {}", ToUtf8(store.GetDbName(table.Format())), options.target);
         return kExitFindings;
     }
     if (table.HasRecords()) {

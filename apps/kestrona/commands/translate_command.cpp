@@ -4,6 +4,7 @@
 #include "data/definition_reader.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/text_output.h"
 
 #include <kestrona/execution_state.h>
 #include <kestrona/host/translation_list.h>
@@ -33,7 +34,7 @@ constexpr std::array kLists{kDefinitionList, "KS_PDB.LST"};
 
 int TellUnwritable(const fs::path& path, const std::error_code& failure) {
     const std::string reason = failure ? failure.message() : "cannot be written";
-    TellError("{}: {}", path.string(), reason);
+    TellError(Code::CannotWrite, "{}: {}", path.string(), reason);
     return kExitUnreadableInput;
 }
 
@@ -138,7 +139,8 @@ std::string PlaceText(const GivenEntries::Place& place) {
 
 void TakeList(const std::string& file, const TranslationList& list, GivenEntries& given) {
     for (const Host::Diagnostic& diagnostic : list.diagnostics) {
-        fmt::print(stderr, "{}\n", diagnostic.ToString());
+        TellError(Problem{Code::BadTranslation, diagnostic.text},
+                  fmt::format("{}:{}:{}", diagnostic.file, diagnostic.line, diagnostic.column));
         given.sound = false;
     }
     for (const TranslationListEntry& entry : list.entries) {
@@ -148,8 +150,9 @@ void TakeList(const std::string& file, const TranslationList& list, GivenEntries
         }
         const auto [first, is_new] = given.places.try_emplace({entry.section, entry.text}, file, entry.line);
         if (!is_new) {
-            fmt::print(stderr, "{}:{}: unused: '{}' has its translation at {}\n", file, entry.line, ToUtf8(entry.text),
-                       PlaceText(first->second));
+            TellWarning(Problem{Code::UnusedTranslation, fmt::format("unused: '{}' has its translation at {}",
+                                                                     ToUtf8(entry.text), PlaceText(first->second))},
+                        fmt::format("{}:{}", file, entry.line));
         }
     }
     Host::ApplyTranslationList(list);
@@ -161,7 +164,7 @@ std::optional<GivenEntries> TakeLists(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         const auto list = Host::ReadTranslationListFile(file);
         if (!list) {
-            TellError("{}: cannot be read", file);
+            TellError(Code::CannotRead, "{}: cannot be read", file);
             return std::nullopt;
         }
         TakeList(file, *list, given);
@@ -190,8 +193,10 @@ void TellUnused(const GivenEntries& given) {
     for (const auto& [key, place] : given.places) {
         used += place.used ? 1 : 0;
         if (!place.used) {
-            fmt::print(stderr, "{}: unused: the definition has no text '{}' in the section '{}'\n", PlaceText(place),
-                       ToUtf8(key.second), ToUtf8(key.first));
+            TellWarning(Problem{Code::UnusedTranslation,
+                                fmt::format("unused: the definition has no text '{}' in the section '{}'",
+                                            ToUtf8(key.second), ToUtf8(key.first))},
+                        PlaceText(place));
         }
     }
     fmt::print(stderr, "{} entries apply, {} are unused, {} are not filled in\n", used, given.places.size() - used,
@@ -246,9 +251,8 @@ int RunTranslateApply(const TranslateApplyOptions& options) {
     }
     ListSource table(std::move(columns));
     Translate(*texts, *given, table);
-    if (!WriteTable(table, options.form, stdout)) {
-        TellError("the output cannot be written");
-        return kExitUnreadableInput;
+    if (const int code = OutputCode(WriteTable(table, options.form, stdout)); code != kExitGood) {
+        return code;
     }
     TellUnused(*given);
     return given->sound ? kExitGood : kExitFindings;

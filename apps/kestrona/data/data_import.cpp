@@ -83,8 +83,10 @@ void ImportFile(IMemoryResidentData& store, ImportedFile& file, TextEncoding enc
         return true;
     });
     importer.Finish();
-    file.error = outcome.error;
     file.unreadable = outcome.unreadable;
+    if (!outcome.error.empty()) {
+        file.error = Problem{outcome.unreadable ? Code::CannotRead : Code::OpenQuote, outcome.error};
+    }
 }
 
 DanglingReferences FollowReferences(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "data/text_decoder.h"
+#include "output/message.h"
 
 #include <kestrona/memory_resident_data.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,16 +16,13 @@
 
 namespace Kestrona::Tool {
 
-/// What the reason for the rejection of a text ends with whose bytes are of another encoding.
-inline constexpr const char* kNoUtf8 = "is no UTF-8";
-
 /// A cell, or a whole row, that was not taken over.
 struct Rejection {
     std::string file;
     std::size_t line = 0;
     std::string column; ///< Empty when the row as a whole is at fault.
     std::string value;
-    std::string reason;
+    Problem reason;
 };
 
 /// A cell of a record that waits until all formats hold their records.
@@ -43,7 +42,8 @@ struct ImportedFile {
     std::vector<PendingCell> matrices;   ///< Waiting for the formats that dimension them.
     std::vector<PendingCell> references; ///< Texts, waiting for the records that they belong to.
     std::vector<std::string> notes;
-    std::string error; ///< Not empty when the file ended early or could not be read.
+    std::vector<Problem> warnings;
+    std::optional<Problem> error; ///< The file ended early or could not be read.
     bool unreadable = false;
 };
 

@@ -3,6 +3,7 @@
 #include "data/cell_text.h"
 #include "data/field_names.h"
 #include "data/matrix_text.h"
+#include "output/there_are.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
@@ -26,23 +27,25 @@ bool IsReference(IMemoryResidentData& store, std::int32_t format, std::int32_t f
            FormOfField(store, format, field) != ValueForm::Text && target >= 0 && target < store.GetFormatCount();
 }
 
-std::string KnownFields(IMemoryResidentData& store, std::int32_t format) {
-    std::string known;
+std::vector<std::string> KnownFields(IMemoryResidentData& store, std::int32_t format) {
+    std::vector<std::string> known;
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
         if (HasValues(store, format, field)) {
-            known += (known.empty() ? "" : ", ") + ToUtf8(store.GetColumnName(format, field));
+            known.push_back(ToUtf8(store.GetColumnName(format, field)));
         }
     }
     return known;
 }
 
-std::string Wrong(IMemoryResidentData& store, std::int32_t format, std::string_view rest) {
+Problem Wrong(IMemoryResidentData& store, std::int32_t format, std::string_view rest) {
     const std::string_view first = rest.substr(0, rest.find('.'));
     if (first != rest && FieldNamed(store, format, first) >= 0) {
-        return fmt::format("'{}' of {} is no reference", first, ToUtf8(store.GetDbName(format)));
+        return {Code::UnknownField, fmt::format("'{}' of {} is no reference", first, ToUtf8(store.GetDbName(format))),
+                "Follow a field with DATABASE only."};
     }
-    return fmt::format("'{}' is no field with values to show of {}; there are {}", first,
-                       ToUtf8(store.GetDbName(format)), KnownFields(store, format));
+    return {Code::UnknownField,
+            fmt::format("'{}' is no field with values to show of {}", first, ToUtf8(store.GetDbName(format))),
+            ThereAre(KnownFields(store, format)).text};
 }
 
 /// The reference whose name and a dot the text begins with, the longest name of several. `length` is 0 where there is
@@ -70,7 +73,7 @@ FollowedField OwnField(IMemoryResidentData& store, std::int32_t format, std::int
 }
 
 std::optional<FollowedField> ParseFollowedField(IMemoryResidentData& store, std::int32_t format, std::string_view name,
-                                                std::string& problem) {
+                                                Problem& problem) {
     FollowedField followed{std::string(name), {}, format, -1};
     for (std::string_view rest = name;;) {
         followed.field = FieldNamed(store, followed.format, rest);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/types.h>
 
@@ -31,7 +33,7 @@ struct FollowedField {
 /// result: also where the field has no values to show.
 [[nodiscard]] std::optional<FollowedField> ParseFollowedField(Data::MemoryResident::IMemoryResidentData& store,
                                                               std::int32_t format, std::string_view name,
-                                                              std::string& problem);
+                                                              Problem& problem);
 
 /// Makes `FollowReferences` fast: the keys that it looks up are indexed. Call it when the records are loaded.
 void IndexReferences(Data::MemoryResident::IMemoryResidentData& store, const FollowedField& field);

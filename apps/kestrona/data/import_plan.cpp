@@ -47,10 +47,12 @@ void PlanByHeading(IMemoryResidentData& store, std::int32_t format, const std::v
         const auto found = fields.find(name);
         if (found == fields.end()) {
             plan.columns.push_back({-1, ValueForm::Text, 0, name});
-            plan.notes.push_back(fmt::format("column '{}' belongs to no field and is left out", name));
+            plan.warnings.push_back(
+                {Code::UnknownColumn, fmt::format("column '{}' belongs to no field and is left out", name)});
         } else if (taken[static_cast<std::size_t>(found->second)]) {
             plan.columns.push_back({-1, ValueForm::Text, 0, name});
-            plan.notes.push_back(fmt::format("column '{}' stands twice; the first one is taken", name));
+            plan.warnings.push_back(
+                {Code::RepeatedColumn, fmt::format("column '{}' stands twice; the first one is taken", name)});
         } else if (!IsImported(store, format, found->second)) {
             plan.columns.push_back({-1, ValueForm::Text, 0, name});
             plan.notes.push_back(fmt::format("field '{}' keeps no value of its own; the column is left out", name));

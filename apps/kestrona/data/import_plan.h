@@ -1,6 +1,7 @@
 #pragma once
 
 #include "data/cell_text.h"
+#include "output/message.h"
 
 #include <cstdint>
 #include <string>
@@ -25,6 +26,7 @@ struct ImportPlan {
     bool has_heading = false; ///< The first row is the heading and no data.
     bool has_key = false;
     std::vector<std::string> notes; ///< What the user should know.
+    std::vector<Problem> warnings;  ///< Columns that are left out by mistake.
 };
 
 /// Makes the plan from the first row of a file.

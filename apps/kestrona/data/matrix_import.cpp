@@ -88,8 +88,11 @@ std::vector<Rejection> FillMatrices(IMemoryResidentData& store, const std::vecto
         for (const PendingCell& cell : file->matrices) {
             std::string problem = FillMatrix(store, texts, format, cell);
             if (!problem.empty()) {
-                rejections.push_back({file->file, cell.line, ToUtf8(store.GetColumnName(format, cell.field)), cell.text,
-                                      std::move(problem)});
+                rejections.push_back({file->file,
+                                      cell.line,
+                                      ToUtf8(store.GetColumnName(format, cell.field)),
+                                      cell.text,
+                                      {Code::BadMatrix, std::move(problem)}});
             }
         }
     }

@@ -78,13 +78,15 @@ std::vector<std::int32_t> AllRecords(IMemoryResidentData& store, std::int32_t fo
     return records;
 }
 
-/// Says why the encrypted field cannot be compared so, "" when it can.
-std::string WhyNoEncryptedText(IMemoryResidentData& store, std::int32_t format, const RecordCondition& condition) {
+/// Says why the encrypted field cannot be compared so; nothing when it can.
+std::optional<Problem> WhyNoEncryptedText(IMemoryResidentData& store, std::int32_t format,
+                                          const RecordCondition& condition) {
     if (IsLocked(store, format, condition.field)) {
-        return fmt::format("names an encrypted field, and there is no key; {}", kHowToGiveAKey);
+        return Problem{Code::NoKey, "names an encrypted field, and there is no key"};
     }
     const bool sound = condition.comparison == FindOperator::Equal || !IsEncryptedText(store, format, condition);
-    return sound ? "" : "names an encrypted field, which goes with = only";
+    return sound ? std::nullopt
+                 : std::optional(Problem{Code::BadCondition, "names an encrypted field, which goes with = only"});
 }
 
 } // namespace
@@ -94,14 +96,14 @@ bool ComparesField(IMemoryResidentData& store, std::int32_t format, std::string_
 }
 
 std::optional<RecordCondition> ParseCondition(IMemoryResidentData& store, std::int32_t format, std::string_view text,
-                                              std::string& problem) {
+                                              Problem& problem) {
     const std::optional<Parts> parts = Cut(store, format, text);
     if (!parts) {
-        problem = "does not begin with the name of a field and one of = < <= > >=";
+        problem = {Code::BadCondition, "does not begin with the name of a field and one of = < <= > >="};
         return std::nullopt;
     }
     if (!HasCells(store, format, parts->field)) {
-        problem = "names a field without one value for each record";
+        problem = {Code::BadCondition, "names a field without one value for each record"};
         return std::nullopt;
     }
     RecordCondition condition{parts->field, parts->comparison, false, 0.0, {}, {}};
@@ -109,22 +111,23 @@ std::optional<RecordCondition> ParseCondition(IMemoryResidentData& store, std::i
     if (form == ValueForm::Text) {
         condition.is_text = true;
         condition.text = FromUtf8(parts->value);
-        problem = WhyNoEncryptedText(store, format, condition);
-        return problem.empty() ? std::optional(condition) : std::nullopt;
+        const std::optional<Problem> trouble = WhyNoEncryptedText(store, format, condition);
+        problem = trouble.value_or(problem);
+        return trouble ? std::nullopt : std::optional(condition);
     }
     std::string fault;
     const std::optional<double> number = ReadCell(store, format, parts->field, form, parts->value, fault);
     if (!number && form == ValueForm::Reference && TargetOf(store, format, parts->field)) {
         if (parts->comparison != FindOperator::Equal) {
-            problem = fmt::format("compares with the text '{}'; a text that a reference is shown by goes with = only",
-                                  parts->value);
+            problem = {Code::BadCondition, fmt::format("compares with the text '{}'", parts->value),
+                       "A text that a reference is shown by goes with = only."};
             return std::nullopt;
         }
         condition.reference = parts->value;
         return condition;
     }
     if (!number) {
-        problem = fmt::format("holds '{}', which {}", parts->value, fault);
+        problem = {Code::BadCondition, fmt::format("holds '{}', which {}", parts->value, fault)};
         return std::nullopt;
     }
     condition.number = *number;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/memory_resident_data.h>
 #include <kestrona/types.h>
 
@@ -33,7 +35,7 @@ struct RecordCondition {
 /// an empty result.
 [[nodiscard]] std::optional<RecordCondition> ParseCondition(Data::MemoryResident::IMemoryResidentData& store,
                                                             std::int32_t format, std::string_view text,
-                                                            std::string& problem);
+                                                            Problem& problem);
 
 /// Returns the records that fulfil all conditions, ascending. Costs an index per field named and the records found.
 /// Requires: at least one condition.

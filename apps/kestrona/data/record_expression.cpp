@@ -39,8 +39,7 @@ RecordExpression::RecordExpression(IMemoryResidentData& store, std::unique_ptr<I
       is_text_(YieldsText(*expression_)) {}
 
 std::optional<RecordExpression> RecordExpression::Parse(IMemoryResidentData& store, std::int32_t format,
-                                                        std::string_view text, ExpressionText kind,
-                                                        std::string& problem) {
+                                                        std::string_view text, ExpressionText kind, Problem& problem) {
     // The inside of a text stands between these marks, which it cannot hold itself.
     const std::wstring mark = kind == ExpressionText::InsideOfText ? L"~" : L"";
     ExpressionErrorInfo info;
@@ -48,11 +47,11 @@ std::optional<RecordExpression> RecordExpression::Parse(IMemoryResidentData& sto
     std::unique_ptr<INativeExpression> expression(
         KSDLL_ParseAndVerifyExpression(store, format, mark + FromUtf8(text) + mark, info));
     if (expression == nullptr) {
-        problem = Host::ExplainFailure(info.Message, info.Expression, info.Position, kIndent);
+        problem = {Code::BadExpression, Host::ExplainFailure(info.Message, info.Expression, info.Position, kIndent)};
         return std::nullopt;
     }
-    problem = WhyUnreadable(store, *expression, YieldsText(*expression));
-    if (!problem.empty()) {
+    if (const auto reason = WhyUnreadable(store, *expression, YieldsText(*expression))) {
+        problem = *reason;
         return std::nullopt;
     }
     return RecordExpression(store, std::move(expression));

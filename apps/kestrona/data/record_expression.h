@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/expression.h>
 #include <kestrona/memory_resident_data.h>
 
@@ -27,7 +29,7 @@ public:
     /// Returns what is wrong through `problem`, a caret below the place, with an empty result.
     [[nodiscard]] static std::optional<RecordExpression> Parse(Data::MemoryResident::IMemoryResidentData& store,
                                                                std::int32_t format, std::string_view text,
-                                                               ExpressionText kind, std::string& problem);
+                                                               ExpressionText kind, Problem& problem);
 
     /// Tells whether it yields a text; its number is then 0 for all records.
     [[nodiscard]] bool IsText() const { return is_text_; }

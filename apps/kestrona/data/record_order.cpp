@@ -43,23 +43,25 @@ SortDetails ReadEntry(IMemoryResidentData& store, std::int32_t format, std::stri
 
 std::optional<RecordOrder> RecordOrder::Parse(MemoryResidentData& store, std::int32_t format,
                                               const std::vector<std::string>& texts, bool group_families,
-                                              std::string& problem) {
+                                              Problem& problem) {
     RecordOrder order;
     for (const std::string& text : texts) {
         const SortDetails entry = ReadEntry(store, format, text);
         if (entry.field < 0 || !HasCells(store, format, entry.field)) {
-            problem = fmt::format("'{}' names no field of {} that records can be sorted by; :desc may follow a name",
-                                  text, ToUtf8(store.GetDbName(format)));
+            problem = {Code::BadOrder, fmt::format("'{}' names no field of {} that records can be sorted by", text,
+                                                   ToUtf8(store.GetDbName(format)))};
             return std::nullopt;
         }
         if (IsLocked(store, format, entry.field)) {
-            problem = fmt::format("'{}' is encrypted, and there is no key; {}", text, kHowToGiveAKey);
+            problem = {Code::NoKey, fmt::format("'{}' is encrypted, and there is no key", text)};
             return std::nullopt;
         }
         order.details_.push_back(entry);
     }
     if (group_families && FindFirstColumnWithClassification(store, format, Classes::kFamily) < 0) {
-        problem = fmt::format("{} has no families: none of its fields is a FAMILY", ToUtf8(store.GetDbName(format)));
+        problem = {Code::BadOrder,
+                   fmt::format("{} has no families: none of its fields is a FAMILY", ToUtf8(store.GetDbName(format))),
+                   "Leave out --group-family."};
         return std::nullopt;
     }
     if (group_families || !texts.empty()) {

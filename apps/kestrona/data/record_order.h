@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/sorting.h>
 #include <kestrona/store.h>
 
@@ -23,7 +25,7 @@ public:
     /// empty result: also where families are to stay together in a format that has none.
     [[nodiscard]] static std::optional<RecordOrder> Parse(Data::MemoryResident::MemoryResidentData& store,
                                                           std::int32_t format, const std::vector<std::string>& texts,
-                                                          bool group_families, std::string& problem);
+                                                          bool group_families, Problem& problem);
 
     /// Brings some records of the format into this order. Costs a sort of all its records.
     void Arrange(std::vector<std::int32_t>& records) const;

@@ -60,8 +60,11 @@ std::vector<Rejection> ResolveReferences(IMemoryResidentData& store, const std::
         if (const auto key = texts.Key(file->format, cell->field, cell->text, problem)) {
             store.SetDbValue(file->format, cell->field, cell->record, *key);
         } else {
-            rejections.push_back(
-                {file->file, cell->line, ToUtf8(store.GetColumnName(file->format, cell->field)), cell->text, problem});
+            rejections.push_back({file->file,
+                                  cell->line,
+                                  ToUtf8(store.GetColumnName(file->format, cell->field)),
+                                  cell->text,
+                                  {Code::UnknownReference, problem}});
         }
     }
     return rejections;

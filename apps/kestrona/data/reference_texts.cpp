@@ -71,7 +71,7 @@ std::optional<double> ReferenceTexts::Key(std::int32_t format, std::int32_t fiel
     const std::string column = ToUtf8(store_.GetColumnName(target.format, target.field));
     const std::string table = ToUtf8(store_.GetDbName(target.format));
     problem = keys.empty() ? fmt::format("is neither a key nor the {} of a record of {}", column, table)
-                           : fmt::format("is the {} of {} records of {}; give the key", column, keys.size(), table);
+                           : fmt::format("is the {} of {} records of {}", column, keys.size(), table);
     return std::nullopt;
 }
 

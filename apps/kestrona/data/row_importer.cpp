@@ -31,6 +31,7 @@ void RowImporter::Take(const CsvRow& row) {
         planned_ = true;
         plan_ = PlanImport(store_, file_.format, row.cells);
         file_.notes = plan_.notes;
+        file_.warnings = plan_.warnings;
         if (!plan_.has_key) {
             file_.notes.emplace_back("no key column; the records are numbered from 1");
         }
@@ -53,8 +54,9 @@ void RowImporter::Finish() {
 
 bool RowImporter::Check(const CsvRow& row) {
     if (row.cells.size() != plan_.columns.size()) {
-        return Reject(row, "", row.cells.front(),
-                      fmt::format("the row has {} cells and not {}", row.cells.size(), plan_.columns.size()));
+        return Reject(
+            row, "", row.cells.front(),
+            {Code::BadRow, fmt::format("the row has {} cells and not {}", row.cells.size(), plan_.columns.size())});
     }
     bool sound = true;
     for (std::size_t column = 0; column < row.cells.size(); ++column) {
@@ -62,7 +64,7 @@ bool RowImporter::Check(const CsvRow& row) {
         sound = (plan_.columns[column].field < 0 || CheckCell(row, column)) && sound;
     }
     if (sound && file_.rows >= static_cast<std::size_t>(kMostRecords)) {
-        return Reject(row, "", "", "the format holds no more records");
+        return Reject(row, "", "", {Code::TooManyRecords, "the format holds no more records"});
     }
     for (std::size_t column = 0; sound && column < row.cells.size(); ++column) {
         if (plan_.columns[column].field == key_field_) {
@@ -87,7 +89,7 @@ bool RowImporter::CheckCell(const CsvRow& row, std::size_t column) {
     if (empty && (plan.field == key_field_ || !HasUnset(plan.form))) {
         // Left at the field's default; a key has none that could serve.
         value.present = false;
-        return plan.field != key_field_ || Reject(row, plan.name, "", "the key is missing");
+        return plan.field != key_field_ || Reject(row, plan.name, "", {Code::BadKey, "the key is missing"});
     }
     return CheckNumber(row, column);
 }
@@ -99,7 +101,7 @@ bool RowImporter::CheckNumber(const CsvRow& row, std::size_t column) {
     const std::optional<double> number =
         ReadCell(store_, file_.format, plan.field, plan.form, row.cells[column], problem);
     if (!number && !plan.has_texts) {
-        return Reject(row, plan.name, row.cells[column], problem);
+        return Reject(row, plan.name, row.cells[column], {Code::BadCell, problem});
     }
     value.number = number.value_or(kUnset);
     value.pending = !number;
@@ -111,14 +113,15 @@ bool RowImporter::CheckText(const CsvRow& row, std::size_t column) {
     const std::string_view cell = row.cells[column];
     std::size_t bad = 0;
     if (!IsValidUtf8(cell, &bad)) {
-        return Reject(row, plan.name, std::string(cell), fmt::format("byte {} {}", bad + 1, kNoUtf8));
+        return Reject(row, plan.name, std::string(cell),
+                      {Code::WrongEncoding, fmt::format("byte {} is no UTF-8", bad + 1)});
     }
     Value& value = values_[column];
     value.present = true;
     value.text = FromUtf8(cell);
     if (plan.max_length > 0 && Utf16Length(value.text) > plan.max_length) {
         return Reject(row, plan.name, std::string(cell),
-                      fmt::format("the text is longer than {} characters", plan.max_length));
+                      {Code::TextTooLong, fmt::format("the text is longer than {} characters", plan.max_length)});
     }
     if (!value.text.empty() && IsLocked(store_, file_.format, plan.field)) {
         value.text = FromUtf8(kEncryptedPlaceholder); // so that nothing shows it, calculated fields included
@@ -129,12 +132,12 @@ bool RowImporter::CheckText(const CsvRow& row, std::size_t column) {
 bool RowImporter::CheckKey(const CsvRow& row, std::size_t column) {
     const PlannedColumn& plan = plan_.columns[column];
     if (plan.form != ValueForm::Text && !keys_.insert(values_[column].number).second) {
-        return Reject(row, plan.name, row.cells[column], "an earlier row has this key");
+        return Reject(row, plan.name, row.cells[column], {Code::BadKey, "an earlier row has this key"});
     }
     return true;
 }
 
-bool RowImporter::Reject(const CsvRow& row, const std::string& column, const std::string& value, std::string reason) {
+bool RowImporter::Reject(const CsvRow& row, const std::string& column, const std::string& value, Problem reason) {
     rejections_.push_back({file_.file, row.line, column, value, std::move(reason)});
     return false;
 }

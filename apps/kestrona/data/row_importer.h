@@ -39,7 +39,7 @@ private:
     [[nodiscard]] bool CheckNumber(const CsvRow& row, std::size_t column);
     [[nodiscard]] bool CheckText(const CsvRow& row, std::size_t column);
     [[nodiscard]] bool CheckKey(const CsvRow& row, std::size_t column);
-    bool Reject(const CsvRow& row, const std::string& column, const std::string& value, std::string reason);
+    bool Reject(const CsvRow& row, const std::string& column, const std::string& value, Problem reason);
     void Write(const CsvRow& row);
     void KeepPending(std::vector<PendingCell>& cells, const CsvRow& row, std::size_t column, std::int32_t record);
     void GrowTo(std::int32_t records);

@@ -40,8 +40,7 @@ private:
 };
 
 /// Either name may hold dots: the first division that names a field counts.
-std::unique_ptr<ITrackingCondition> ParseField(IMemoryResidentData& store, std::string_view text,
-                                               std::string& problem) {
+std::unique_ptr<ITrackingCondition> ParseField(IMemoryResidentData& store, std::string_view text, Problem& problem) {
     std::int32_t format = -1;
     for (std::size_t dot = text.find('.'); dot != std::string_view::npos; dot = text.find('.', dot + 1)) {
         const std::int32_t named = FormatNamed(store, text.substr(0, dot));
@@ -51,23 +50,25 @@ std::unique_ptr<ITrackingCondition> ParseField(IMemoryResidentData& store, std::
             return std::make_unique<IsField>(TableColumn{named, field});
         }
     }
-    problem = format >= 0
-                  ? fmt::format("'{}' names no field of {}", text, ToUtf8(store.GetDbName(format)))
-                  : fmt::format("'{}' is not of the form FORMAT.FIELD or class:NAME, or no format is so called", text);
+    problem.code = Code::BadTarget;
+    problem.what =
+        format >= 0
+            ? fmt::format("'{}' names no field of {}", text, ToUtf8(store.GetDbName(format)))
+            : fmt::format("'{}' is not of the form FORMAT.FIELD or class:NAME, or no format is so called", text);
     return nullptr;
 }
 
 } // namespace
 
 std::unique_ptr<ITrackingCondition> ParseTrackTarget(IMemoryResidentData& store, std::string_view text,
-                                                     std::string& problem) {
+                                                     Problem& problem) {
     if (!text.starts_with(kClassPrefix)) {
         return ParseField(store, text, problem);
     }
     const std::string_view name = text.substr(kClassPrefix.size());
     const std::optional<Class> c = ClassNamed(name);
     if (!c) {
-        problem = fmt::format("no class is called '{}'", name);
+        problem = {Code::BadTarget, fmt::format("no class is called '{}'", name)};
         return nullptr;
     }
     return std::make_unique<HasClass>(*c);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/tracking.h>
 
 #include <memory>
@@ -14,6 +16,6 @@ namespace Kestrona::Tool {
 /// Reads `FORMAT.FIELD`, the format by its name or display name, or `class:NAME` for any field of a class. Returns what
 /// is wrong through `problem` with a null result.
 [[nodiscard]] std::unique_ptr<Tracking::Conditions::ITrackingCondition>
-ParseTrackTarget(Data::MemoryResident::IMemoryResidentData& store, std::string_view text, std::string& problem);
+ParseTrackTarget(Data::MemoryResident::IMemoryResidentData& store, std::string_view text, Problem& problem);
 
 } // namespace Kestrona::Tool

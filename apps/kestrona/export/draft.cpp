@@ -12,13 +12,15 @@ std::string Draft::Path() const {
     return ToUtf8(file_.DraftPath());
 }
 
-std::string Draft::Problem() const {
-    return file_.Error().empty() ? std::string()
-                                 : fmt::format("'{}' cannot be written: {}", path_, ToUtf8(file_.Error()));
+std::optional<Problem> Draft::Failure() const {
+    if (file_.Error().empty()) {
+        return std::nullopt;
+    }
+    return Problem{Code::CannotWrite, fmt::format("'{}' cannot be written: {}", path_, ToUtf8(file_.Error()))};
 }
 
-std::string Draft::Publish() {
-    return file_.Commit() ? std::string() : Problem();
+std::optional<Problem> Draft::Publish() {
+    return file_.Commit() ? std::nullopt : Failure();
 }
 
 } // namespace Kestrona::Tool

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "output/message.h"
+
 #include <kestrona/safe_file.h>
 
+#include <optional>
 #include <string>
 
 namespace Kestrona::Tool {
@@ -15,10 +18,10 @@ public:
 
     /// Where another library writes, UTF-8.
     [[nodiscard]] std::string Path() const;
-    /// Tells why the file could not be made or given its name; "" for no reason.
-    [[nodiscard]] std::string Problem() const;
-    /// Gives the file its name. Returns what went wrong, "" for nothing.
-    [[nodiscard]] std::string Publish();
+    /// Tells why the file could not be made or given its name.
+    [[nodiscard]] std::optional<Problem> Failure() const;
+    /// Gives the file its name. Returns what went wrong.
+    [[nodiscard]] std::optional<Problem> Publish();
 
 private:
     std::string path_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output/message.h"
 #include "output/table_source.h"
 
 #include <cstddef>
@@ -34,9 +35,10 @@ struct ExportTable {
 };
 
 struct ExportResult {
-    std::string error;                   ///< What went wrong, "" for nothing.
+    std::optional<Problem> error = {};   ///< What went wrong.
     std::vector<std::string> notes = {}; ///< What the user should know.
-    bool lossy = false;                  ///< The file does not hold all of the data; the notes tell what is missing.
+    std::vector<Problem> warnings = {};  ///< What is not as it was.
+    bool lossy = false;                  ///< The file does not hold all of the data; the warnings tell what is missing.
 };
 
 /// Writes each table to a file NAME.csv in a folder, which is made if it is not there. Each file appears whole or not

@@ -85,7 +85,7 @@ bool HasSoundKeys(const ExportTable& table) {
     return (keys.empty() || !keys.front().empty()) && std::ranges::adjacent_find(keys) == keys.end();
 }
 
-std::vector<SqlTable> NameTables(const std::vector<ExportTable>& tables, std::vector<std::string>& notes) {
+std::vector<SqlTable> NameTables(const std::vector<ExportTable>& tables, ExportResult& result) {
     std::vector<SqlTable> named;
     UniqueNames names;
     for (const ExportTable& table : tables) {
@@ -98,15 +98,17 @@ std::vector<SqlTable> NameTables(const std::vector<ExportTable>& tables, std::ve
         for (const OutputColumn& column : table.source->Columns()) {
             entry.columns.push_back(column_names.Add(column.name));
             if (entry.columns.back() != column.name) {
-                notes.push_back(fmt::format("{}: the second column '{}' is called '{}'", table.name, column.name,
-                                            entry.columns.back()));
+                result.notes.push_back(fmt::format("{}: the second column '{}' is called '{}'", table.name, column.name,
+                                                   entry.columns.back()));
             }
         }
         if (entry.name != table.name) {
-            notes.push_back(fmt::format("the table '{}' is called '{}'", table.name, entry.name));
+            result.notes.push_back(fmt::format("the table '{}' is called '{}'", table.name, entry.name));
         }
         if (table.key && !entry.has_key) {
-            notes.push_back(fmt::format("{}: keys are missing or not unique, so it has no PRIMARY KEY", table.name));
+            result.warnings.push_back(
+                {Code::NoPrimaryKey,
+                 fmt::format("{}: keys are missing or not unique, so it has no PRIMARY KEY", table.name)});
         }
     }
     return named;
@@ -202,14 +204,14 @@ void WriteDatabase(const std::string& path, const std::vector<SqlTable>& tables)
 ExportResult WriteSqliteFile(const std::vector<ExportTable>& tables, const std::string& path) {
     Draft draft(path);
     if (draft.File() == nullptr) {
-        return {draft.Problem()};
+        return {draft.Failure()};
     }
     ExportResult result;
     try {
-        WriteDatabase(draft.Path(), NameTables(tables, result.notes));
+        WriteDatabase(draft.Path(), NameTables(tables, result));
         result.error = draft.Publish();
     } catch (const SqliteError& error) {
-        result.error = fmt::format("'{}' cannot be written: {}", path, error.what());
+        result.error = Problem{Code::CannotWrite, fmt::format("'{}' cannot be written: {}", path, error.what())};
     }
     return result;
 }

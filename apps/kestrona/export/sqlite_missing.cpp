@@ -4,7 +4,7 @@
 namespace Kestrona::Tool {
 
 ExportResult WriteSqliteFile(const std::vector<ExportTable>&, const std::string&) {
-    return {"this program was built without SQLite (KESTRONA_SQLITE)"};
+    return {Problem{Code::FormNotBuilt, "this program was built without SQLite (KESTRONA_SQLITE)"}};
 }
 
 } // namespace Kestrona::Tool

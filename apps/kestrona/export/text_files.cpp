@@ -16,10 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string WriteCsvFile(const ExportTable& table, const fs::path& path) {
+std::optional<Problem> WriteCsvFile(const ExportTable& table, const fs::path& path) {
     Draft draft(path.string());
     if (draft.File() == nullptr) {
-        return draft.Problem();
+        return draft.Failure();
     }
     WriteCsv(*table.source, draft.File());
     return draft.Publish();
@@ -37,7 +37,10 @@ void WriteTables(const std::vector<ExportTable>& tables, std::FILE* out) {
 }
 
 ExportResult Flushed(std::FILE* out) {
-    return {std::fflush(out) == 0 && std::ferror(out) == 0 ? "" : "the output cannot be written"};
+    if (std::fflush(out) == 0 && std::ferror(out) == 0) {
+        return {};
+    }
+    return {Problem{Code::OutputFailed, "the output cannot be written"}};
 }
 
 } // namespace
@@ -45,16 +48,17 @@ ExportResult Flushed(std::FILE* out) {
 ExportResult WriteCsvFolder(const std::vector<ExportTable>& tables, const std::string& folder) {
     for (const ExportTable& table : tables) {
         if (table.name.find('/') != std::string::npos) {
-            return {fmt::format("'{}' cannot be the name of a file; export the others with --table", table.name)};
+            return {Problem{Code::NoFileName, fmt::format("'{}' cannot be the name of a file", table.name)}};
         }
     }
     std::error_code failure;
     fs::create_directories(folder, failure);
     if (failure) {
-        return {fmt::format("the folder '{}' cannot be made: {}", folder, failure.message())};
+        return {
+            Problem{Code::CannotWrite, fmt::format("the folder '{}' cannot be made: {}", folder, failure.message())}};
     }
     for (const ExportTable& table : tables) {
-        if (std::string error = WriteCsvFile(table, fs::path(folder) / (table.name + ".csv")); !error.empty()) {
+        if (auto error = WriteCsvFile(table, fs::path(folder) / (table.name + ".csv"))) {
             return {error};
         }
     }
@@ -74,7 +78,7 @@ ExportResult WriteCsvTable(const ExportTable& table, std::FILE* out) {
 ExportResult WriteJsonFile(const std::vector<ExportTable>& tables, const std::string& path) {
     Draft draft(path);
     if (draft.File() == nullptr) {
-        return {draft.Problem()};
+        return {draft.Failure()};
     }
     WriteTables(tables, draft.File());
     return {draft.Publish()};

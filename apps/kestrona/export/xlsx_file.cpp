@@ -126,13 +126,14 @@ private:
     bool sound_ = true;
 };
 
-std::string WhatDoesNotFit(const std::vector<ExportTable>& tables) {
+std::optional<Problem> WhatDoesNotFit(const std::vector<ExportTable>& tables) {
     for (const ExportTable& table : tables) {
         const std::size_t rows = table.source->RowCount();
         if (rows >= kSheetRows || table.columns.size() > kSheetColumns) {
-            return fmt::format("{} has {} records with {} fields, and a sheet holds {} with {}; nothing is written. "
-                               "Export the others with --table, or in another form",
-                               table.name, rows, table.columns.size(), kSheetRows - 1, kSheetColumns);
+            return Problem{
+                Code::SheetTooSmall,
+                fmt::format("{} has {} records with {} fields, and a sheet holds {} with {}; nothing is written",
+                            table.name, rows, table.columns.size(), kSheetRows - 1, kSheetColumns)};
         }
     }
     return {};
@@ -157,9 +158,9 @@ bool Fill(lxw_workbook* workbook, const std::vector<ExportTable>& tables, Export
         }
         if (sheet.CutTexts() > 0) {
             result.lossy = true;
-            result.notes.push_back(
-                fmt::format("{}: {} texts are cut off after {} characters, the most that a cell holds", table.name,
-                            sheet.CutTexts(), kLongestCell));
+            result.warnings.push_back(
+                {Code::TextsCut, fmt::format("{}: {} texts are cut off after {} characters, the most that a cell holds",
+                                             table.name, sheet.CutTexts(), kLongestCell)});
         }
     }
     return true;
@@ -168,12 +169,12 @@ bool Fill(lxw_workbook* workbook, const std::vector<ExportTable>& tables, Export
 } // namespace
 
 ExportResult WriteXlsxFile(const std::vector<ExportTable>& tables, const std::string& path) {
-    if (std::string problem = WhatDoesNotFit(tables); !problem.empty()) {
+    if (auto problem = WhatDoesNotFit(tables)) {
         return {problem};
     }
     Draft draft(path);
     if (draft.File() == nullptr) {
-        return {draft.Problem()};
+        return {draft.Failure()};
     }
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
@@ -184,7 +185,7 @@ ExportResult WriteXlsxFile(const std::vector<ExportTable>& tables, const std::st
     const lxw_error error = workbook != nullptr ? workbook_close(workbook) : LXW_ERROR_MEMORY_MALLOC_FAILED;
     if (!filled || error != LXW_NO_ERROR) {
         const char* const reason = error != LXW_NO_ERROR ? lxw_strerror(error) : "a sheet could not be filled";
-        result.error = fmt::format("'{}' cannot be written: {}", path, reason);
+        result.error = Problem{Code::CannotWrite, fmt::format("'{}' cannot be written: {}", path, reason)};
     } else {
         result.error = draft.Publish();
     }

@@ -4,7 +4,7 @@
 namespace Kestrona::Tool {
 
 ExportResult WriteXlsxFile(const std::vector<ExportTable>&, const std::string&) {
-    return {"this program was built without libxlsxwriter (KESTRONA_XLSX)"};
+    return {Problem{Code::FormNotBuilt, "this program was built without libxlsxwriter (KESTRONA_XLSX)"}};
 }
 
 } // namespace Kestrona::Tool

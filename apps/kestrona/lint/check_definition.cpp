@@ -3,6 +3,7 @@
 #include "data/definition_reader.h"
 #include "lint/resolution_place.h"
 #include "lint/rules.h"
+#include "output/host_message.h"
 
 #include <kestrona/definition_load.h>
 #include <kestrona/host/default_host.h>
@@ -28,16 +29,6 @@ Host::DefaultHostOptions QuietOptions() {
     return options;
 }
 
-Finding FromDiagnostic(const Host::Diagnostic& diagnostic) {
-    Finding finding;
-    finding.rule = diagnostic.severity == Host::Severity::Error ? &kSyntaxRule : &kDoubtfulRule;
-    finding.file = diagnostic.file;
-    finding.line = diagnostic.line;
-    finding.column = diagnostic.column;
-    finding.message = diagnostic.text;
-    return finding;
-}
-
 // The lines of a message as one line.
 std::string OneLine(const std::wstring& text) {
     std::string line = ToUtf8(text);
@@ -45,11 +36,13 @@ std::string OneLine(const std::wstring& text) {
     return line;
 }
 
-Finding FromMessage(const std::wstring& message, const Host::Definition& definition) {
+Finding FromMessage(const Host::ShownMessage& shown, const Host::Definition& definition) {
     Finding finding;
     finding.rule = &kResolutionRule;
     finding.file = definition.files.front();
+    const std::wstring& message = shown.text;
     finding.message = OneLine(message);
+    finding.code = CodeOfMessage(ToUtf8(shown.caption.empty() ? message : shown.caption + L": " + message)).name;
     finding.excerpt = Host::ExplainParseBox(message, "    ");
     const ResolutionPlace place = FindResolutionPlace(message, definition);
     if (place.format != nullptr) {
@@ -69,10 +62,10 @@ std::unique_ptr<MemoryResidentData> Resolve(const Host::Definition& definition, 
     std::unique_ptr<MemoryResidentData> store = host.CreateStore();
     const bool resolved = Host::FillStore(definition, *store) && check_database_access(*store, false, nullptr) == 0;
     for (const Host::ShownMessage& message : host.Messages()->Shown()) {
-        findings.push_back(FromMessage(message.text, definition));
+        findings.push_back(FromMessage(message, definition));
     }
     if (!resolved && host.Messages()->Shown().empty()) {
-        findings.push_back(FromMessage(L"the definition does not fit into a store", definition));
+        findings.push_back(FromMessage({L"the definition does not fit into a store", {}}, definition));
     }
     return resolved ? std::move(store) : nullptr;
 }
@@ -92,6 +85,16 @@ void Sort(std::vector<Finding>& findings, const std::vector<std::string>& files)
 
 } // namespace
 
+Finding FindingOf(const Host::Diagnostic& diagnostic) {
+    Finding finding;
+    finding.rule = diagnostic.severity == Host::Severity::Error ? &kSyntaxRule : &kDoubtfulRule;
+    finding.file = diagnostic.file;
+    finding.line = diagnostic.line;
+    finding.column = diagnostic.column;
+    finding.message = diagnostic.text;
+    return finding;
+}
+
 Report CheckDefinition(const std::string& path) {
     Report report;
     report.definition = path;
@@ -103,7 +106,7 @@ Report CheckDefinition(const std::string& path) {
         report.fields += format.fields.size();
     }
     std::transform(parsed.diagnostics.begin(), parsed.diagnostics.end(), std::back_inserter(report.findings),
-                   FromDiagnostic);
+                   FindingOf);
     if (!parsed.HasErrors()) { // rules on half a definition would find what is not there
         Host::DefaultHost host(QuietOptions());
         const auto store = Resolve(parsed.definition, host, report.findings);

@@ -37,6 +37,7 @@ struct Finding {
     std::string format; ///< Names of what the finding is about; may be empty.
     std::string field;
     std::string message;
+    std::string code;    ///< What `kestrona explain` tells about; empty for that of the rule.
     std::string excerpt; ///< Lines for people that take the message's place; empty for none.
 };
 

@@ -19,10 +19,15 @@ std::string Written(const Json& document) {
 }
 
 Json JsonFinding(const Finding& finding) {
-    Json object{{"rule", finding.rule->id},  {"severity", SeverityName(finding.rule->severity)},
-                {"file", finding.file},      {"line", nullptr},
-                {"column", nullptr},         {"format", finding.format},
-                {"field", finding.field},    {"message", finding.message},
+    Json object{{"rule", finding.rule->id},
+                {"code", finding.code.empty() ? finding.rule->id : std::string_view(finding.code)},
+                {"severity", SeverityName(finding.rule->severity)},
+                {"file", finding.file},
+                {"line", nullptr},
+                {"column", nullptr},
+                {"format", finding.format},
+                {"field", finding.field},
+                {"message", finding.message},
                 {"hint", finding.rule->hint}};
     if (finding.line > 0) {
         object["line"] = finding.line;

@@ -19,7 +19,10 @@ enum class ReportForm {
 /// The names of the forms on the command line.
 [[nodiscard]] const std::map<std::string, ReportForm>& ReportFormNames();
 
-/// One line a finding, "FILE:LINE:COLUMN: warning: what [rule]; hint", and a line of counts.
+/// "FILE:LINE:COLUMN: warning: what [rule]" and below it "  hint: what to do".
+[[nodiscard]] std::string FindingText(const Finding& finding);
+
+/// The texts of all findings and a line of counts.
 [[nodiscard]] std::string TextReport(const Report& report);
 
 /// One object with the counts and an array of findings. Its member "version" is 1.

@@ -29,17 +29,19 @@ const std::map<std::string, ReportForm>& ReportFormNames() {
     return names;
 }
 
+std::string FindingText(const Finding& finding) {
+    const std::string_view shown = finding.excerpt.empty() ? finding.message : finding.excerpt;
+    const std::size_t line_end = std::min(shown.find('\n'), shown.size());
+    const std::string text = fmt::format("{}: {}: {}{} [{}]{}\n", Place(finding), SeverityName(finding.rule->severity),
+                                         finding.field.empty() ? "" : finding.format + "(" + finding.field + "): ",
+                                         shown.substr(0, line_end), finding.rule->id, shown.substr(line_end));
+    return BringsItsHint(finding) ? text : text + fmt::format("  hint: {}\n", finding.rule->hint);
+}
+
 std::string TextReport(const Report& report) {
     std::string text;
     for (const Finding& finding : report.findings) {
-        const std::string_view shown = finding.excerpt.empty() ? finding.message : finding.excerpt;
-        const std::size_t line_end = std::min(shown.find('\n'), shown.size());
-        text += fmt::format("{}: {}: {}{} [{}]{}\n", Place(finding), SeverityName(finding.rule->severity),
-                            finding.field.empty() ? "" : finding.format + "(" + finding.field + "): ",
-                            shown.substr(0, line_end), finding.rule->id, shown.substr(line_end));
-        if (!BringsItsHint(finding)) {
-            text += fmt::format("    {}\n", finding.rule->hint);
-        }
+        text += FindingText(finding);
     }
     return text + fmt::format("{}: {} with {}; {}, {}, {}\n", report.definition, Counted(report.formats, "format"),
                               Counted(report.fields, "field"), Counted(report.Count(Severity::Error), "error"),

@@ -50,12 +50,17 @@ private:
 
 } // namespace
 
-std::string WriteSecretFile(std::string_view content, const std::string& path, bool replace) {
+Problem FileInTheWay() {
+    return {Code::FileInTheWay, "is there already"};
+}
+
+std::optional<Problem> WriteSecretFile(std::string_view content, const std::string& path, bool replace) {
     const Draft draft(path);
     if (draft.Write(content) && draft.Publish(path, replace)) {
-        return {};
+        return std::nullopt;
     }
-    return errno == EEXIST ? kFileInTheWay : std::string("cannot be written: ") + std::strerror(errno);
+    return errno == EEXIST ? FileInTheWay()
+                           : Problem{Code::CannotWrite, std::string("cannot be written: ") + std::strerror(errno)};
 }
 
 } // namespace Kestrona::Tool

@@ -3,7 +3,9 @@
 #include "exit_codes.h"
 #include "output/message.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace Kestrona::Tool {
 namespace {
@@ -25,11 +27,22 @@ bool WriteFile(std::string_view text, const std::string& path) {
 
 int WriteText(std::string_view text, const std::string& path) {
     const bool to_stdout = path.empty() || path == "-";
-    if (to_stdout ? Write(text, stdout) : WriteFile(text, path)) {
+    if (to_stdout) {
+        return OutputCode(Write(text, stdout));
+    }
+    if (WriteFile(text, path)) {
         return kExitGood;
     }
-    if (!to_stdout) { // a closed pipe is no news to its reader
-        TellError("'{}' cannot be written", path);
+    TellError(Code::CannotWrite, "'{}' cannot be written: {}", path, std::strerror(errno));
+    return kExitUnreadableInput;
+}
+
+int OutputCode(bool written) {
+    if (written) {
+        return kExitGood;
+    }
+    if (errno != EPIPE) {
+        TellError(Code::OutputFailed, "the output cannot be written");
     }
     return kExitUnreadableInput;
 }

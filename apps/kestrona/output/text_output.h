@@ -9,4 +9,8 @@ namespace Kestrona::Tool {
 /// stderr. Returns an exit code.
 int WriteText(std::string_view text, const std::string& path);
 
+/// What a command gives that has written to stdout. Says on stderr that this failed, unless it was the reader of a pipe
+/// who stopped.
+int OutputCode(bool written);
+
 } // namespace Kestrona::Tool
