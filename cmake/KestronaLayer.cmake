@@ -110,20 +110,21 @@ function(kestrona_host_library)
         $<BUILD_INTERFACE:kestrona_options> $<BUILD_INTERFACE:nlohmann_json::nlohmann_json>)
 endfunction()
 
-# kestrona_tool(<file>...): the command-line tool, `kestrona` on disk. Without files: nothing.
-function(kestrona_tool)
-    if(NOT ARGN)
-        return()
-    endif()
-    add_executable(kestrona_cli ${ARGN})
+# kestrona_tool(<main file> <file>...): the command-line tool, `kestrona` on disk, and the static library
+# kestrona_tool_parts of all its files but the first, for tests. The library does not name the data module itself.
+function(kestrona_tool main)
+    add_library(kestrona_tool_parts STATIC ${ARGN})
+    target_include_directories(kestrona_tool_parts PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+    # GCC 12 sees overlapping copies in std::string assignments where there are none.
+    target_compile_options(kestrona_tool_parts PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+    target_link_libraries(kestrona_tool_parts
+        PRIVATE kestrona_options
+        PUBLIC kestrona_host CLI11::CLI11 nlohmann_json::nlohmann_json libcsv::libcsv fmt::fmt PkgConfig::utf8proc)
+
+    add_executable(kestrona_cli "${main}")
     set_target_properties(kestrona_cli PROPERTIES
         OUTPUT_NAME kestrona
         RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin"
         INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-    target_include_directories(kestrona_cli PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
-    # GCC 12 sees overlapping copies in std::string assignments where there are none.
-    target_compile_options(kestrona_cli PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
-    target_link_libraries(kestrona_cli PRIVATE
-        kestrona_options kestrona_host kestrona
-        CLI11::CLI11 nlohmann_json::nlohmann_json libcsv::libcsv fmt::fmt PkgConfig::utf8proc)
+    target_link_libraries(kestrona_cli PRIVATE kestrona_options kestrona_tool_parts kestrona)
 endfunction()

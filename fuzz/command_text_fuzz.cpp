@@ -74,9 +74,9 @@ bool IsSubset(const std::vector<std::int32_t>& records) {
 }
 
 void CheckCondition(MemoryResidentData& store, const std::string& text) {
-    std::string problem;
+    Problem problem;
     const std::optional<RecordCondition> condition = ParseCondition(store, kFormat, text, problem);
-    Require(condition.has_value() == problem.empty());
+    Require(condition.has_value() == problem.what.empty());
     Require(!condition || ComparesField(store, kFormat, text));
     if (!condition) {
         return;
@@ -87,9 +87,9 @@ void CheckCondition(MemoryResidentData& store, const std::string& text) {
 }
 
 void CheckOrder(MemoryResidentData& store, const std::vector<std::string>& texts) {
-    std::string problem;
+    Problem problem;
     const std::optional<RecordOrder> order = RecordOrder::Parse(store, kFormat, texts, false, problem);
-    Require(order.has_value() == problem.empty());
+    Require(order.has_value() == problem.what.empty());
     if (order) {
         std::vector<std::int32_t> records{0, 1, 2};
         order->Arrange(records);
@@ -99,9 +99,9 @@ void CheckOrder(MemoryResidentData& store, const std::vector<std::string>& texts
 }
 
 void CheckTarget(MemoryResidentData& store, const std::string& text) {
-    std::string problem;
+    Problem problem;
     const auto target = ParseTrackTarget(store, text, problem);
-    Require((target != nullptr) == problem.empty());
+    Require((target != nullptr) == problem.what.empty());
     if (target != nullptr) {
         (void)target->Test(store, kFormat, 0);
     }
