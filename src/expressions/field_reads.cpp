@@ -3,6 +3,7 @@
 #include "expressions/matrix_access.h"
 #include "expressions/text_access.h"
 #include "platform/numbers.h"
+#include "text/value_forms.h"
 
 #include <kestrona/services.h>
 
@@ -15,8 +16,14 @@ constexpr const wchar_t* kNoNumber = L"Evaluation Error: Could not convert field
 // The stored or display text of a field that is read as text.
 void ReadFieldText(IMemoryResidentData& store, const FieldReference& reference, std::int32_t record,
                    std::int32_t matrix_index, std::wstring* text) {
-    if (store.ClassDefined(reference.format, reference.field, Classes::kFreeFormat)) {
-        *text = store.GetDbString(reference.format, reference.field, record);
+    const Data::MemoryResident::field_info* const info = store.GetFieldInfo(reference.format, reference.field);
+    if (info != nullptr && Text::HasClass(*info, Classes::kFreeFormat)) {
+        // Into the memory that the text has, unlike `GetDbString`.
+        if (info->stringColumn != nullptr) {
+            info->stringColumn->ReadBlock(record, 1, text);
+        } else {
+            text->clear();
+        }
         return;
     }
     const double value = ReadRaw(store, reference.format, reference.field, record, matrix_index);

@@ -19,6 +19,9 @@
 //   - a rule with an error handler works on a copy of the place, any other moves the caller's place over blanks even
 //     where it fails;
 //   - a constant is followed by an empty match, since a sequence works on a copy too.
+//
+// A rule hands its own value down to the rule that it begins with. What an alternative that fails leaves there is no
+// matter: every alternative begins with a new value.
 
 namespace Kestrona::Expressions {
 
@@ -222,14 +225,12 @@ ExpressionParser::ExpressionParser() {
 // Operands, and between them operators that are folded to the left.
 void ExpressionParser::DefineLevel(Rule<Expression>& level, const Rule<Expression>& operand,
                                    const Rule<BinaryFunction>& symbol) {
-    level = operand[phx::bind(&SetExpression, qi::_val, qi::_1)] >>
-            *((symbol > operand)[phx::bind(&FoldBinary, qi::_val, qi::_1, qi::_2)]);
+    level %= operand >> *qi::omit[(symbol > operand)[phx::bind(&FoldBinary, qi::_val, qi::_1, qi::_2)]];
 }
 
 void ExpressionParser::DefineLevels() {
     DefineLevel(equality_chain, relational_expression, equality_operator);
-    equality_expression = equality_chain[phx::bind(&SetExpression, qi::_val, qi::_1)] |
-                          string_list[phx::bind(&MakeText, qi::_val, qi::_1)];
+    equality_expression %= equality_chain | qi::omit[string_list[phx::bind(&MakeText, qi::_val, qi::_1)]];
     DefineLevel(relational_expression, logical_expression, relational_operator);
     DefineLevel(logical_expression, additive_expression, logical_operator);
     DefineLevel(additive_expression, multiplicative_expression, additive_operator);
@@ -260,23 +261,23 @@ void ExpressionParser::DefineCalls() {
     list_function_name = list_function_symbols;
     list_function_name.f = ReportingRule<ListRule>{list_function_name.f, ErrorType::Function};
 
-    list_function_expression =
-        unary_expression[phx::bind(&SetExpression, qi::_val, qi::_1)] |
-        (qi::lit(L"FUNC_") >> list_function_name >> qi::lit(L'(') >> (unary_expression % qi::lit(L',')) >>
-         qi::lit(L')'))[phx::bind(&MakeListExpression, qi::_val, qi::_1, qi::_2)];
-    unary_expression = primary_expression[phx::bind(&SetExpression, qi::_val, qi::_1)] |
-                       (((qi::lit(L"FUNC_") >> unary_function_name) | unary_operator) >
-                        primary_expression)[phx::bind(&MakeUnaryExpression, qi::_val, qi::_1, qi::_2)];
+    list_function_expression %=
+        unary_expression |
+        qi::omit[(qi::lit(L"FUNC_") >> list_function_name >> qi::lit(L'(') >> (unary_expression % qi::lit(L',')) >>
+                  qi::lit(L')'))[phx::bind(&MakeListExpression, qi::_val, qi::_1, qi::_2)]];
+    unary_expression %=
+        primary_expression | qi::omit[(((qi::lit(L"FUNC_") >> unary_function_name) | unary_operator) >
+                                       primary_expression)[phx::bind(&MakeUnaryExpression, qi::_val, qi::_1, qi::_2)]];
 }
 
 void ExpressionParser::DefinePrimaries() {
-    primary_expression =
-        (qi::lit(L'(') >> bracket_tail[phx::bind(&SetExpression, qi::_val, qi::_1)]) |
-        (constant[phx::bind(&MakeConstant, qi::_val, qi::_1)] >> qi::no_skip[qi::eps]) |
-        field_reference[phx::bind(&MakeVariable, qi::_val, qi::_1)] |
-        (string_list >> string_symbols >> string_list)[phx::bind(&MakeComparison, qi::_val, qi::_1, qi::_2, qi::_3)] |
-        script_variable[phx::bind(&MakeScriptNumber, qi::_val, qi::_1)];
-    bracket_tail = equality_expression[phx::bind(&SetExpression, qi::_val, qi::_1)] > qi::lit(L')');
+    primary_expression %= (qi::lit(L'(') >> bracket_tail) |
+                          qi::omit[constant[phx::bind(&MakeConstant, qi::_val, qi::_1)] >> qi::no_skip[qi::eps]] |
+                          qi::omit[field_reference[phx::bind(&MakeVariable, qi::_val, qi::_1)]] |
+                          qi::omit[(string_list >> string_symbols >>
+                                    string_list)[phx::bind(&MakeComparison, qi::_val, qi::_1, qi::_2, qi::_3)]] |
+                          qi::omit[script_variable[phx::bind(&MakeScriptNumber, qi::_val, qi::_1)]];
+    bracket_tail %= equality_expression > qi::lit(L')');
     Handle(bracket_tail, ErrorType::Token, L")");
     bracket_tail.f = NestedRule<decltype(bracket_tail.f)>{bracket_tail.f};
     constant = qi::lexeme[qi::lit(L"0x") >> hexadecimal] | qi::double_ | qi::int_;

@@ -19,10 +19,6 @@ MyString MakeString(Arguments&&... arguments) {
 
 } // namespace
 
-void SetExpression(Expression& value, Expression& operand) {
-    value = std::move(operand);
-}
-
 void FoldBinary(Expression& value, BinaryFunction function, Expression& right) {
     value = Make<BinaryExpression>(std::move(value), std::move(right), function);
 }

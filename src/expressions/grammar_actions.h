@@ -9,7 +9,6 @@
 // moved from.
 namespace Kestrona::Expressions {
 
-void SetExpression(Expression& value, Expression& operand);
 void FoldBinary(Expression& value, BinaryFunction function, Expression& right);
 void MakeUnaryExpression(Expression& value, UnaryFunction function, Expression& operand);
 void MakeListExpression(Expression& value, ListFunction function, std::vector<Expression>& elements);

@@ -20,13 +20,20 @@ Numbers EvaluateToNumbers(Expression& operand, IMemoryResidentData& store, std::
     return numbers;
 }
 
-bool IsConstant(const Expression& operand) {
-    return operand.Shape().kind == OperandForm::Kind::Constant;
-}
-
+// `out` and `next` are apart. An inner loop of a fixed length becomes vector instructions at the level of optimisation
+// in use.
 template <typename Kernel>
-void FoldInto(double* out, const double* next, std::int32_t count, Kernel kernel) {
-    std::transform(out, out + count, next, out, kernel);
+void FoldInto(double* __restrict out, const double* __restrict next, std::int32_t count, Kernel kernel) {
+    constexpr std::int32_t kLanes = 4;
+    std::int32_t i = 0;
+    for (; i <= count - kLanes; i += kLanes) {
+        for (std::int32_t lane = i; lane < i + kLanes; ++lane) {
+            out[lane] = kernel(out[lane], next[lane]);
+        }
+    }
+    for (; i < count; ++i) {
+        out[i] = kernel(out[i], next[i]);
+    }
 }
 
 std::int32_t DeepestOf(const std::vector<Expression>& elements) {
@@ -89,13 +96,6 @@ double BinaryExpression::Evaluate(IMemoryResidentData& store, std::int32_t recor
 // Without a text to hand on, the order of the operands does not show; left first holds fewer buffers at a time.
 void BinaryExpression::EvaluateBlock(IMemoryResidentData& store, std::int32_t first, std::int32_t count, double* out) {
     left_.EvaluateBlock(store, first, count, out);
-    if (IsConstant(right_)) {
-        const double right = right_.Shape().number;
-        Kernels::WithKernel(function_, [=](auto kernel) {
-            std::transform(out, out + count, out, [=](double left) { return kernel(left, right); });
-        });
-        return;
-    }
     const Numbers right = EvaluateToNumbers(right_, store, first, count);
     Kernels::WithKernel(function_, [&](auto kernel) { FoldInto(out, right.get(), count, kernel); });
 }

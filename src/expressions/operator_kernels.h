@@ -2,60 +2,41 @@
 
 #include <kestrona/expression_functions.h>
 
+#include <functional>
+
 // What the operators of two numbers compute: the one definition behind the exported functions and behind the loops over
 // whole blocks.
 namespace Kestrona::Expressions::Kernels {
-
-inline double Truth(bool holds) {
-    return holds ? 1.0 : 0.0;
-}
-
-struct Sum {
-    double operator()(double a, double b) const { return a + b; }
-};
-
-struct Difference {
-    double operator()(double a, double b) const { return a - b; }
-};
-
-struct Product {
-    double operator()(double a, double b) const { return a * b; }
-};
 
 struct Quotient {
     double operator()(double a, double b) const { return b == 0.0 ? 0.0 : a / b; }
 };
 
 struct Both {
-    double operator()(double a, double b) const { return Truth(a != 0.0 && b != 0.0); }
+    bool operator()(double a, double b) const {
+        const bool left = a != 0.0;
+        const bool right = b != 0.0;
+        return left && right;
+    }
 };
 
 struct Either {
-    double operator()(double a, double b) const { return Truth(a != 0.0 || b != 0.0); }
+    bool operator()(double a, double b) const {
+        const bool left = a != 0.0;
+        const bool right = b != 0.0;
+        return left || right;
+    }
 };
 
-struct Less {
-    double operator()(double a, double b) const { return Truth(a < b); }
-};
+// The number of a condition: converted rather than chosen, since nobody foretells a branch on what records hold.
+inline double Truth(bool holds) {
+    return static_cast<double>(holds);
+}
 
-struct LessOrEqual {
-    double operator()(double a, double b) const { return Truth(a <= b); }
-};
-
-struct Greater {
-    double operator()(double a, double b) const { return Truth(a > b); }
-};
-
-struct GreaterOrEqual {
-    double operator()(double a, double b) const { return Truth(a >= b); }
-};
-
-struct Equal {
-    double operator()(double a, double b) const { return Truth(a == b); }
-};
-
-struct Unequal {
-    double operator()(double a, double b) const { return Truth(a != b); }
+// The same for blocks: chosen, which compilers make a mask of two numbers at a time of.
+template <typename Condition>
+struct TruthOf {
+    double operator()(double a, double b) const { return Condition{}(a, b) ? 1.0 : 0.0; }
 };
 
 // The comparisons are such that a NaN on the right is passed over.
@@ -71,29 +52,29 @@ struct Maximum {
 template <typename Action>
 void WithKernel(BinaryFunction function, Action action) {
     if (function == &Add) {
-        action(Sum{});
+        action(std::plus<double>{});
     } else if (function == &Subtract) {
-        action(Difference{});
+        action(std::minus<double>{});
     } else if (function == &Multiply) {
-        action(Product{});
+        action(std::multiplies<double>{});
     } else if (function == &Divide) {
         action(Quotient{});
     } else if (function == &And) {
-        action(Both{});
+        action(TruthOf<Both>{});
     } else if (function == &Or) {
-        action(Either{});
+        action(TruthOf<Either>{});
     } else if (function == &LessThan) {
-        action(Less{});
+        action(TruthOf<std::less<double>>{});
     } else if (function == &LessOrEqualTo) {
-        action(LessOrEqual{});
+        action(TruthOf<std::less_equal<double>>{});
     } else if (function == &GreaterThan) {
-        action(Greater{});
+        action(TruthOf<std::greater<double>>{});
     } else if (function == &GreaterOrEqualTo) {
-        action(GreaterOrEqual{});
+        action(TruthOf<std::greater_equal<double>>{});
     } else if (function == &IsEqualTo) {
-        action(Equal{});
+        action(TruthOf<std::equal_to<double>>{});
     } else if (function == &IsNotEqualTo) {
-        action(Unequal{});
+        action(TruthOf<std::not_equal_to<double>>{});
     } else {
         action(function);
     }

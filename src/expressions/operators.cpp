@@ -9,15 +9,15 @@ namespace Kestrona::Expressions {
 using Kernels::Truth;
 
 double Add(double a, double b) {
-    return Kernels::Sum{}(a, b);
+    return a + b;
 }
 
 double Subtract(double a, double b) {
-    return Kernels::Difference{}(a, b);
+    return a - b;
 }
 
 double Multiply(double a, double b) {
-    return Kernels::Product{}(a, b);
+    return a * b;
 }
 
 double Divide(double a, double b) {
@@ -25,35 +25,35 @@ double Divide(double a, double b) {
 }
 
 double And(double a, double b) {
-    return Kernels::Both{}(a, b);
+    return Truth(Kernels::Both{}(a, b));
 }
 
 double Or(double a, double b) {
-    return Kernels::Either{}(a, b);
+    return Truth(Kernels::Either{}(a, b));
 }
 
 double LessThan(double a, double b) {
-    return Kernels::Less{}(a, b);
+    return Truth(a < b);
 }
 
 double LessOrEqualTo(double a, double b) {
-    return Kernels::LessOrEqual{}(a, b);
+    return Truth(a <= b);
 }
 
 double GreaterThan(double a, double b) {
-    return Kernels::Greater{}(a, b);
+    return Truth(a > b);
 }
 
 double GreaterOrEqualTo(double a, double b) {
-    return Kernels::GreaterOrEqual{}(a, b);
+    return Truth(a >= b);
 }
 
 double IsEqualTo(double a, double b) {
-    return Kernels::Equal{}(a, b);
+    return Truth(a == b);
 }
 
 double IsNotEqualTo(double a, double b) {
-    return Kernels::Unequal{}(a, b);
+    return Truth(a != b);
 }
 
 double Positive(double x) {

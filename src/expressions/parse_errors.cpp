@@ -19,7 +19,11 @@ constexpr std::int64_t kBackToPrefix = -4;
 
 // A closing bracket ends an expression, and a lone bracket or brace has messages of its own.
 bool IsUnexpected(std::wstring_view rest) {
-    return !rest.empty() && rest != L"}" && rest != L"{" && rest != L"(" && rest.front() != L')';
+    constexpr std::wstring_view kMayStandAlone = L"}{(";
+    if (rest.empty() || rest.front() == L')') {
+        return false;
+    }
+    return rest.size() > 1 || kMayStandAlone.find(rest.front()) == std::wstring_view::npos;
 }
 
 } // namespace

@@ -52,12 +52,14 @@ Outcome ParseText(ParseContext& context, const std::wstring& text, Expression& r
     const wchar_t* place = text.data();
     const wchar_t* const end = place + text.size();
     const GrammarResult result = ParseGrammar(context, place, end, root);
+    if (result == GrammarResult::Failed) {
+        return Outcome::Failed;
+    }
     if (result == GrammarResult::TooDeep || root.Depth() > kMaxTreeDepth) {
         return Outcome::Refused;
     }
     const std::wstring_view rest(place, static_cast<std::size_t>(end - place));
-    const bool parsed = result == GrammarResult::Parsed && (rest.empty() || rest.starts_with(kToleratedRest));
-    return parsed ? Outcome::Parsed : Outcome::Failed;
+    return rest.empty() || rest.starts_with(kToleratedRest) ? Outcome::Parsed : Outcome::Failed;
 }
 
 Outcome ParseWithin(IMemoryResidentData& store, FieldNameTables& tables, const ExpressionSource& source,

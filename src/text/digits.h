@@ -25,10 +25,12 @@ inline void AppendNumber(std::wstring& text, std::int64_t value) {
 // "%02li" of a number that is not negative.
 inline void AppendTwoDigits(std::wstring& text, std::int64_t value) {
     assert(value >= 0);
-    if (value < 10) {
-        text += L'0';
+    if (value >= 100) {
+        AppendNumber(text, value);
+        return;
     }
-    AppendNumber(text, value);
+    text += static_cast<wchar_t>(L'0' + static_cast<wchar_t>(value / 10));
+    text += static_cast<wchar_t>(L'0' + static_cast<wchar_t>(value % 10));
 }
 
 } // namespace Kestrona::Text

@@ -14,6 +14,12 @@ std::optional<KeywordSearch> SearchFor(std::wstring_view keyword) {
     return stands_for_itself && !keyword.empty() ? std::optional<KeywordSearch>(keyword) : std::nullopt;
 }
 
+// An empty pattern has no direct way.
+std::wstring_view BehindKeyword(const PatternText& text) {
+    const bool begins_with_keyword = text.lead == 0 && text.pattern.starts_with(text.keyword);
+    return begins_with_keyword ? text.pattern.substr(text.keyword.size()) : std::wstring_view();
+}
+
 class PatternCache {
 public:
     std::shared_ptr<const ClassificationPattern> Get(const PatternText& text);
@@ -53,7 +59,8 @@ ClassificationPattern::ClassificationPattern(const PatternText& text)
     : pattern_(text.pattern),
       keyword_(SearchFor(text.keyword)),
       outline_(text.outline),
-      lead_(text.lead) {}
+      lead_(text.lead),
+      direct_(BehindKeyword(text)) {}
 
 bool ClassificationPattern::Search(std::wstring_view text, std::size_t start, Platform::PatternMatch& out) const {
     if (!keyword_) {
@@ -62,6 +69,9 @@ bool ClassificationPattern::Search(std::wstring_view text, std::size_t start, Pl
     std::size_t keyword = keyword_->Find(text, start);
     if (keyword == std::wstring_view::npos) {
         return false;
+    }
+    if (direct_.MatchAt(text, keyword, keyword + keyword_->Length(), out)) {
+        return true;
     }
     OutlineScan scan(outline_, text);
     while (!scan.FitsAt(keyword + keyword_->Length())) {

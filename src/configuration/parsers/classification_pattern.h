@@ -1,5 +1,6 @@
 #pragma once
 
+#include "configuration/parsers/direct_pattern.h"
 #include "configuration/parsers/keyword_search.h"
 #include "configuration/parsers/pattern_outline.h"
 #include "platform/regex_search.h"
@@ -38,7 +39,8 @@ private:
 };
 
 // A compiled pattern that is searched for by its keyword first: a text without the keyword costs a plain search, and
-// the pattern runs only from the first keyword whose outline fits. The result is that of the pattern alone. Immutable.
+// the pattern runs only from the first keyword whose outline fits, unless the direct way matches at the first keyword
+// of all. The result is that of the pattern alone. Immutable.
 class ClassificationPattern {
 public:
     explicit ClassificationPattern(const PatternText& text);
@@ -50,6 +52,7 @@ private:
     std::optional<KeywordSearch> keyword_;
     PatternOutline outline_;
     std::size_t lead_;
+    DirectPattern direct_; // what follows the keyword, where nothing may stand before it
 };
 
 // The compiled form of a pattern, the same object for the same pattern text: it is compiled once a process and kept for

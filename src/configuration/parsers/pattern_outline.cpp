@@ -4,90 +4,8 @@
 
 namespace Kestrona::Configuration::Parsers {
 
-// Takes the text of an outline apart.
-class PatternOutline::Reader {
-public:
-    explicit Reader(std::wstring_view text) : rest_(text) {}
-
-    bool AtEnd() const { return rest_.empty(); }
-
-    bool Skip(wchar_t c) {
-        const bool there = rest_.starts_with(c);
-        rest_.remove_prefix(there ? 1 : 0);
-        return there;
-    }
-
-    Step Next();
-
-private:
-    wchar_t Take();
-    void TakeMember(Step& step);
-    void TakeSet(Step& step);
-
-    std::wstring_view rest_;
-};
-
-wchar_t PatternOutline::Reader::Take() {
-    assert(!rest_.empty());
-    const wchar_t c = rest_.front();
-    rest_.remove_prefix(1);
-    return c;
-}
-
-void PatternOutline::Reader::TakeMember(Step& step) {
-    const wchar_t c = Take();
-    if (c != L'\\') {
-        step.members += c;
-        return;
-    }
-    switch (const wchar_t escaped = Take()) {
-    case L's':
-        step.members += L" \t\n\v\f\r";
-        break;
-    case L'd':
-        step.members += L"0123456789";
-        break;
-    case L'n':
-        step.members += L'\n';
-        break;
-    case L'r':
-        step.members += L'\r';
-        break;
-    default:
-        step.members += escaped;
-    }
-}
-
-void PatternOutline::Reader::TakeSet(Step& step) {
-    step.negated = Skip(L'^');
-    while (!Skip(L']')) {
-        TakeMember(step);
-    }
-}
-
-PatternOutline::Step PatternOutline::Reader::Next() {
-    Step step;
-    if (Skip(L'[')) {
-        TakeSet(step);
-    } else if (Skip(L'.')) {
-        step.members = L"\n\r";
-        step.negated = true;
-    } else {
-        TakeMember(step);
-    }
-    if (Skip(L'*')) {
-        step.repeats = true;
-        step.required = false;
-    } else if (Skip(L'+')) {
-        step.repeats = true;
-    } else if (Skip(L'?')) {
-        step.required = false;
-    }
-    return step;
-}
-
 PatternOutline::PatternOutline(std::wstring_view text) {
-    Reader reader(text);
+    PatternReader reader(text);
     while (!reader.AtEnd()) {
         if (reader.Skip(L'|')) {
             ends_.push_back(steps_.size());
@@ -116,7 +34,7 @@ std::size_t OutlineScan::EndOfRun(std::size_t step, std::size_t position) {
 
 bool OutlineScan::FitsAt(std::size_t position, std::size_t first_step, std::size_t last_step) {
     for (std::size_t i = first_step; i < last_step; ++i) {
-        const PatternOutline::Step& step = outline_.steps_[i];
+        const PatternStep& step = outline_.steps_[i];
         const std::size_t before = position;
         if (step.repeats) {
             position = EndOfRun(i, position);

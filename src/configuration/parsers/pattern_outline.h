@@ -1,7 +1,8 @@
 #pragma once
 
+#include "configuration/parsers/pattern_step.h"
+
 #include <cstddef>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,14 +12,7 @@ namespace Kestrona::Configuration::Parsers {
 // whose repetitions take all they can, for good. A backtracking engine tries the text behind each of a thousand
 // keywords up to its end; the outline of the pattern, for a whole text, costs one walk over it.
 //
-// The text of an outline is written like the pattern, without groups:
-//
-//   c \c         that character
-//   [set] [^set] one of the set, one of all but the set; \ quotes a character of the set
-//   .            any character but \n and \r
-//   \s \d \n \r  a blank, a digit, a line feed, a carriage return
-//   * + ?        behind one of these: any number, at least one, at most one
-//   |            between whole alternatives
+// The text of an outline is written in the elements of PatternStep, with "|" between whole alternatives.
 //
 // An outline has to fit wherever its pattern matches. Where it fits without the pattern, the pattern decides.
 //
@@ -30,19 +24,8 @@ public:
 private:
     friend class OutlineScan;
 
-    struct Step {
-        std::wstring members;
-        bool negated = false;
-        bool required = true;
-        bool repeats = false;
-
-        bool Takes(wchar_t c) const { return (members.find(c) != std::wstring::npos) != negated; }
-    };
-
-    class Reader;
-
-    std::vector<Step> steps_;       // of all alternatives, one after another
-    std::vector<std::size_t> ends_; // behind the last step of each alternative
+    std::vector<PatternStep> steps_; // of all alternatives, one after another
+    std::vector<std::size_t> ends_;  // behind the last step of each alternative
 };
 
 // Asks an outline about ascending positions of one text. All the questions together look at each character of the text
