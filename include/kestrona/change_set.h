@@ -53,9 +53,12 @@ public:
     [[nodiscard]] std::vector<std::pair<std::int32_t, bool>> Entries() const;
 
 private:
+    friend class RecordStateStrategy;
+
     struct Page;
+    inline void MarkInPlace(std::int32_t record);
     void MarkOnNewPage(std::int32_t record);
-    [[nodiscard]] Page* FindPage(std::int32_t page) const;
+    [[nodiscard]] inline Page* FindPage(std::int32_t page) const;
     [[nodiscard]] Page* FindFarPage(std::int32_t page) const;
     Page& NeedPage(std::int32_t page);
     Page& AddPage(std::int32_t page);

@@ -17,6 +17,7 @@ namespace Kestrona::Data::MemoryResident {
 
 template <typename T>
 class IndexedColumn;
+class RecordStateStrategy;
 
 /// Stores the values of a column.
 ///
@@ -82,8 +83,11 @@ public:
 protected:
     virtual T GetMinTypeValue();
     virtual T GetMaxTypeValue();
-    /// Marks the index in front as stale, unless the index itself is writing. Called only when there is one.
+    /// Marks the index in front as stale, unless the index itself is writing. Called only when there is one, or once
+    /// after `HearOfNextChange`.
     virtual void InvalidateIndex();
+    /// Has `InvalidateIndex` called before the next change of a record, be there an index or not.
+    void HearOfNextChange();
     /// Tells whether a write of `b` over `a` changes nothing.
     virtual bool ValuesEqual(const T& a, const T& b) = 0;
 
@@ -145,8 +149,10 @@ private:
     T defaultValue_{};
     IndexedColumn<T>* indexedColumn_ = nullptr;
     IRecordStateStrategy* recordState_;
-    bool tracked_;         // false when recordState_ has no ear for changes
-    bool watched_ = false; // an index stands in front, or an extreme value may be known
+    RecordStateStrategy* marks_; // recordState_ where it is of this very class, so that a change is marked directly
+    bool tracked_;               // false when recordState_ has no ear for changes
+    bool watched_ = false;       // an index stands in front, somebody listens, or an extreme value may be known
+    bool listens_ = false;       // InvalidateIndex wants to be called for the next change
     std::uint32_t logicalSize_ = 0;
     Extremes extremes_;
     std::array<T, kScratchRecords> scratchValues_{};

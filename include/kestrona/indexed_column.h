@@ -78,6 +78,7 @@ private:
     void EnsureIndex() const;
     void BuildIndex() const;
     [[nodiscard]] std::int32_t IfStillThere(std::int32_t record) const;
+    [[nodiscard]] std::int32_t SettleAndFind(const T& value) const;
     template <typename Write, typename Follow>
     void WriteThrough(Write write, Follow follow);
     template <typename Change>

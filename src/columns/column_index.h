@@ -34,7 +34,7 @@ public:
     static constexpr std::int32_t kUnknown = -2;
 
     // The lowest record with the value; kNone when there is none, kUnknown while that is not known before `Settle`.
-    [[nodiscard]] std::int32_t FirstRecord(const T& value) const {
+    [[nodiscard, gnu::always_inline]] std::int32_t FirstRecord(const T& value) const {
         const auto place = map_.find(value);
         return place == map_.end() ? kNone : place->second.first;
     }

@@ -66,22 +66,19 @@ void DataStorage<T>::ReportErasedRuns(IColumn<double>& keys, const std::vector<s
     }
 }
 
-// One pass over the column, whatever the number of runs. A number given twice removes one record.
+// One pass over the column, stretch by stretch of what stays. A number given twice removes one record.
 template <typename T>
 void DataStorage<T>::RemoveHeld(const std::vector<std::int32_t>& records) {
     const auto first = std::find_if(records.rbegin(), records.rend(), [this](auto r) { return IsHeld(r); });
     if (first == records.rend()) {
         return;
     }
-    auto next = first; // ascending
     auto kept = values_.begin() + *first;
-    for (auto cell = kept; cell != values_.end(); ++cell) {
-        const auto record = static_cast<std::int32_t>(cell - values_.begin());
-        if (next != records.rend() && *next == record) {
-            next = std::find_if(next, records.rend(), [record](auto r) { return r != record; });
-        } else {
-            *kept++ = std::move(*cell);
-        }
+    for (auto next = first; next != records.rend() && IsHeld(*next);) { // ascending
+        const std::int32_t gone = *next;
+        next = std::find_if(next, records.rend(), [gone](auto r) { return r != gone; });
+        const bool has_end = next != records.rend() && IsHeld(*next);
+        kept = std::move(values_.begin() + gone + 1, has_end ? values_.begin() + *next : values_.end(), kept);
     }
     values_.erase(kept, values_.end());
 }

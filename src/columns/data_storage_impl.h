@@ -5,6 +5,7 @@
 
 #include <kestrona/data_storage.h>
 #include <kestrona/indexed_column.h>
+#include <kestrona/record_state.h>
 
 #include <algorithm>
 #include <cassert>
@@ -22,6 +23,8 @@ namespace Kestrona::Data::MemoryResident {
 template <typename T>
 DataStorage<T>::DataStorage(IRecordStateStrategy* record_state)
     : recordState_(record_state),
+      marks_(typeid(*record_state) == typeid(RecordStateStrategy) ? dynamic_cast<RecordStateStrategy*>(record_state)
+                                                                  : nullptr),
       tracked_(typeid(*record_state) != typeid(NullRecordStateStrategy)) {
     assert(record_state != nullptr);
 }
@@ -108,6 +111,9 @@ void DataStorage<T>::Write(std::int32_t record, const T& value, Equal equal) {
         return;
     }
     cell = value;
+    if (marks_ != nullptr) {
+        return marks_->RecordStateStrategy::RecordChanged(record);
+    }
     if (tracked_) {
         return recordState_->RecordChanged(record);
     }
@@ -293,14 +299,23 @@ void DataStorage<T>::ResetColoumnChanged() {
 
 template <typename T>
 void DataStorage<T>::InvalidateIndexInFront() {
-    if (indexedColumn_ != nullptr) {
+    if (indexedColumn_ != nullptr || listens_) {
+        listens_ = false;
         InvalidateIndex();
     }
 }
 
 template <typename T>
 void DataStorage<T>::InvalidateIndex() {
-    indexedColumn_->Invalidate();
+    if (indexedColumn_ != nullptr) {
+        indexedColumn_->Invalidate();
+    }
+}
+
+template <typename T>
+void DataStorage<T>::HearOfNextChange() {
+    listens_ = true;
+    watched_ = true;
 }
 
 template <typename T>

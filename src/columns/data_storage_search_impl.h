@@ -194,7 +194,7 @@ void DataStorage<T>::ScanForMin() {
 template <typename T>
 void DataStorage<T>::ResetMinMax() {
     extremes_ = Extremes{};
-    watched_ = indexedColumn_ != nullptr;
+    watched_ = indexedColumn_ != nullptr || listens_;
 }
 
 // To be called where records at the default join the others.

@@ -57,6 +57,11 @@ std::int32_t IndexedColumn<T>::Find(const T& value) const {
             return IfStillThere(record);
         }
     }
+    return SettleAndFind(value);
+}
+
+template <typename T>
+[[gnu::noinline]] std::int32_t IndexedColumn<T>::SettleAndFind(const T& value) const {
     const ExclusiveHold hold(mutex_);
     index_->Settle(value);
     return IfStillThere(index_->FirstRecord(value));
@@ -173,16 +178,24 @@ void IndexedColumn<T>::IndexNewRecords(std::uint32_t first, std::uint32_t last, 
 // announced end, and would lose it at the next erasure.
 template <typename T>
 void IndexedColumn<T>::Resize(std::uint32_t size) {
+    constexpr std::uint32_t kFewRecords = 16;
     const ExclusiveHold hold(mutex_);
     const std::uint32_t before = column_->GetCurrentSize();
-    if (size < before) {
+    if (size < before && before - size > kFewRecords) {
         Invalidate();
     }
-    WriteThrough([&] { column_->Resize(size); },
-                 [&] {
-                     index_->AddRange(column_->GetDefaultValue(), static_cast<std::int32_t>(before),
-                                      static_cast<std::int32_t>(column_->GetCurrentSize()));
-                 });
+    WriteThrough(
+        [&] {
+            for (std::uint32_t gone = size; gone < before && valid_.load(std::memory_order_relaxed); ++gone) {
+                const auto record = static_cast<std::int32_t>(gone);
+                index_->Remove(column_->GetValue(record), record);
+            }
+            column_->Resize(size);
+        },
+        [&] {
+            index_->AddRange(column_->GetDefaultValue(), static_cast<std::int32_t>(before),
+                             static_cast<std::int32_t>(column_->GetCurrentSize()));
+        });
 }
 
 template <typename T>
@@ -210,9 +223,24 @@ void IndexedColumn<T>::MoveUp(std::int32_t first, std::int32_t last) {
     }
 }
 
+// The last record goes without moving another one. Its number may stay, with the default, until the new size is told.
 template <typename T>
 void IndexedColumn<T>::Erase(std::int32_t record, double key) {
-    ChangeUnindexed([&](IColumn<T>& column) { column.Erase(record, key); });
+    const ExclusiveHold hold(mutex_);
+    const std::uint32_t size = column_->GetCurrentSize();
+    if (record < 0 || static_cast<std::uint32_t>(record) + 1 != size) {
+        valid_.store(false, std::memory_order_relaxed);
+        column_->Erase(record, key);
+        return;
+    }
+    const T before = column_->GetValue(record);
+    WriteThrough([&] { column_->Erase(record, key); },
+                 [&] {
+                     index_->Remove(before, record);
+                     if (column_->GetCurrentSize() == size) {
+                         index_->Add(column_->GetValue(record), record);
+                     }
+                 });
 }
 
 template <typename T>

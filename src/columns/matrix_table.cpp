@@ -9,7 +9,7 @@ namespace Kestrona::Data::MemoryResident {
 
 struct MatrixTable::Page {
     std::array<MatrixEntry, kPageEntries> entries;
-    std::int32_t columns = 0; // entries with a column
+    std::int32_t matrices = 0; // entries that are one
 };
 
 MatrixTable::MatrixTable() = default;
@@ -20,7 +20,7 @@ MatrixTable& MatrixTable::Instance() {
     return table;
 }
 
-MatrixEntry* MatrixTable::FindEntry(std::int32_t id) const {
+MatrixEntry* MatrixTable::Find(std::int32_t id) const {
     const std::size_t page = static_cast<std::uint32_t>(id) >> kPageShift; // beyond all pages for a negative id
     if (page >= pages_.size() || pages_[page] == nullptr) {
         return nullptr;
@@ -80,30 +80,41 @@ bool MatrixTable::ClaimId(std::int32_t id) {
     return true;
 }
 
-void MatrixTable::Put(std::int32_t id, std::unique_ptr<MatrixColumn> column, std::uint32_t size, bool is_calculated) {
+void MatrixTable::Put(std::int32_t id, MatrixEntry matrix) {
     Page& page = NeedPage(id);
     MatrixEntry& entry = page.entries[static_cast<std::uint32_t>(id) % kPageEntries];
-    page.columns += (column != nullptr ? 1 : 0) - (entry.column != nullptr ? 1 : 0);
-    entry = {std::move(column), size, is_calculated};
+    LoseCount(entry);
+    page.matrices += (matrix.IsMatrix() ? 1 : 0) - (entry.IsMatrix() ? 1 : 0);
+    entry = std::move(matrix);
     HeldMark(id) = true;
 }
 
+void MatrixTable::LoseCount(MatrixEntry& entry) {
+    if (entry.isCounted) {
+        entry.isCounted = false;
+        ++lostCounts_;
+    }
+}
+
 void MatrixTable::SetSize(std::int32_t id, std::uint32_t size) {
-    if (MatrixEntry* const entry = FindEntry(id)) {
+    MatrixEntry* const entry = Find(id);
+    if (entry != nullptr && entry->size != size) {
+        LoseCount(*entry);
         entry->size = size;
     }
 }
 
 void MatrixTable::Free(std::int32_t id) {
-    MatrixEntry* const entry = FindEntry(id);
+    MatrixEntry* const entry = Find(id);
     if (entry == nullptr) {
         return;
     }
     const auto page = static_cast<std::size_t>(id >> kPageShift);
-    const bool had_column = entry->column != nullptr;
+    const bool was_matrix = entry->IsMatrix();
+    LoseCount(*entry);
     *entry = {};
-    if (had_column) {
-        --pages_[page]->columns;
+    if (was_matrix) {
+        --pages_[page]->matrices;
         ReleasePageIfSpent(page);
     }
 }
@@ -118,7 +129,7 @@ void MatrixTable::Release(std::int32_t id) {
 
 void MatrixTable::ReleasePageIfSpent(std::size_t page) {
     const bool has_new_ids = page >= static_cast<std::size_t>(nextId_ >> kPageShift);
-    if (has_new_ids || pages_[page]->columns > 0) {
+    if (has_new_ids || pages_[page]->matrices > 0) {
         return;
     }
     const bool keeps_sizes =
@@ -131,8 +142,11 @@ void MatrixTable::ReleasePageIfSpent(std::size_t page) {
 void MatrixTable::FreeColumns() {
     for (const std::unique_ptr<Page>& page : pages_) {
         if (page != nullptr) {
-            std::ranges::for_each(page->entries, [](MatrixEntry& entry) { entry.column.reset(); });
-            page->columns = 0;
+            std::ranges::for_each(page->entries, [this](MatrixEntry& entry) {
+                LoseCount(entry);
+                entry.FreeElements();
+            });
+            page->matrices = 0;
         }
     }
 }
@@ -140,6 +154,7 @@ void MatrixTable::FreeColumns() {
 void MatrixTable::Reset() {
     pages_.clear();
     held_.clear();
+    ++lostCounts_;
     nextId_ = 0;
     capacity_ = kFirstCapacity;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "columns/matrix_cells.h"
+
 #include <kestrona/matrix_column.h>
 
 #include <bitset>
@@ -9,11 +11,20 @@
 
 namespace Kestrona::Data::MemoryResident {
 
-// One matrix. Without a column the id is free.
+// One matrix. Without cells and column the id is free.
 struct MatrixEntry {
-    std::unique_ptr<MatrixColumn> column;
-    std::uint32_t size = 0; // elements as announced; the column may hold more or fewer
+    MatrixCells cells;
+    std::unique_ptr<MatrixColumn> column; // instead of cells where the elements are calculated
+    std::uint32_t size = 0;               // elements as announced; the cells may be more or fewer
     bool isCalculated = false;
+    bool isCounted = false; // `LostCounts` tells when the size changes or the matrix goes
+
+    [[nodiscard]] bool IsMatrix() const { return cells.IsMatrix() || column != nullptr; }
+
+    void FreeElements() {
+        cells = MatrixCells();
+        column.reset();
+    }
 };
 
 // Every matrix of the process, by id.
@@ -43,11 +54,11 @@ public:
     // Takes this very id, which a file has. False when a cell may hold it already. Requires: 0 <= id < kMaxIds.
     [[nodiscard]] bool ClaimId(std::int32_t id);
 
-    // Null for an id that never had an entry.
-    [[nodiscard]] const MatrixEntry* Find(std::int32_t id) const { return FindEntry(id); }
+    // Null for an id that never had an entry. Its size is changed by `SetSize` alone.
+    [[nodiscard]] MatrixEntry* Find(std::int32_t id) const;
 
     // Replaces an entry. Requires: 0 <= id < kMaxIds.
-    void Put(std::int32_t id, std::unique_ptr<MatrixColumn> column, std::uint32_t size, bool is_calculated);
+    void Put(std::int32_t id, MatrixEntry matrix);
     // Drops what has no entry.
     void SetSize(std::int32_t id, std::uint32_t size);
     void Free(std::int32_t id);
@@ -60,6 +71,9 @@ public:
 
     [[nodiscard]] std::int32_t Capacity() const { return capacity_; }
 
+    // How often a matrix marked as counted got another size or went.
+    [[nodiscard]] std::uint64_t LostCounts() const { return lostCounts_; }
+
 private:
     static constexpr std::int32_t kPageShift = 12;
     static constexpr std::int32_t kPageEntries = 1 << kPageShift;
@@ -70,15 +84,16 @@ private:
     using Marks = std::bitset<kPageEntries>;
 
     MatrixTable();
-    [[nodiscard]] MatrixEntry* FindEntry(std::int32_t id) const;
     Page& NeedPage(std::int32_t id);
     Marks::reference HeldMark(std::int32_t id);
     void ReleasePageIfSpent(std::size_t page);
+    void LoseCount(MatrixEntry& entry);
 
     std::vector<std::unique_ptr<Page>> pages_;
     std::vector<std::unique_ptr<Marks>> held_; // ids that a cell may hold, in pages likewise
     std::int32_t nextId_ = 0;
     std::int32_t capacity_ = kFirstCapacity;
+    std::uint64_t lostCounts_ = 0;
 };
 
 } // namespace Kestrona::Data::MemoryResident

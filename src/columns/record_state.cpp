@@ -1,3 +1,5 @@
+#include "columns/change_page.h"
+
 #include <kestrona/record_state.h>
 
 #include <boost/unordered/unordered_flat_map.hpp>
@@ -112,7 +114,7 @@ void RecordStateStrategy::RecordChanged(std::int32_t record) {
         return RecordChangedInTransaction(record);
     }
     CountChanges(1);
-    format_->changedRecords.Mark(record);
+    format_->changedRecords.MarkInPlace(record);
 }
 
 void RecordStateStrategy::RecordsChanged(std::int32_t first, std::uint64_t bits) {

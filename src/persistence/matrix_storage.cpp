@@ -18,7 +18,7 @@ namespace Kestrona::Persistence {
 using Data::MemoryResident::DataStorage;
 using Data::MemoryResident::field_info;
 using Data::MemoryResident::IColumn;
-using Data::MemoryResident::MatrixColumn;
+using Data::MemoryResident::MatrixCells;
 using Data::MemoryResident::MatrixEntry;
 using Data::MemoryResident::MatrixTable;
 using Data::MemoryResident::MemoryResidentData;
@@ -42,14 +42,14 @@ bool HasCommonMatrix(MemoryResidentData& store, std::int32_t format, std::int32_
 const MatrixEntry* EntryOf(const IColumn<std::int32_t>* identities, std::int32_t record) {
     const MatrixEntry* const entry =
         identities != nullptr ? MatrixTable::Instance().Find(identities->GetValue(record)) : nullptr;
-    return entry != nullptr && entry->column != nullptr ? entry : nullptr;
+    return entry != nullptr && entry->cells.IsMatrix() ? entry : nullptr;
 }
 
 void WriteMatrix(const MatrixEntry* entry, std::FILE* file) {
     const std::int32_t size = entry != nullptr ? static_cast<std::int32_t>(entry->size) : 0;
     std::fwrite(&size, sizeof size, 1, file);
     if (size > 0) {
-        entry->column->WriteToFile(file);
+        entry->cells.WriteToFile(file);
     }
 }
 
@@ -127,12 +127,12 @@ void TakeIds(MemoryResidentData& store, std::int32_t format, std::int32_t field,
     identities->ReplaceValues(std::move(ids));
 }
 
-// The matrix of the record, made with this size; null in a field without a column of ids.
-MatrixColumn* MakeMatrix(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record,
-                         std::int32_t size) {
+// The stored elements of the record's matrix, made with this size; null in a field without a column of ids.
+MatrixCells* MakeMatrix(MemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record,
+                        std::int32_t size) {
     const std::int32_t id = KSDLL_CreateMatrix(store, static_cast<std::uint32_t>(size), format, field, record);
-    const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
-    return entry != nullptr ? entry->column.get() : nullptr;
+    MatrixEntry* const entry = MatrixTable::Instance().Find(id);
+    return entry != nullptr && entry->cells.IsMatrix() ? &entry->cells : nullptr;
 }
 
 // False where the file ends, and for a size that no matrix has.
@@ -173,7 +173,7 @@ void ReadMatrices(MemoryResidentData& store, std::int32_t format, std::int32_t f
     TakeIds(store, format, field, std::move(ids), std::max(known, std::min(static_cast<std::size_t>(matrices), held)));
     std::int32_t size = 0;
     for (std::int32_t record = 0; record < matrices && ReadSize(file, size); ++record) {
-        MatrixColumn* const matrix = MakeMatrix(store, format, field, record, size);
+        MatrixCells* const matrix = MakeMatrix(store, format, field, record, size);
         if (size > 0 && matrix != nullptr) {
             matrix->ReadFromFile(file);
         } else if (size > 0) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <kestrona/column.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -12,8 +10,8 @@ namespace Kestrona::Data::MemoryResident {
 // Removes the cells at `positions`, ascending and each once, and reports each as erased with the key that `key_of`
 // gives for its place in `positions`. Like `Erase` of each, but in one pass. The column's announced size counts for
 // nothing afterwards.
-template <typename T, typename KeyOf>
-void RemoveCells(IColumn<T>& column, std::span<const std::int32_t> positions, KeyOf key_of) {
+template <typename T, typename Column, typename KeyOf>
+void RemoveCells(Column& column, std::span<const std::int32_t> positions, KeyOf key_of) {
     constexpr std::size_t kFew = 8;
     constexpr std::int32_t kNoCell = -1;
     if (positions.size() <= kFew) {

@@ -1,4 +1,5 @@
 // Implements: timestamps, and asking for and forgetting what has changed.
+#include "columns/matrix_cells.h"
 #include "store/class_test.h"
 #include "store/record_matrices.h"
 
@@ -14,8 +15,8 @@ bool IsMatrix(const field_info& field) {
     return (field.type & TypeBit::kMatrix) != 0;
 }
 
-template <typename T>
-std::int32_t StateOf(IColumn<T>* column, std::int32_t record) {
+template <typename Column>
+std::int32_t StateOf(Column* column, std::int32_t record) {
     return column != nullptr ? column->GetRecordState(record) : 0;
 }
 
@@ -25,7 +26,7 @@ std::int32_t CellState(const field_info& field, std::int32_t record) {
 
 // The state of the record's matrix; `owner` is the field whose identity column leads there.
 std::int32_t MatrixState(const field_info& owner, std::int32_t record) {
-    return StateOf(FindMatrix(owner, record), record);
+    return StateOf(FindCells(owner, record), record);
 }
 
 std::int32_t OwnState(const formats_info& format, std::int32_t record) {

@@ -1,6 +1,7 @@
 // Implements: the choice of a field's columns and of their change tracking.
 #include "store/column_factory.h"
 
+#include "columns/matrix_identities.h"
 #include "platform/numbers.h"
 
 #include <kestrona/built_in_tables.h>
@@ -14,8 +15,6 @@
 namespace Kestrona::Data::MemoryResident {
 
 namespace {
-
-constexpr std::int32_t kNoMatrix = -1;
 
 bool IsTracked(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     if (store.ClassDefined(format, field, Classes::kExcludeFromDb) ||
@@ -95,8 +94,7 @@ std::unique_ptr<IColumn<std::wstring>> CreateTextColumn(IMemoryResidentData& sto
 
 std::unique_ptr<IColumn<std::int32_t>> CreateMatrixIdentityColumn(IMemoryResidentData& store, std::int32_t format,
                                                                   std::int32_t field) {
-    return std::make_unique<ValueManagedDataStorage<std::int32_t>>(kNoMatrix,
-                                                                   CreateRecordStateStrategy(store, format, field));
+    return std::make_unique<MatrixIdentityColumn>(CreateRecordStateStrategy(store, format, field));
 }
 
 std::unique_ptr<IColumn<std::int32_t>> CreateUpdateColumn() {

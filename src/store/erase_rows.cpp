@@ -108,7 +108,7 @@ private:
         for (const std::int32_t record : descending_) {
             KSDLL_FreeMatrix(identities.GetValue(record));
         }
-        RemoveCells(identities, ascending_, [this](std::size_t i) { return keys_[i]; });
+        RemoveCells<std::int32_t>(identities, ascending_, [this](std::size_t i) { return keys_[i]; });
     }
 
     formats_info& info_;

@@ -73,7 +73,7 @@ Positions FindKeys(const MatrixEntry& list, const KeySet& keys) {
     const auto size = static_cast<std::int32_t>(list.size);
     for (std::int32_t first = 0; first < size; first += kBlock) {
         const std::int32_t length = std::min(kBlock, size - first);
-        list.column->ReadBlock(first, length, block.data());
+        list.cells.ReadBlock(first, length, block.data());
         for (std::int32_t i = 0; i < length; ++i) {
             if (keys.Contains(block[static_cast<std::size_t>(i)])) {
                 found.push_back(first + i);
@@ -84,7 +84,7 @@ Positions FindKeys(const MatrixEntry& list, const KeySet& keys) {
 }
 
 void RemoveEntries(std::int32_t id, std::span<const std::int32_t> positions) {
-    const MatrixEntry* const entry = FindMatrixEntry(id);
+    MatrixEntry* const entry = FindMatrixEntry(id);
     if (entry == nullptr || entry->isCalculated) {
         return;
     }
@@ -92,7 +92,7 @@ void RemoveEntries(std::int32_t id, std::span<const std::int32_t> positions) {
     const std::span<const std::int32_t> gone(positions.begin(), end);
     if (!gone.empty()) {
         const std::uint32_t left = entry->size - static_cast<std::uint32_t>(gone.size());
-        RemoveCells<double>(*entry->column, gone, [](std::size_t) { return kNoKey; });
+        RemoveCells<double>(entry->cells, gone, [](std::size_t) { return kNoKey; });
         MatrixTable::Instance().SetSize(id, left);
     }
 }

@@ -50,13 +50,14 @@ double ElementOf(const MatrixEntry* entry, std::int32_t record, std::uint32_t in
     if (entry == nullptr || index >= MatrixTable::kSizeLimit || (index > entry->size && !entry->isCalculated)) {
         return kNoElement;
     }
-    return entry->column->GetElement(record, index);
+    return entry->column != nullptr ? entry->column->GetElement(record, index)
+                                    : entry->cells.GetValue(static_cast<std::int32_t>(index));
 }
 
 // The matrix grows up to the element, which itself is not stored.
-void GrowTo(std::int32_t id, const MatrixEntry& entry, std::uint32_t index) {
-    if (entry.column->GetCurrentSize() < index) {
-        entry.column->Resize(index);
+void GrowTo(std::int32_t id, MatrixEntry& entry, std::uint32_t index) {
+    if (entry.cells.IsMatrix() && entry.cells.GetCurrentSize() < index) {
+        entry.cells.Resize(index);
     }
     MatrixTable::Instance().SetSize(id, index);
 }
@@ -85,8 +86,7 @@ std::int32_t KSDLL_CreateMatrix(IMemoryResidentData& store, std::uint32_t size, 
     if (FindMatrixEntry(id) != nullptr) {
         KSDLL_ResizeMatrix(id, elements, format, field);
     } else {
-        MatrixTable::Instance().Put(id, CreateMatrixColumn(store, format, field, record), elements,
-                                    HasClass(*info, Classes::kEvaluate));
+        MatrixTable::Instance().Put(id, MakeMatrix(store, format, field, record, elements));
     }
     return id;
 }
@@ -116,9 +116,11 @@ void KSDLL_ZeroMatrixSize(std::int32_t id) {
 }
 
 void KSDLL_ResizeMatrix(std::int32_t id, std::uint32_t size, std::int32_t /*unused1*/, std::int32_t /*unused2*/) {
-    const MatrixEntry* const entry = FindMatrixEntry(id);
+    MatrixEntry* const entry = FindMatrixEntry(id);
     if (entry != nullptr && size < MatrixTable::kSizeLimit) {
-        entry->column->ReportResize(entry->size, size);
+        if (entry->cells.IsMatrix()) {
+            entry->cells.ReportResize(entry->size, size);
+        }
         MatrixTable::Instance().SetSize(id, size);
     }
 }
@@ -139,21 +141,23 @@ double KSDLL_GetMatrixValueFromId(std::int32_t id, std::int32_t record, std::uin
 }
 
 void KSDLL_SetMatrixValue(std::int32_t id, std::uint32_t index, double value) {
-    const MatrixEntry* const entry = FindMatrixEntry(id);
+    MatrixEntry* const entry = FindMatrixEntry(id);
     if (entry == nullptr || index >= MatrixTable::kSizeLimit) {
         return;
     }
-    if (index <= entry->size) {
-        entry->column->SetValue(static_cast<std::int32_t>(index), value);
-    } else {
+    if (index > entry->size) {
         GrowTo(id, *entry, index);
+    } else if (entry->cells.IsMatrix()) {
+        entry->cells.SetValue(static_cast<std::int32_t>(index), value);
     }
 }
 
 void KSDLL_DeleteMatrixRow(std::int32_t id, std::int32_t row) {
-    const MatrixEntry* const entry = FindMatrixEntry(id);
+    MatrixEntry* const entry = FindMatrixEntry(id);
     if (entry != nullptr && row >= 0 && static_cast<std::uint32_t>(row) < entry->size) {
-        entry->column->Erase(row, kNoKey);
+        if (entry->cells.IsMatrix()) {
+            entry->cells.Erase(row, kNoKey);
+        }
         MatrixTable::Instance().SetSize(id, entry->size - 1);
     }
 }

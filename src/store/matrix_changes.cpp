@@ -1,4 +1,5 @@
 // Implements: asking for and forgetting the changes of matrices.
+#include "columns/matrix_cells.h"
 #include "store/record_matrices.h"
 
 #include <kestrona/matrices.h>
@@ -12,7 +13,7 @@ bool KSDLL_GetMatrixChanged(IMemoryResidentData& store, std::int32_t format, std
     }
     const std::int32_t records = store.GetCurrentDbSize(format);
     for (std::int32_t record = 0; record < records; ++record) {
-        IColumn<double>* const matrix = FindMatrix(*info, record);
+        MatrixCells* const matrix = FindCells(*info, record);
         if (matrix != nullptr && matrix->HasColumnChanged()) {
             return true;
         }
@@ -23,7 +24,7 @@ bool KSDLL_GetMatrixChanged(IMemoryResidentData& store, std::int32_t format, std
 std::int32_t KSDLL_GetMatrixRecordState(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
                                         std::int32_t record) {
     const field_info* const info = store.GetFieldInfo(format, field);
-    IColumn<double>* const matrix = info != nullptr ? FindMatrix(*info, record) : nullptr;
+    MatrixCells* const matrix = info != nullptr ? FindCells(*info, record) : nullptr;
     return matrix != nullptr ? matrix->GetRecordState(record) : 0;
 }
 
@@ -37,7 +38,7 @@ void KSDLL_ResetMatrixChanged(IMemoryResidentData& store, std::int32_t format, s
         info->matrixColumn->ResetColoumnChanged();
     }
     for (std::int32_t record = 0; record < records; ++record) {
-        if (IColumn<double>* const matrix = FindMatrix(*info, record)) {
+        if (MatrixCells* const matrix = FindCells(*info, record)) {
             matrix->ResetColoumnChanged();
         }
     }

@@ -52,7 +52,7 @@ double CopiedReference(IMemoryResidentData& store, const MatrixPlace& from, cons
 }
 
 // Copies `size` stored cells block by block.
-void CopyBlocks(const MatrixColumn& source, MatrixColumn& target, std::int32_t size) {
+void CopyBlocks(const MatrixCells& source, MatrixCells& target, std::int32_t size) {
     std::array<double, 64> block;
     for (std::int32_t first = 0; first < size;) {
         const std::int32_t length = std::min(static_cast<std::int32_t>(block.size()), size - first);
@@ -79,13 +79,13 @@ void CopyCells(IMemoryResidentData& store, const field_info& target, const Matri
     const auto elements = static_cast<std::uint32_t>(size);
     const std::int32_t id = KSDLL_CreateMatrix(store, elements, to.format, to.field, to.record);
     const MatrixEntry* const source_entry = FindMatrixEntry(source_id);
-    const MatrixEntry* const entry = FindMatrixEntry(id);
+    MatrixEntry* const entry = FindMatrixEntry(id);
     if (entry == nullptr || entry->isCalculated || source_entry == entry) {
         return; // a calculated matrix keeps no cells
     }
     const bool refers = RefersToStrings(target, from, to);
     if (source_entry != nullptr && !source_entry->isCalculated && !refers) {
-        CopyBlocks(*source_entry->column, *entry->column, size);
+        CopyBlocks(source_entry->cells, entry->cells, size);
     } else {
         CopyElements(store, from, to, id, elements, refers);
     }

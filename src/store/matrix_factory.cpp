@@ -2,32 +2,34 @@
 
 #include <kestrona/classes.h>
 #include <kestrona/evaluate_columns.h>
-#include <kestrona/record_state.h>
+#include <kestrona/record_state_strategy.h>
 
 namespace Kestrona::Data::MemoryResident {
 
 namespace {
 
 // Matrices are tracked by other rules than cells: a display sequence without an owner is, a scratch record never.
-IRecordStateStrategy* CreateMatrixStrategy(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
-                                           std::int32_t record) {
-    if (record >= kFirstScratchRecord || store.ClassDefined(format, field, Classes::kExcludeFromDb) ||
-        store.ClassDefined(format, store.GetDbKey(format), Classes::kExcludeFromDb)) {
-        return new NullRecordStateStrategy();
-    }
-    return new RecordStateStrategy(store.GetFormatInfo(format), format);
+bool IsTracked(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record) {
+    return record < kFirstScratchRecord && !store.ClassDefined(format, field, Classes::kExcludeFromDb) &&
+           !store.ClassDefined(format, store.GetDbKey(format), Classes::kExcludeFromDb);
 }
 
 } // namespace
 
-std::unique_ptr<MatrixColumn> CreateMatrixColumn(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
-                                                 std::int32_t record) {
+MatrixEntry MakeMatrix(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record,
+                       std::uint32_t size) {
+    MatrixEntry matrix;
+    matrix.size = size;
+    matrix.isCalculated = store.ClassDefined(format, field, Classes::kEvaluate);
     const double default_value = store.GetDbDefaultValue(format, field);
-    if (store.ClassDefined(format, field, Classes::kEvaluate)) {
-        return std::make_unique<MatrixEvaluateColumn>(new NullRecordStateStrategy(), default_value, format, field,
-                                                      store);
+    if (matrix.isCalculated) {
+        matrix.column =
+            std::make_unique<MatrixEvaluateColumn>(new NullRecordStateStrategy(), default_value, format, field, store);
+    } else {
+        formats_info* const told = IsTracked(store, format, field, record) ? store.GetFormatInfo(format) : nullptr;
+        matrix.cells = MatrixCells(told, format, default_value);
     }
-    return std::make_unique<MatrixColumn>(CreateMatrixStrategy(store, format, field, record), default_value);
+    return matrix;
 }
 
 } // namespace Kestrona::Data::MemoryResident

@@ -1,16 +1,16 @@
 #pragma once
 
-#include <kestrona/matrix_column.h>
+#include "columns/matrix_table.h"
+
 #include <kestrona/memory_resident_data.h>
 
 #include <cstdint>
-#include <memory>
 
-// Which matrix gets which column.
+// Which matrix gets which elements.
 namespace Kestrona::Data::MemoryResident {
 
-// The column of a matrix that `record` will own; that of an EVALUATE field computes its elements.
-std::unique_ptr<MatrixColumn> CreateMatrixColumn(IMemoryResidentData& store, std::int32_t format, std::int32_t field,
-                                                 std::int32_t record);
+// A matrix that `record` will own; that of an EVALUATE field computes its elements.
+MatrixEntry MakeMatrix(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t record,
+                       std::uint32_t size);
 
 } // namespace Kestrona::Data::MemoryResident

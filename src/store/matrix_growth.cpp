@@ -21,7 +21,7 @@ constexpr const wchar_t* kGrows = L"Grow matrix for field %li in db %li";
 constexpr const wchar_t* kChanged = L"Changed Format id %li, Table %li, Table Y %li";
 
 // Copies `count` cells from `from` on to `to`, whichever way they overlap.
-void MoveCells(MatrixColumn& cells, std::int32_t from, std::int32_t to, std::int32_t count,
+void MoveCells(MatrixCells& cells, std::int32_t from, std::int32_t to, std::int32_t count,
                std::vector<double>& buffer) {
     buffer.resize(static_cast<std::size_t>(count));
     cells.ReadBlock(from, count, buffer.data());
@@ -30,7 +30,7 @@ void MoveCells(MatrixColumn& cells, std::int32_t from, std::int32_t to, std::int
     }
 }
 
-void FillCells(MatrixColumn& cells, std::int32_t from, std::int32_t count, double value) {
+void FillCells(MatrixCells& cells, std::int32_t from, std::int32_t count, double value) {
     for (std::int32_t i = 0; i < count; ++i) {
         cells.SetValue(from + i, value);
     }
@@ -68,18 +68,18 @@ private:
     // A calculated matrix keeps no cells.
     void Grow(std::int32_t owner) {
         const std::int32_t id = KSDLL_CreateMatrix(store_, size_, place_.format, place_.field, owner);
-        const MatrixEntry* const entry = FindMatrixEntry(id);
+        MatrixEntry* const entry = FindMatrixEntry(id);
         if (entry == nullptr || entry->isCalculated || size_ == 0) {
             return;
         }
         if (HasClass(info_, Classes::k3DMatrix)) {
-            GrowGrid(*entry->column);
+            GrowGrid(entry->cells);
         } else {
-            GrowRow(*entry->column, owner);
+            GrowRow(entry->cells, owner);
         }
     }
 
-    void GrowGrid(MatrixColumn& cells) {
+    void GrowGrid(MatrixCells& cells) {
         if (info_.tableY == grown_) {
             OpenColumn(cells);
         }
@@ -89,7 +89,7 @@ private:
     }
 
     // From the back to the front: a row never lands on one that has still to be read.
-    void OpenColumn(MatrixColumn& cells) {
+    void OpenColumn(MatrixCells& cells) {
         const std::int32_t behind = size_y_ - 1 - record_;
         for (std::int32_t x = size_x_ - 1; x >= 0; --x) {
             const std::int32_t from = x * (size_y_ - 1);
@@ -100,14 +100,14 @@ private:
         }
     }
 
-    void OpenRow(MatrixColumn& cells) {
+    void OpenRow(MatrixCells& cells) {
         for (std::int32_t x = size_x_ - 1; x > record_; --x) {
             MoveCells(cells, (x - 1) * size_y_, x * size_y_, size_y_, buffer_);
         }
         FillCells(cells, record_ * size_y_, size_y_, default_);
     }
 
-    void GrowRow(MatrixColumn& cells, std::int32_t owner) {
+    void GrowRow(MatrixCells& cells, std::int32_t owner) {
         if (info_.tableY == grown_) {
             MoveCells(cells, record_, record_ + 1, size_y_ - 1 - record_, buffer_);
             cells.SetValue(record_, NewCell(owner));

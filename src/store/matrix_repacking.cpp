@@ -49,7 +49,7 @@ private:
 };
 
 // Moves what is left to the front, row by row. Cells only ever move forward. `size` is that of the matrix.
-void Repack(MatrixColumn& cells, std::uint32_t size, const Axis& x_axis, const Axis& y_axis) {
+void Repack(MatrixCells& cells, std::uint32_t size, const Axis& x_axis, const Axis& y_axis) {
     const auto held = static_cast<std::int32_t>(size);
     std::vector<double> row(static_cast<std::size_t>(y_axis.size));
     GoneCursor rows(x_axis.gone);
@@ -83,9 +83,9 @@ public:
     // The record's matrix gets the size that is left, whatever it had.
     void Close(std::int32_t record) {
         const std::int32_t id = MatrixIdOf(info_, record);
-        const MatrixEntry* const entry = FindOwnMatrix(id);
+        MatrixEntry* const entry = FindOwnMatrix(id);
         if (entry != nullptr && !(x_axis_.gone.empty() && y_axis_.gone.empty())) {
-            Repack(*entry->column, entry->size, x_axis_, y_axis_);
+            Repack(entry->cells, entry->size, x_axis_, y_axis_);
         }
         if (!HasMatrixOfSize(info_, record, size_left_)) {
             KSDLL_CreateMatrix(store_, size_left_, place_.format, place_.field, record);
@@ -95,7 +95,7 @@ public:
     // The cells of a one-dimensional matrix go as if erased one by one.
     void EraseCells(std::int32_t record) {
         const std::int32_t id = MatrixIdOf(info_, record);
-        const MatrixEntry* const entry = FindOwnMatrix(id);
+        MatrixEntry* const entry = FindOwnMatrix(id);
         if (entry == nullptr) {
             return;
         }
@@ -103,7 +103,7 @@ public:
         const Positions gone(y_axis_.gone.begin(), end);
         if (!gone.empty()) {
             const std::uint32_t left = entry->size - static_cast<std::uint32_t>(gone.size());
-            RemoveCells<double>(*entry->column, gone, [](std::size_t) { return kNoKey; });
+            RemoveCells<double>(entry->cells, gone, [](std::size_t) { return kNoKey; });
             MatrixTable::Instance().SetSize(id, left);
         }
     }
@@ -126,8 +126,8 @@ private:
     }
 
     // A calculated matrix keeps no cells.
-    static const MatrixEntry* FindOwnMatrix(std::int32_t id) {
-        const MatrixEntry* const entry = FindMatrixEntry(id);
+    static MatrixEntry* FindOwnMatrix(std::int32_t id) {
+        MatrixEntry* const entry = FindMatrixEntry(id);
         return entry != nullptr && !entry->isCalculated ? entry : nullptr;
     }
 

@@ -1,5 +1,6 @@
 #include "store/new_record_matrices.h"
 
+#include "columns/matrix_identities.h"
 #include "columns/matrix_table.h"
 #include "platform/format_text.h"
 #include "store/class_test.h"
@@ -33,28 +34,59 @@ public:
           is_grid_(HasClass(info_, Classes::k3DMatrix)),
           is_common_(HasClass(info_, Classes::kCommonMatrix)) {}
 
-    // Nothing is called for a matrix that is as it must be.
+    // Nothing is called for a matrix that is as it must be, and those that an earlier run has found so are not looked
+    // at again until one of them changes.
     void Run() {
+        auto* const identities = dynamic_cast<MatrixIdentityColumn*>(info_.matrixColumn);
+        const std::int32_t in_order = identities != nullptr ? identities->InOrder(size_) : 0;
+        const std::uint64_t lost_counts = MatrixTable::Instance().LostCounts();
+        ForEachFrom(in_order, [this](std::int32_t record, std::int32_t id) {
+            if (!IsDone(record, id)) {
+                Create(record);
+            }
+            return true;
+        });
+        if (identities != nullptr) {
+            Note(*identities, lost_counts == MatrixTable::Instance().LostCounts() ? in_order : 0);
+        }
+    }
+
+private:
+    // Calls `action` with each record and its id, until it answers false.
+    template <typename Action>
+    void ForEachFrom(std::int32_t start, Action action) const {
         const std::int32_t records = store_.GetCurrentDbSize(format_);
         std::array<std::int32_t, kBlock> ids;
-        for (std::int32_t first = 0; first < records; first += kBlock) {
+        for (std::int32_t first = start; first < records; first += kBlock) {
             const std::int32_t length = std::min(kBlock, records - first);
             info_.matrixColumn->ReadBlock(first, length, ids.data());
             for (std::int32_t i = 0; i < length; ++i) {
-                if (!IsDone(first + i, ids[static_cast<std::size_t>(i)])) {
-                    Create(first + i);
+                if (!action(first + i, ids[static_cast<std::size_t>(i)])) {
+                    return;
                 }
             }
         }
     }
 
-private:
+    void Note(MatrixIdentityColumn& identities, std::int32_t start) const {
+        std::int32_t in_order = start;
+        ForEachFrom(start, [&](std::int32_t record, std::int32_t id) {
+            const bool is_done = IsDone(record, id);
+            if (is_done && !(is_common_ && record != 0)) {
+                MatrixTable::Instance().Find(id)->isCounted = true;
+            }
+            in_order += is_done ? 1 : 0;
+            return is_done;
+        });
+        identities.NoteInOrder(in_order, size_);
+    }
+
     [[nodiscard]] bool IsDone(std::int32_t record, std::int32_t id) const {
         if (is_common_ && record != 0) {
             return id == info_.matrixColumn->GetValue(0);
         }
         const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
-        return entry != nullptr && entry->size == size_ && (entry->column != nullptr || entry->isCalculated);
+        return entry != nullptr && entry->size == size_ && (entry->IsMatrix() || entry->isCalculated);
     }
 
     void Create(std::int32_t record) {

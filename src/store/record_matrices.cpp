@@ -45,14 +45,14 @@ std::int32_t MatrixIdOf(const field_info& field, std::int32_t record) {
     return field.matrixColumn != nullptr ? field.matrixColumn->GetValue(record) : MatrixTable::kNoId;
 }
 
-const MatrixEntry* FindMatrixEntry(std::int32_t id) {
-    const MatrixEntry* const entry = MatrixTable::Instance().Find(id);
-    return entry != nullptr && entry->column != nullptr ? entry : nullptr;
+MatrixEntry* FindMatrixEntry(std::int32_t id) {
+    MatrixEntry* const entry = MatrixTable::Instance().Find(id);
+    return entry != nullptr && entry->IsMatrix() ? entry : nullptr;
 }
 
-IColumn<double>* FindMatrix(const field_info& field, std::int32_t record) {
-    const MatrixEntry* const entry = FindMatrixEntry(MatrixIdOf(field, record));
-    return entry != nullptr ? entry->column.get() : nullptr;
+MatrixCells* FindCells(const field_info& field, std::int32_t record) {
+    MatrixEntry* const entry = FindMatrixEntry(MatrixIdOf(field, record));
+    return entry != nullptr && entry->cells.IsMatrix() ? &entry->cells : nullptr;
 }
 
 bool HasMatrixOfSize(const field_info& field, std::int32_t record, std::uint32_t size) {

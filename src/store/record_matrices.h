@@ -10,16 +10,17 @@
 // An identity column owns the matrices that it names: whoever frees the column frees them first.
 namespace Kestrona::Data::MemoryResident {
 
+class MatrixCells;
 struct MatrixEntry;
 
 // The id of the record's matrix, -1 for none.
 std::int32_t MatrixIdOf(const field_info& field, std::int32_t record);
 
-// The entry with this id, null when it has no column. Nobody else counts as a matrix.
-const MatrixEntry* FindMatrixEntry(std::int32_t id);
+// The entry with this id, null when it is no matrix. Nobody else counts as a matrix.
+MatrixEntry* FindMatrixEntry(std::int32_t id);
 
-// The column of the record's matrix, null when the record has none.
-IColumn<double>* FindMatrix(const field_info& field, std::int32_t record);
+// The stored elements of the record's matrix, null when it has none: nothing of a calculated one ever changes.
+MatrixCells* FindCells(const field_info& field, std::int32_t record);
 
 // Whether the record has a matrix of this size already, so that nothing need be made or resized.
 bool HasMatrixOfSize(const field_info& field, std::int32_t record, std::uint32_t size);

@@ -54,8 +54,12 @@ FindResult* FamilyResult(RecordNumbers records) {
 } // namespace
 
 std::int32_t MemoryResidentData::LookupKeyRecord(std::int32_t format, double key) {
-    const field_info* const info = FindField(format, GetDbKey(format));
-    return info != nullptr && info->column != nullptr ? info->column->Find(key) : -1;
+    const formats_info* const info = FindFormat(format);
+    if (info == nullptr || static_cast<std::uint32_t>(info->keyField) >= info->fields.size()) {
+        return -1;
+    }
+    const IColumn<double>* const column = info->fields[static_cast<std::size_t>(info->keyField)].column;
+    return column != nullptr ? column->Find(key) : -1;
 }
 
 FindResult* MemoryResidentData::LookupRecords(std::int32_t format, std::int32_t field, const wchar_t* text,

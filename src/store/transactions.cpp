@@ -1,4 +1,5 @@
 // Implements: StartRecordStateTransaction, EndRecordStateTransaction, RevertRecordState.
+#include "columns/matrix_cells.h"
 #include "store/class_test.h"
 #include "store/record_matrices.h"
 #include "store/transaction_id.h"
@@ -25,7 +26,7 @@ void ForEachTrackingColumn(const formats_info& format, std::int32_t matrix_recor
         } else if (field.stringColumn != nullptr && !field.stringColumn->IsNullColumn()) {
             action(*field.stringColumn);
         } else if (matrix_record != kNoRecord && (field.type & TypeBit::kMatrix) != 0) {
-            if (IColumn<double>* const matrix = FindMatrix(field, matrix_record)) {
+            if (MatrixCells* const matrix = FindCells(field, matrix_record)) {
                 action(*matrix);
             }
         }

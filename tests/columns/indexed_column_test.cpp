@@ -45,9 +45,23 @@ TEST(IndexedColumn, EachOperationLeavesTheIndexAsItShould) {
         {"growth", [](auto& c) { c.Resize(9); }, true},
         {"announcing the same size", [](auto& c) { c.Resize(6); }, true},
         {"search by range", [](auto& c) { delete c.FindAll(0.0, FindOperator::GreaterThan); }, true},
-        {"shrinking", [](auto& c) { c.Resize(4); }, false},
+        {"shrinking", [](auto& c) { c.Resize(4); }, true},
+        {"shrinking to nothing", [](auto& c) { c.Resize(0); }, true},
+        {"shrinking by many",
+         [](auto& c) {
+             c.Resize(60);
+             c.Resize(6);
+         },
+         false},
         {"insertion", [](auto& c) { c.Insert(0, 5.0); }, false},
         {"erasure", [](auto& c) { c.Erase(0, 5.0); }, false},
+        {"erasure of the last record", [](auto& c) { c.Erase(5, 5.0); }, true},
+        {"erasure of the last record and its number",
+         [](auto& c) {
+             c.Erase(5, 5.0);
+             c.Resize(5);
+         },
+         true},
         {"erasure of a group",
          [&](auto& c) {
              c.GroupErase(&keys, {3, 1});

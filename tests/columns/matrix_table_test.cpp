@@ -1,19 +1,19 @@
 #include "columns/matrix_table.h"
 
-#include <kestrona/record_state_strategy.h>
-
 #include <gtest/gtest.h>
 
 #include <map>
-#include <memory>
 #include <random>
 
 namespace Kestrona::Data::MemoryResident {
 
 namespace {
 
-std::unique_ptr<MatrixColumn> Column(double default_value) {
-    return std::make_unique<MatrixColumn>(new NullRecordStateStrategy(), default_value);
+MatrixEntry Matrix(double default_value, std::uint32_t size) {
+    MatrixEntry matrix;
+    matrix.cells = MatrixCells(nullptr, 0, default_value);
+    matrix.size = size;
+    return matrix;
 }
 
 class MatrixTableTest : public testing::Test {
@@ -22,14 +22,14 @@ protected:
 
     ~MatrixTableTest() override { table.Reset(); }
 
-    // What the table tells of an id: its size and the default of its column.
+    // What the table tells of an id: its size and the default of its cells.
     void ExpectEntry(std::int32_t id, const std::pair<std::uint32_t, double>* expected) {
         const MatrixEntry* const entry = table.Find(id);
-        const bool has_column = entry != nullptr && entry->column != nullptr;
-        ASSERT_EQ(has_column, expected != nullptr) << id;
+        const bool has_matrix = entry != nullptr && entry->IsMatrix();
+        ASSERT_EQ(has_matrix, expected != nullptr) << id;
         if (expected != nullptr) {
             EXPECT_EQ(entry->size, expected->first) << id;
-            EXPECT_EQ(entry->column->GetElement(0, 0), expected->second) << id;
+            EXPECT_EQ(entry->cells.GetValue(0), expected->second) << id;
         } else if (entry != nullptr) {
             EXPECT_EQ(entry->size, 0u) << id;
         }
@@ -51,7 +51,7 @@ TEST_F(MatrixTableTest, KeepsWhatAMapKeepsWhilePagesComeAndGo) {
         } else {
             const std::int32_t id = random() % 4 == 0 && next > 0 ? draw % next : table.TakeId();
             next = std::max(next, id + 1);
-            table.Put(id, Column(step), static_cast<std::uint32_t>(step), false);
+            table.Put(id, Matrix(step, static_cast<std::uint32_t>(step)));
             twin[id] = {static_cast<std::uint32_t>(step), step};
         }
         if (step % 5000 == 4999) {
@@ -64,11 +64,11 @@ TEST_F(MatrixTableTest, KeepsWhatAMapKeepsWhilePagesComeAndGo) {
 }
 
 TEST_F(MatrixTableTest, AnEntryKeepsItsPlaceWhileTheTableGrows) {
-    table.Put(table.TakeId(), Column(1.0), 5, false);
+    table.Put(table.TakeId(), Matrix(1.0, 5));
     const MatrixEntry* const first = table.Find(0);
-    table.Put(MatrixTable::kMaxIds - 1, Column(2.0), 6, false);
+    table.Put(MatrixTable::kMaxIds - 1, Matrix(2.0, 6));
     EXPECT_EQ(table.Find(0), first);
-    EXPECT_EQ(table.Find(MatrixTable::kMaxIds - 2)->column, nullptr);
+    EXPECT_FALSE(table.Find(MatrixTable::kMaxIds - 2)->IsMatrix());
     EXPECT_EQ(table.Find(1 << 20), nullptr); // no page in between
 }
 
@@ -82,10 +82,10 @@ TEST_F(MatrixTableTest, IdsEndWithoutComingAgain) {
 }
 
 TEST_F(MatrixTableTest, APageStaysForItsLastEmptyMatrix) {
-    table.Put(0, Column(1.0), 0, false);
-    table.Put(1, Column(2.0), 0, false);
+    table.Put(0, Matrix(1.0, 0));
+    table.Put(1, Matrix(2.0, 0));
     table.NoteId(10000);
-    table.Put(1, Column(3.0), 0, false); // in the place of another one
+    table.Put(1, Matrix(3.0, 0)); // in the place of another one
     table.Free(0);
     table.Free(0);
     const std::pair<std::uint32_t, double> kept = {0, 3.0};
@@ -96,19 +96,19 @@ TEST_F(MatrixTableTest, APageStaysForItsLastEmptyMatrix) {
 
 TEST_F(MatrixTableTest, ColumnsGoAndSizesStay) {
     const std::int32_t id = table.TakeId();
-    table.Put(id, Column(1.0), 5, false);
+    table.Put(id, Matrix(1.0, 5));
     table.NoteId(10000);
     for (int i = 0; i < 2; ++i) {
         table.FreeColumns();
         ASSERT_NE(table.Find(id), nullptr);
-        EXPECT_EQ(table.Find(id)->column, nullptr);
+        EXPECT_FALSE(table.Find(id)->IsMatrix());
         EXPECT_EQ(table.Find(id)->size, 5u);
     }
-    table.Put(id + 1, Column(1.0), 7, false);
+    table.Put(id + 1, Matrix(1.0, 7));
     table.Free(id + 1); // the last column of a page that still tells a size
     ASSERT_NE(table.Find(id), nullptr);
     EXPECT_EQ(table.Find(id)->size, 5u);
-    table.Put(id, Column(1.0), 7, false);
+    table.Put(id, Matrix(1.0, 7));
     table.Free(id);
     EXPECT_EQ(table.Find(id), nullptr);
 }
