@@ -18,7 +18,9 @@
 #include <fmt/format.h>
 
 #include <csignal>
+#include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -90,6 +92,8 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("kestrona: error: not enough memory\n", stderr); // TellError would ask for more
     } catch (const std::exception& error) {
         TellError("{}", error.what());
     } catch (const wchar_t* text) {
