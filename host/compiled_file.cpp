@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 namespace Kestrona::Host {
 
@@ -69,8 +70,8 @@ Head ReadHead(std::FILE* file) {
 bool ReadText(std::FILE* file, bool wide, std::wstring& text) {
     wchar_t* read = nullptr;
     const bool is_text = KSDLL_ReadBinaryString(file, &read, wide ? 1 : 0) == kBinaryStringText;
+    const std::unique_ptr<wchar_t, decltype(&std::free)> owned(read, &std::free);
     text = read != nullptr ? read : L"";
-    std::free(read);
     return is_text;
 }
 

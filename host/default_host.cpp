@@ -80,9 +80,35 @@ DiagnosticSink LineSink(TextSink output) {
     };
 }
 
+// A service that somebody else has installed meanwhile stays.
+void TakeAway(const CoreMessage* messages, const DefaultLogger* logger) {
+    if (messages != nullptr && MessageManager::getInstance() == messages) {
+        MessageManager::setInstance(nullptr);
+    }
+    if (logger != nullptr && LogManager::getInstance() == logger) {
+        LogManager::setInstance(nullptr);
+    }
+}
+
 } // namespace
 
 DefaultHost::DefaultHost(DefaultHostOptions options) : locale_(options.locale) {
+    try {
+        Install(options);
+    } catch (...) { // what the process has been given knows this object
+        TakeAway(messages_, logger_);
+        throw;
+    }
+    ExecutionState::Instance().set_IsRunningHeadless(true);
+    CompilationState::Instance().set_Source(ConfigurationSource::SourceDefinition);
+}
+
+DefaultHost::~DefaultHost() {
+    store_.reset();
+    TakeAway(messages_, logger_);
+}
+
+void DefaultHost::Install(DefaultHostOptions& options) {
     InstallMessages(options);
     InstallLogger(options);
     InstallFeedback(options);
@@ -90,22 +116,10 @@ DefaultHost::DefaultHost(DefaultHostOptions options) : locale_(options.locale) {
         options.resources ? std::move(options.resources) : std::make_unique<ResourceDirectory>(options.resource_folder);
     ole_servers_ = GivenOr<OleServerTexts>(options.ole_servers);
     InstallNativeConfig(options);
+    auto duplicates = GivenOr<DuplicateLog>(options.duplicates);
     globalization_ =
         options.globalization ? options.globalization.release() : std::make_unique<Globalization>(locale_).release();
-    store_ = CreateMemoryResidentData(globalization_, GivenOr<DuplicateLog>(options.duplicates).release());
-
-    ExecutionState::Instance().set_IsRunningHeadless(true);
-    CompilationState::Instance().set_Source(ConfigurationSource::SourceDefinition);
-}
-
-DefaultHost::~DefaultHost() {
-    store_.reset();
-    if (MessageManager::getInstance() == messages_) {
-        MessageManager::setInstance(nullptr);
-    }
-    if (LogManager::getInstance() == logger_) {
-        LogManager::setInstance(nullptr);
-    }
+    store_ = CreateMemoryResidentData(globalization_, duplicates.release());
 }
 
 LoadOutcome DefaultHost::LoadDefinition(const std::string& path) {
@@ -194,8 +208,9 @@ LoadOutcome DefaultHost::FillFromSnapshot(const std::string& path, MemoryResiden
 }
 
 std::unique_ptr<MemoryResidentData> DefaultHost::CreateStore() const {
-    return CreateMemoryResidentData(std::make_unique<Globalization>(locale_).release(),
-                                    std::make_unique<DuplicateLog>().release());
+    auto globalization = std::make_unique<Globalization>(locale_);
+    auto duplicates = std::make_unique<DuplicateLog>();
+    return CreateMemoryResidentData(globalization.release(), duplicates.release());
 }
 
 void DefaultHost::InstallMessages(DefaultHostOptions& options) {

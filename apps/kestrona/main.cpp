@@ -19,7 +19,9 @@
 #include <fmt/format.h>
 
 #include <csignal>
+#include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -105,6 +107,11 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        // Spelt out, since TellError would ask for more.
+        std::fputs("kestrona: error: not enough memory [KES-9002]\n"
+                   "  hint: Try again with fewer tables or more memory.\n",
+                   stderr);
     } catch (const std::exception& error) {
         TellError(Code::Unexpected, "{}", error.what());
     } catch (const wchar_t* text) {

@@ -6,6 +6,8 @@
 #include <kestrona/process.h>
 
 #include <cstddef>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -151,7 +153,9 @@ private:
 void FillSubstitutions(const Definition& definition, IMemoryResidentData& store) {
     store.ResetStringSubstitutions();
     for (const SubstitutionDefinition& substitution : definition.substitutions) {
-        store.SetStringSubstitution(Copy(substitution.from), Copy(substitution.to));
+        std::unique_ptr<wchar_t, decltype(&std::free)> from(Copy(substitution.from), &std::free);
+        wchar_t* const to = Copy(substitution.to); // there may be no memory for it
+        store.SetStringSubstitution(from.release(), to);
     }
 }
 

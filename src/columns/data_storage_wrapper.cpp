@@ -8,9 +8,12 @@
 namespace Kestrona::Data::MemoryResident {
 
 template <typename T>
-DataStorageWrapper<T>::DataStorageWrapper(T default_value, IRecordStateStrategy* record_state)
-    : storage_(new ValueManagedDataStorage<T>(default_value, record_state)),
-      wrapped_(storage_) {}
+DataStorageWrapper<T>::DataStorageWrapper(T default_value, IRecordStateStrategy* record_state) : storage_(nullptr) {
+    std::unique_ptr<IRecordStateStrategy> owned(record_state);
+    // Given up once the storage has its memory, which new asks for first.
+    storage_ = new ValueManagedDataStorage<T>(default_value, owned.release());
+    wrapped_.reset(storage_);
+}
 
 template <typename T>
 DataStorageWrapper<T>::~DataStorageWrapper() = default;

@@ -15,9 +15,9 @@ template <typename T>
 class IndexedColumn<T>::Index : public ColumnIndex<T> {};
 
 template <typename T>
-IndexedColumn<T>::IndexedColumn(IColumn<T>* column) : column_(column),
-                                                      index_(std::make_unique<Index>()) {
+IndexedColumn<T>::IndexedColumn(IColumn<T>* column) : index_(std::make_unique<Index>()) {
     assert(column != nullptr);
+    column_.reset(column); // not before all the memory is there: without an index the column stays its owner's
 }
 
 template <typename T>

@@ -1,6 +1,7 @@
 // Implements: ConfigurationDefinition.
 #include <kestrona/definition_model.h>
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 
@@ -20,24 +21,24 @@ TableDefinition* ConfigurationDefinition::FindTableDefinitionByName(const std::w
 }
 
 std::vector<TableDefinition*> ConfigurationDefinition::get_TableDefinitions() const {
-    std::vector<TableDefinition*> tables;
+    std::vector<std::unique_ptr<TableDefinition>> made;
     for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
-        tables.push_back(GetTableDefinition(index));
+        made.push_back(std::make_unique<TableDefinition>(store_, index));
     }
+    std::vector<TableDefinition*> tables(made.size());
+    std::ranges::transform(made, tables.begin(), [](auto& table) { return table.release(); });
     return tables;
 }
 
 void ConfigurationDefinition::KeepOriginal() {
-    for (TableDefinition* const table : get_TableDefinitions()) {
-        const std::unique_ptr<TableDefinition> owned(table);
-        table->KeepOriginal();
+    for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
+        TableDefinition(store_, index).KeepOriginal();
     }
 }
 
 void ConfigurationDefinition::RestoreOriginal() {
-    for (TableDefinition* const table : get_TableDefinitions()) {
-        const std::unique_ptr<TableDefinition> owned(table);
-        table->RestoreOriginal();
+    for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
+        TableDefinition(store_, index).RestoreOriginal();
     }
 }
 

@@ -4,6 +4,8 @@
 #include <kestrona/classification_parsers.h>
 #include <kestrona/definition_model.h>
 
+#include <algorithm>
+#include <memory>
 #include <set>
 
 namespace Kestrona::Configuration {
@@ -73,11 +75,13 @@ ColumnDefinition* TableDefinition::GetColumnDefinition(std::int32_t column) cons
 }
 
 std::vector<ColumnDefinition*> TableDefinition::get_ColumnDefinitions() const {
-    std::vector<ColumnDefinition*> columns;
+    std::vector<std::unique_ptr<ColumnDefinition>> made;
     const std::int32_t count = store_.GetDbFields(table_);
     for (std::int32_t column = 0; column < count; ++column) {
-        columns.push_back(GetColumnDefinition(column));
+        made.push_back(std::make_unique<ColumnDefinition>(store_, table_, column));
     }
+    std::vector<ColumnDefinition*> columns(made.size());
+    std::ranges::transform(made, columns.begin(), [](auto& column) { return column.release(); });
     return columns;
 }
 

@@ -5,6 +5,7 @@
 #include <boost/format.hpp>
 
 #include <locale>
+#include <ostream>
 
 namespace Kestrona::Platform {
 
@@ -28,8 +29,19 @@ bool HasTamePlaceholders(std::wstring_view text) {
     return true;
 }
 
+// A stream without memory would keep quiet and cut the text short.
+template <typename T>
+struct Whole {
+    const T& value;
+
+    friend std::wostream& operator<<(std::wostream& stream, const Whole& whole) {
+        stream.exceptions(std::ios_base::badbit);
+        return stream << whole.value;
+    }
+};
+
 void Feed(boost::wformat& formatter, const FormatArgument& argument) {
-    std::visit([&](const auto& value) { formatter % value; }, argument.Get());
+    std::visit([&](const auto& value) { formatter % Whole<std::decay_t<decltype(value)>>{value}; }, argument.Get());
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "platform/locale_dates.h"
 
+#include "platform/icu_memory.h"
+
 #include <kestrona/unicode.h>
 
 #include <unicode/udatpg.h>
@@ -76,6 +78,7 @@ std::wstring BestPattern(UDateTimePatternGenerator* generator, std::u16string_vi
     const std::int32_t length =
         udatpg_getBestPattern(generator, skeleton.data(), static_cast<std::int32_t>(skeleton.size()), units.data(),
                               static_cast<std::int32_t>(units.size()), &error);
+    ThrowIfNoMemory(error);
     return U_SUCCESS(error) ? FromUtf16({units.data(), static_cast<std::size_t>(length)}) : std::wstring();
 }
 
@@ -150,6 +153,7 @@ LocaleDates ReadLocaleDates(const std::string& name) {
     LocaleDates dates;
     UErrorCode error = U_ZERO_ERROR;
     const Generator generator(udatpg_open(GregorianLocale(name).c_str(), &error));
+    ThrowIfNoMemory(error);
     if (U_SUCCESS(error)) {
         ReadDatePattern(BestPattern(generator.get(), u"yMd"), dates);
         ReadTimePattern(BestPattern(generator.get(), u"Hm"), dates);

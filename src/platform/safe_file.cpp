@@ -136,6 +136,12 @@ void FlushFolderOf(const std::string& path) {
 } // namespace
 
 struct SafeFile::State {
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    ~State() { Drop(); }
+
     Platform::FileHandle file;
     std::string target;
     std::string draft; // empty when there is none to remove
@@ -165,13 +171,13 @@ struct SafeFile::State {
             return FailNow();
         }
         draft = std::move(name);
-        draft_path = FromUtf8(draft);
         file.reset(fdopen(descriptor, "w+b"));
         if (file == nullptr) {
             const int reason = errno;
             close(descriptor);
             return Fail(reason);
         }
+        draft_path = FromUtf8(draft);
         return !former.exists || TakeOver(descriptor, former) || FailNow();
     }
 
@@ -208,9 +214,7 @@ SafeFile::SafeFile(const std::wstring& path) : state_(std::make_unique<State>())
     }
 }
 
-SafeFile::~SafeFile() {
-    state_->Drop();
-}
+SafeFile::~SafeFile() = default;
 
 bool SafeFile::IsOpen() const {
     return state_->file != nullptr;

@@ -1,5 +1,7 @@
 #include "platform/text_order.h"
 
+#include "platform/icu_memory.h"
+
 #include <kestrona/unicode.h>
 
 #include <unicode/ucol.h>
@@ -34,6 +36,7 @@ std::string LocaleName(std::uint32_t locale) {
 Collator OpenCollator(std::uint32_t locale) {
     UErrorCode error = U_ZERO_ERROR;
     Collator collator(ucol_open(LocaleName(locale).c_str(), &error));
+    ThrowIfNoMemory(error);
     if (U_FAILURE(error)) {
         return nullptr;
     }

@@ -32,12 +32,12 @@ char ToggleDefault(double value) {
 
 } // namespace
 
-IRecordStateStrategy* CreateRecordStateStrategy(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+NewStrategy CreateRecordStateStrategy(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     formats_info* const info = store.GetFormatInfo(format);
     if (info == nullptr || !IsTracked(store, format, field)) {
-        return new NullRecordStateStrategy();
+        return NewStrategy(new NullRecordStateStrategy());
     }
-    return new RecordStateStrategy(info, format);
+    return NewStrategy(new RecordStateStrategy(info, format));
 }
 
 std::unique_ptr<IColumn<double>> CreateTypedColumn(IMemoryResidentData& store, std::int32_t format,
@@ -98,7 +98,7 @@ std::unique_ptr<IColumn<std::int32_t>> CreateMatrixIdentityColumn(IMemoryResiden
 }
 
 std::unique_ptr<IColumn<std::int32_t>> CreateUpdateColumn() {
-    return std::make_unique<ValueManagedDataStorage<std::int32_t>>(0, new NullRecordStateStrategy());
+    return std::make_unique<ValueManagedDataStorage<std::int32_t>>(0, NewStrategy(new NullRecordStateStrategy()));
 }
 
 } // namespace Kestrona::Data::MemoryResident

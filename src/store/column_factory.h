@@ -11,9 +11,21 @@
 // Which field gets which column. Every column gets a strategy of its own.
 namespace Kestrona::Data::MemoryResident {
 
+// A strategy on its way into a column, which owns it once it has its own memory: the strategy is given up where the
+// column's constructor is called.
+class NewStrategy {
+public:
+    explicit NewStrategy(IRecordStateStrategy* strategy) : strategy_(strategy) {}
+
+    operator IRecordStateStrategy*() && { return strategy_.release(); }
+
+private:
+    std::unique_ptr<IRecordStateStrategy> strategy_;
+};
+
 // The strategy of a field's columns: none for fields and formats that are excluded from the database, and for a display
-// sequence without an owner in the format. The caller, usually a column, owns it.
-IRecordStateStrategy* CreateRecordStateStrategy(IMemoryResidentData& store, std::int32_t format, std::int32_t field);
+// sequence without an owner in the format.
+NewStrategy CreateRecordStateStrategy(IMemoryResidentData& store, std::int32_t format, std::int32_t field);
 
 // The value column that the type code asks for.
 std::unique_ptr<IColumn<double>> CreateTypedColumn(IMemoryResidentData& store, std::int32_t format, std::int32_t field);

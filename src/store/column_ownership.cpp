@@ -7,8 +7,8 @@
 #include <kestrona/classes.h>
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
-#include <vector>
 
 namespace Kestrona::Data::MemoryResident {
 
@@ -64,16 +64,21 @@ void FreeIfUnheld(formats_info& format, ColumnSlot<T> slot, IColumn<T>* column) 
     FreeColumn(column);
 }
 
-// Appends the columns that the fields hold in this slot, and takes them away.
+// Frees the columns that the fields hold in this slot, each once. They are sorted where they stand: a store that goes
+// can ask for no memory.
 template <typename T>
 void FreeAllOf(formats_info& format, ColumnSlot<T> slot) {
-    std::vector<IColumn<T>*> columns;
-    for (field_info& field : format.fields) {
-        columns.push_back(std::exchange(field.*slot, nullptr));
-    }
+    auto columns = std::views::transform(
+        format.fields, [slot](field_info & field) -> auto& { return field.*slot; });
     std::ranges::sort(columns);
-    columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
-    std::ranges::for_each(columns, FreeColumn<T>);
+    IColumn<T>* freed = nullptr;
+    for (IColumn<T>*& held : columns) {
+        IColumn<T>* const column = std::exchange(held, nullptr);
+        if (column != freed) {
+            FreeColumn(column);
+            freed = column;
+        }
+    }
 }
 
 } // namespace

@@ -55,10 +55,8 @@ void ResetTexts(field_info& field) {
 
 MemoryResidentData::MemoryResidentData(IGlobalizationHelper* globalization, IDuplicateFormatHandler* duplicates,
                                        DefaultLogger* logger, BaseProgressManager* progress, CoreMessage* messages)
-    : formats_(static_cast<std::size_t>(kMaxFormats)),
-      globalization_(globalization),
-      duplicates_(duplicates),
-      names_(std::make_unique<FormatNames>()) {
+    : globalization_(globalization),
+      duplicates_(duplicates) {
     if (logger != nullptr) {
         LogManager::setInstance(logger); // frees it together with the one before
         LogManager::setInstance(nullptr);
@@ -69,6 +67,9 @@ MemoryResidentData::MemoryResidentData(IGlobalizationHelper* globalization, IDup
     if (messages != nullptr) {
         MessageManager::setInstance(messages);
     }
+    // Behind what is handed over: where there is no memory for these, somebody owns that already.
+    formats_.resize(static_cast<std::size_t>(kMaxFormats));
+    names_ = std::make_unique<FormatNames>();
 }
 
 MemoryResidentData::~MemoryResidentData() {
@@ -80,8 +81,15 @@ MemoryResidentData::~MemoryResidentData() {
 std::unique_ptr<MemoryResidentData> CreateMemoryResidentData(IGlobalizationHelper* globalization,
                                                              IDuplicateFormatHandler* duplicates, DefaultLogger* logger,
                                                              BaseProgressManager* progress, CoreMessage* messages) {
+    std::unique_ptr<IGlobalizationHelper> owned_globalization(globalization);
+    std::unique_ptr<IDuplicateFormatHandler> owned_duplicates(duplicates);
+    std::unique_ptr<DefaultLogger> owned_logger(logger);
+    std::unique_ptr<BaseProgressManager> owned_progress(progress);
+    std::unique_ptr<CoreMessage> owned_messages(messages);
+    // All are given up once the store has its memory, which new asks for first.
     return std::unique_ptr<MemoryResidentData>(
-        new MemoryResidentData(globalization, duplicates, logger, progress, messages));
+        new MemoryResidentData(owned_globalization.release(), owned_duplicates.release(), owned_logger.release(),
+                               owned_progress.release(), owned_messages.release()));
 }
 
 void MemoryResidentData::CreateDbFieldInfo(std::int32_t format, std::int32_t count) {

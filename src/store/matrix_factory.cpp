@@ -1,5 +1,7 @@
 #include "store/matrix_factory.h"
 
+#include "store/column_factory.h"
+
 #include <kestrona/classes.h>
 #include <kestrona/evaluate_columns.h>
 #include <kestrona/record_state_strategy.h>
@@ -23,8 +25,8 @@ MatrixEntry MakeMatrix(IMemoryResidentData& store, std::int32_t format, std::int
     matrix.isCalculated = store.ClassDefined(format, field, Classes::kEvaluate);
     const double default_value = store.GetDbDefaultValue(format, field);
     if (matrix.isCalculated) {
-        matrix.column =
-            std::make_unique<MatrixEvaluateColumn>(new NullRecordStateStrategy(), default_value, format, field, store);
+        matrix.column = std::make_unique<MatrixEvaluateColumn>(NewStrategy(new NullRecordStateStrategy()),
+                                                               default_value, format, field, store);
     } else {
         formats_info* const told = IsTracked(store, format, field, record) ? store.GetFormatInfo(format) : nullptr;
         matrix.cells = MatrixCells(told, format, default_value);

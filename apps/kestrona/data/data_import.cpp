@@ -7,8 +7,12 @@
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
 
+#include <dirent.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -27,16 +31,27 @@ constexpr double kUnset = -1.0;
 /// Files of the folder by the table name that they may stand for.
 using FilesByTable = std::unordered_map<std::string, fs::path>;
 
+struct DirectoryCloser {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+
+/// Null at the end, and with errno for a folder that cannot be read on.
+const dirent* NextEntry(DIR* directory) {
+    errno = 0;
+    return readdir(directory);
+}
+
+// Not with an iterator of std::filesystem, which ends the program where there is no memory for a name.
 bool ListFiles(const std::string& folder, FilesByTable& files, std::string& error) {
-    std::error_code failure;
+    const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(folder.c_str()));
     std::vector<fs::path> paths;
-    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end; entry.increment(failure)) {
-        if (entry->path().extension() == kExtension) {
-            paths.push_back(entry->path());
+    while (const dirent* const entry = directory != nullptr ? NextEntry(directory.get()) : nullptr) {
+        if (fs::path path = fs::path(folder) / entry->d_name; path.extension() == kExtension) {
+            paths.push_back(std::move(path));
         }
     }
-    if (failure) {
-        error = failure.message();
+    if (errno != 0) {
+        error = std::strerror(errno);
         return false;
     }
     std::sort(paths.begin(), paths.end());

@@ -206,8 +206,12 @@ constexpr std::array kEntries{
               "Very long texts.", "Choose another form to have them whole."},
 
     CodeEntry{Code::Unexpected, 9001, "Something went wrong that the tool has no sentence of its own for.",
-              "The message is that of the library or the system.", "Too little memory.",
-              "Try again with less data, and report it with the command line."},
+              "The message is that of the library or the system.", "A fault of the tool.",
+              "Report it with the command line."},
+    CodeEntry{Code::OutOfMemory, 9002, "There is not enough memory.",
+              "The system refused memory that the command needs; nothing was written.",
+              "A plant that is larger than the machine, or a limit that was set for the process.",
+              "Try again with fewer tables or more memory."},
 };
 
 constexpr std::size_t IndexOf(Code code) {

@@ -82,6 +82,7 @@ enum class Code : std::uint8_t {
     TextsCut,
     // Everything else
     Unexpected,
+    OutOfMemory,
     Count
 };
 

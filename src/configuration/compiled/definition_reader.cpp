@@ -2,6 +2,7 @@
 #include "configuration/compiled/definition_input.h"
 #include "configuration/compiled/format_block.h"
 #include "configuration/compiled/help_file.h"
+#include "platform/wide_c_string.h"
 
 #include <kestrona/definition_load.h>
 #include <kestrona/process.h>
@@ -81,7 +82,9 @@ bool ReadSubstitutions(MemoryResidentData& store, DefinitionInput& input) {
             result = input.ReadListText(to);
         }
         if (result == TextResult::Text) {
-            store.SetStringSubstitution(KSDLL_AddText(from.c_str()), KSDLL_AddText(to.c_str()));
+            Platform::OwnedWide owned(KSDLL_AddText(from.c_str()));
+            wchar_t* const other = KSDLL_AddText(to.c_str()); // there may be no memory for it
+            store.SetStringSubstitution(owned.release(), other);
         }
     }
     return result == TextResult::End;

@@ -98,6 +98,7 @@ public:
     [[nodiscard]] const std::wstring& Title() const { return title_; }
 
 private:
+    void Install(DefaultHostOptions& options);
     void InstallMessages(DefaultHostOptions& options);
     void InstallLogger(DefaultHostOptions& options);
     void InstallFeedback(DefaultHostOptions& options);
