@@ -2,6 +2,7 @@
 //
 // Every peer runs in the same program, so compare the ratios of one run. "each" is the time of one operation.
 #include "measure.h"
+#include "number_store.h"
 
 #include <kestrona/change_set.h>
 #include <kestrona/concrete_columns.h>
@@ -10,23 +11,19 @@
 #include <kestrona/schema_records.h>
 
 #include <boost/unordered/unordered_flat_map.hpp>
+#include <boost/unordered/unordered_flat_set.hpp>
 
 #include <algorithm>
 #include <cstdint>
-#include <latch>
 #include <map>
 #include <memory>
 #include <numeric>
 #include <random>
-#include <thread>
 #include <utility>
 #include <vector>
 
+namespace Kestrona::Bench {
 namespace {
-
-using namespace Kestrona;
-using namespace Kestrona::Bench;
-using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kColumns = 20;
 constexpr std::int32_t kMillion = 1000000;
@@ -52,10 +49,6 @@ std::vector<Cell> Cells(std::int32_t rows, Order order) {
                                           : Cell{step / rows % kColumns, step % rows};
     }
     return cells;
-}
-
-double ValueAt(std::int32_t field, std::int32_t record) {
-    return record * 0.5 + field + 1;
 }
 
 // Keeps the compiler from seeing through a call, as the border of a library does.
@@ -132,7 +125,7 @@ Plant<HandWritten> HandWrittenPlant(std::int32_t rows) {
     for (std::int32_t field = 0; field < kColumns; ++field) {
         std::vector<double> values;
         for (std::int32_t i = 0; i < rows; ++i) {
-            values.push_back(ValueAt(field, i));
+            values.push_back(CellValue(field, i));
         }
         plant.formats[0].push_back({std::make_unique<Column>(std::move(values))});
     }
@@ -146,7 +139,7 @@ Plant<IColumn<double>> LibraryPlant(std::int32_t rows, MakeColumn make) {
         std::unique_ptr<IColumn<double>> column = make();
         column->Resize(static_cast<std::uint32_t>(rows));
         for (std::int32_t i = 0; i < rows; ++i) {
-            column->SetValue(i, ValueAt(field, i));
+            column->SetValue(i, CellValue(field, i));
         }
         plant.formats[0].push_back({std::move(column)});
     }
@@ -214,7 +207,7 @@ void WriteTrackedColumns(benchmark::State& state) {
 void ReadBlocks(benchmark::State& state) {
     DoubleColumn column(new NullRecordStateStrategy, 0.0);
     for (std::int32_t i = 0; i < kMillion; ++i) {
-        column.SetValue(i, ValueAt(0, i));
+        column.SetValue(i, CellValue(0, i));
     }
     const IColumn<double>& cells = column;
     std::vector<double> block(1000);
@@ -235,24 +228,16 @@ void CellArguments(benchmark::internal::Benchmark* bench) {
         bench->Args({rows, static_cast<std::int64_t>(Order::Random)});
         bench->Args({rows, static_cast<std::int64_t>(Order::Sequential)});
     }
-    bench->Unit(benchmark::kMillisecond);
 }
 
 BENCHMARK(ReadHandWritten<HandWrittenDoubles>)->Apply(CellArguments);
 BENCHMARK(ReadHandWritten<HandWrittenTests>)->Apply(CellArguments);
 BENCHMARK(ReadDoubleColumns)->Apply(CellArguments);
-BENCHMARK(ReadBlocks)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadBlocks);
 BENCHMARK(WriteHandWritten<HandWrittenDoubles>)->Apply(CellArguments);
 BENCHMARK(WriteHandWritten<HandWrittenTests>)->Apply(CellArguments);
 BENCHMARK(WriteDoubleColumns)->Apply(CellArguments);
 BENCHMARK(WriteTrackedColumns)->Apply(CellArguments);
-
-std::vector<std::int32_t> Shuffled(std::int32_t count) {
-    std::vector<std::int32_t> numbers(static_cast<std::size_t>(count));
-    std::iota(numbers.begin(), numbers.end(), 0);
-    std::shuffle(numbers.begin(), numbers.end(), std::mt19937(2));
-    return numbers;
-}
 
 struct PagedMarks {
     ChangedRecords marks;
@@ -266,11 +251,24 @@ struct TreeMarks {
     void Mark(std::int32_t record) { marks[record] = true; }
 };
 
-// Argument: marks, each on another of 1 million records.
+struct HashMarks {
+    boost::unordered_flat_set<std::int32_t> marks;
+
+    void Mark(std::int32_t record) { marks.insert(record); }
+};
+
+struct BitMarks {
+    std::vector<bool> marks = std::vector<bool>(5 * static_cast<std::size_t>(kMillion));
+
+    void Mark(std::int32_t record) { marks[static_cast<std::size_t>(record)] = true; }
+};
+
+// Argument: marks, each on another of 1 million records, or of as many as there are marks.
 template <typename Marks>
 void MarkRecords(benchmark::State& state) {
-    auto records = Shuffled(kMillion);
-    records.resize(static_cast<std::size_t>(state.range(0)));
+    const auto count = static_cast<std::int32_t>(state.range(0));
+    auto records = ShuffledNumbers(std::max(count, kMillion), 0);
+    records.resize(static_cast<std::size_t>(count));
     for (auto _ : state) {
         Marks marks;
         for (const std::int32_t record : records) {
@@ -281,13 +279,15 @@ void MarkRecords(benchmark::State& state) {
     CountEach(state, static_cast<double>(records.size()));
 }
 
-BENCHMARK(MarkRecords<PagedMarks>)->Arg(10000)->Arg(100000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
-BENCHMARK(MarkRecords<TreeMarks>)->Arg(10000)->Arg(100000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
+BENCHMARK(MarkRecords<PagedMarks>)->Apply(GrowthSizes);
+BENCHMARK(MarkRecords<HashMarks>)->Apply(PeerSizes);
+BENCHMARK(MarkRecords<TreeMarks>)->Apply(PeerSizes);
+BENCHMARK(MarkRecords<BitMarks>)->Apply(PeerSizes);
 
 // Values 0 to distinct - 1, in random order where each occurs once.
 std::vector<double> Keys(std::int32_t rows, std::int32_t distinct) {
     std::vector<double> keys;
-    for (const std::int32_t number : Shuffled(rows)) {
+    for (const std::int32_t number : ShuffledNumbers(rows, 0)) {
         keys.push_back(number % distinct);
     }
     return keys;
@@ -303,18 +303,26 @@ std::unique_ptr<IColumn<double>> IndexedKeys(const std::vector<double>& keys) {
 
 using MapOfVectors = boost::unordered_flat_map<double, std::vector<std::int32_t>>;
 
-// Argument: distinct values among 1 million rows.
-void BuildIndex(benchmark::State& state) {
-    const auto column = IndexedKeys(Keys(kMillion, static_cast<std::int32_t>(state.range(0))));
+// As many distinct values as rows.
+constexpr std::int32_t kAllDistinct = 0;
+
+// Argument: rows.
+std::vector<double> IndexKeys(const benchmark::State& state, std::int32_t distinct) {
+    const auto rows = static_cast<std::int32_t>(state.range(0));
+    return Keys(rows, distinct == kAllDistinct ? rows : distinct);
+}
+
+void BuildIndex(benchmark::State& state, std::int32_t distinct) {
+    const auto column = IndexedKeys(IndexKeys(state, distinct));
     for (auto _ : state) {
         column->BeginBulkUpdate();
         column->EndBulkUpdate();
     }
-    CountEach(state, kMillion);
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
-void BuildMapOfVectors(benchmark::State& state) {
-    const auto keys = Keys(kMillion, static_cast<std::int32_t>(state.range(0)));
+void BuildMapOfVectors(benchmark::State& state, std::int32_t distinct) {
+    const auto keys = IndexKeys(state, distinct);
     MeasureFresh(
         state, [] { return MapOfVectors(); },
         [&](MapOfVectors& map) {
@@ -322,15 +330,37 @@ void BuildMapOfVectors(benchmark::State& state) {
                 map[keys[i]].push_back(static_cast<std::int32_t>(i));
             }
         });
-    CountEach(state, kMillion);
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
-void DistinctCounts(benchmark::internal::Benchmark* bench) {
-    bench->ArgName("distinct")->Arg(kMillion)->Arg(kMillion / 3)->Arg(1000)->Arg(2)->Unit(benchmark::kMillisecond);
+// What is left where the values are known to be numbered without gaps: count them, then put each row in its place.
+void BuildByCounting(benchmark::State& state, std::int32_t distinct) {
+    const auto keys = IndexKeys(state, distinct);
+    for (auto _ : state) {
+        std::vector<std::int32_t> ends(keys.size() + 1);
+        std::vector<std::int32_t> rows(keys.size());
+        for (const double key : keys) {
+            ++ends[static_cast<std::size_t>(key) + 1];
+        }
+        std::partial_sum(ends.begin(), ends.end(), ends.begin());
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            rows[static_cast<std::size_t>(ends[static_cast<std::size_t>(keys[i])]++)] = static_cast<std::int32_t>(i);
+        }
+        benchmark::DoNotOptimize(rows.data());
+    }
+    CountEach(state, static_cast<double>(state.range(0)));
 }
 
-BENCHMARK(BuildIndex)->Apply(DistinctCounts);
-BENCHMARK(BuildMapOfVectors)->Apply(DistinctCounts);
+#define KS_INDEXES(name, distinct)                                                                                     \
+    BENCHMARK_CAPTURE(BuildIndex, name, distinct)->Apply(PeerSizes);                                                   \
+    BENCHMARK_CAPTURE(BuildMapOfVectors, name, distinct)->Apply(PeerSizes);                                            \
+    BENCHMARK_CAPTURE(BuildByCounting, name, distinct)->Apply(PeerSizes)
+
+KS_INDEXES(distinct, kAllDistinct);
+KS_INDEXES(1000_values, 1000);
+KS_INDEXES(2_values, 2);
+BENCHMARK_CAPTURE(BuildIndex, distinct, kAllDistinct)->Apply(OtherGrowthSizes);
+BENCHMARK_CAPTURE(BuildIndex, 1000_values, 1000)->Apply(OtherGrowthSizes);
 
 // Argument: rows, all with different keys.
 std::vector<double> AllKeys(const benchmark::State& state) {
@@ -359,59 +389,80 @@ void LookUpInIndex(benchmark::State& state) {
     CountEach(state, static_cast<double>(kProbes));
 }
 
-void LookUpInFlatMap(benchmark::State& state) {
-    const auto keys = AllKeys(state);
-    const auto probes = Probes(keys);
-    boost::unordered_flat_map<double, std::int32_t> map;
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        map.emplace(keys[i], static_cast<std::int32_t>(i));
-    }
-    std::int64_t sum = 0;
-    for (auto _ : state) {
-        for (const double probe : probes) {
-            sum += map.find(probe)->second;
-        }
-    }
-    benchmark::DoNotOptimize(sum);
-    CountEach(state, static_cast<double>(kProbes));
-}
+BENCHMARK(LookUpInIndex)->Apply(PeerSizes);
 
-BENCHMARK(LookUpInIndex)->Arg(10000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
-BENCHMARK(LookUpInFlatMap)->Arg(10000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
-
-// 1 million rows with the values 0 and 1 in equal number; moves random rows from one value to the other.
-// The argument is the number of moves before each search.
-void MoveRows(benchmark::State& state) {
-    const auto column = IndexedKeys(Keys(kMillion, 2));
+// Moves random rows from one to the other of two values that half of the rows have each. Arguments: rows, and moves
+// before each search.
+void MoveAndSearch(benchmark::State& state, std::int64_t rows, std::int64_t moves) {
+    const auto count = static_cast<std::int32_t>(rows);
+    const auto column = IndexedKeys(Keys(count, 2));
     const auto count_ones = [&] {
         return std::unique_ptr<FindResult>(column->FindAll(1.0))->Size();
     };
-    const auto moves = static_cast<std::int32_t>(state.range(0));
     std::mt19937 random(3);
     std::size_t ones = count_ones();
     for (auto _ : state) {
-        for (std::int32_t i = 0; i < moves; ++i) {
-            const auto record = static_cast<std::int32_t>(random() % kMillion);
+        for (std::int64_t i = 0; i < moves; ++i) {
+            const auto record = static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(count));
             column->SetValue(record, 1.0 - column->GetValue(record));
         }
         ones += count_ones();
     }
     benchmark::DoNotOptimize(ones);
-    CountEach(state, moves);
+    CountEach(state, static_cast<double>(moves));
 }
 
-BENCHMARK(MoveRows)->Arg(1)->Arg(10)->Arg(1000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
-
-// The same lookups where the index must take its lock. Last of all: a process that has had a second thread may count as
-// one with threads from then on.
-void LookUpInLockedIndex(benchmark::State& state) {
-    std::latch done(1);
-    std::thread other([&done] { done.wait(); });
-    LookUpInIndex(state);
-    done.count_down();
-    other.join();
+void MoveRows(benchmark::State& state) {
+    MoveAndSearch(state, state.range(0), state.range(0));
 }
 
-BENCHMARK(LookUpInLockedIndex)->Arg(10000)->Arg(kMillion)->Unit(benchmark::kMillisecond);
+void MoveFewRows(benchmark::State& state) {
+    MoveAndSearch(state, kMillion, state.range(0));
+}
+
+struct HashRows {
+    boost::unordered_flat_set<std::int32_t> rows;
+
+    void Add(std::int32_t row) { rows.insert(row); }
+
+    void Remove(std::int32_t row) { rows.erase(row); }
+};
+
+struct BitRows {
+    std::vector<bool> rows = std::vector<bool>(static_cast<std::size_t>(kMillion));
+
+    void Add(std::int32_t row) { rows[static_cast<std::size_t>(row)] = true; }
+
+    void Remove(std::int32_t row) { rows[static_cast<std::size_t>(row)] = false; }
+};
+
+template <typename Rows>
+void MoveRowsByHand(benchmark::State& state) {
+    const auto count = static_cast<std::int32_t>(state.range(0));
+    std::vector<std::int8_t> values(static_cast<std::size_t>(count));
+    Rows rows_of[2];
+    for (std::int32_t row = 0; row < count; ++row) {
+        values[static_cast<std::size_t>(row)] = static_cast<std::int8_t>(row % 2);
+        rows_of[row % 2].Add(row);
+    }
+    std::mt19937 random(3);
+    for (auto _ : state) {
+        for (std::int32_t i = 0; i < count; ++i) {
+            const auto row = static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(count));
+            std::int8_t& value = values[static_cast<std::size_t>(row)];
+            rows_of[value].Remove(row);
+            value = static_cast<std::int8_t>(1 - value);
+            rows_of[value].Add(row);
+        }
+        benchmark::DoNotOptimize(rows_of);
+    }
+    CountEach(state, static_cast<double>(count));
+}
+
+BENCHMARK(MoveRows)->Apply(GrowthSizes);
+BENCHMARK(MoveRowsByHand<HashRows>)->Apply(PeerSizes);
+BENCHMARK(MoveRowsByHand<BitRows>)->Apply(PeerSizes);
+BENCHMARK(MoveFewRows)->Arg(1)->Arg(10)->Arg(1000);
 
 } // namespace
+} // namespace Kestrona::Bench

@@ -3,10 +3,10 @@
 // "keywords" is the number of parsers, or patterns, that an iteration runs. Compare the figures of one run.
 
 #include "configuration/parsers/parser_cases.h"
+#include "measure.h"
 
 #include <kestrona/classification_readers.h>
-
-#include <benchmark/benchmark.h>
+#include <kestrona/unicode.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
+namespace Kestrona::Bench {
 namespace {
 
-using namespace Kestrona;
-using namespace Kestrona::Configuration::Parsers;
+using namespace Configuration::Parsers;
 using ParsersTest::ParserCase;
 using ParsersTest::ParserCases;
 
@@ -64,7 +64,7 @@ void CountKeywords(benchmark::State& state, std::size_t keywords) {
     state.counters["keywords"] = static_cast<double>(keywords);
 }
 
-void BM_KeywordFirst(benchmark::State& state, const std::wstring& text) {
+void KeywordFirst(benchmark::State& state, const std::wstring& text) {
     const auto parsers = AllParsers();
     double found = 0.0;
     for (const auto& parser : parsers) {
@@ -79,7 +79,7 @@ void BM_KeywordFirst(benchmark::State& state, const std::wstring& text) {
     state.counters["found"] = found;
 }
 
-void BM_PatternsAlone(benchmark::State& state, const std::wstring& text) {
+void PatternsAlone(benchmark::State& state, const std::wstring& text) {
     Platform::PatternMatch match;
     for (auto _ : state) {
         for (const ParserCase& c : ParserCases()) {
@@ -89,7 +89,7 @@ void BM_PatternsAlone(benchmark::State& state, const std::wstring& text) {
     CountKeywords(state, ParserCases().size());
 }
 
-void BM_StandardPatternsAlone(benchmark::State& state, const std::wstring& text) {
+void StandardPatternsAlone(benchmark::State& state, const std::wstring& text) {
     std::vector<std::wregex> patterns;
     for (const ParserCase& c : ParserCases()) {
         patterns.emplace_back(c.pattern);
@@ -103,7 +103,21 @@ void BM_StandardPatternsAlone(benchmark::State& state, const std::wstring& text)
     CountKeywords(state, patterns.size());
 }
 
-void BM_GrowthOrdinary(benchmark::State& state) {
+// The least that a search can cost: a look for each keyword.
+void FindKeywords(benchmark::State& state, const std::wstring& text) {
+    std::vector<std::wstring> keywords;
+    for (const ParserCase& c : ParserCases()) {
+        keywords.push_back(Kestrona::FromUtf8(c.name));
+    }
+    for (auto _ : state) {
+        for (const std::wstring& keyword : keywords) {
+            benchmark::DoNotOptimize(text.find(keyword));
+        }
+    }
+    CountKeywords(state, keywords.size());
+}
+
+void GrowthOrdinary(benchmark::State& state) {
     const auto parsers = AllParsers();
     const std::wstring text =
         Repeated(L"INTEGER | SHOW DATE | INHERIT FROM PARENT | ", static_cast<std::size_t>(state.range(0)));
@@ -117,7 +131,7 @@ void BM_GrowthOrdinary(benchmark::State& state) {
 }
 
 // Texts of one keyword over and over that nearly matches.
-void BM_GrowthNearMisses(benchmark::State& state, const char* name, const wchar_t* unit, const wchar_t* tail) {
+void GrowthNearMisses(benchmark::State& state, const char* name, const wchar_t* unit, const wchar_t* tail) {
     const ParserCase& c = CaseOf(name);
     const std::wstring text = Repeated(unit, static_cast<std::size_t>(state.range(0))) + tail;
     for (auto _ : state) {
@@ -126,7 +140,7 @@ void BM_GrowthNearMisses(benchmark::State& state, const char* name, const wchar_
     state.SetComplexityN(state.range(0));
 }
 
-void BM_GrowthEntries(benchmark::State& state) {
+void GrowthEntries(benchmark::State& state) {
     const std::wstring text = Repeated(L"SUBSTITUTE(17->\"Painted red\") | ", static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
         benchmark::DoNotOptimize(Parse_SUBSTITUTE(text));
@@ -134,22 +148,25 @@ void BM_GrowthEntries(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
 }
 
-BENCHMARK_CAPTURE(BM_KeywordFirst, none, std::wstring(200, L'|'));
-BENCHMARK_CAPTURE(BM_KeywordFirst, few, kFewKeywords);
-BENCHMARK_CAPTURE(BM_KeywordFirst, many, kManyKeywords);
-BENCHMARK_CAPTURE(BM_PatternsAlone, few, kFewKeywords);
-BENCHMARK_CAPTURE(BM_PatternsAlone, many, kManyKeywords);
-BENCHMARK_CAPTURE(BM_StandardPatternsAlone, few, kFewKeywords);
-BENCHMARK_CAPTURE(BM_StandardPatternsAlone, many, kManyKeywords);
+BENCHMARK_CAPTURE(KeywordFirst, none, std::wstring(200, L'|'));
+BENCHMARK_CAPTURE(KeywordFirst, few, kFewKeywords);
+BENCHMARK_CAPTURE(KeywordFirst, many, kManyKeywords);
+BENCHMARK_CAPTURE(FindKeywords, few, kFewKeywords);
+BENCHMARK_CAPTURE(FindKeywords, many, kManyKeywords);
+BENCHMARK_CAPTURE(PatternsAlone, few, kFewKeywords);
+BENCHMARK_CAPTURE(PatternsAlone, many, kManyKeywords);
+BENCHMARK_CAPTURE(StandardPatternsAlone, few, kFewKeywords);
+BENCHMARK_CAPTURE(StandardPatternsAlone, many, kManyKeywords);
 
 void Lengths(benchmark::internal::Benchmark* benchmark) {
     benchmark->RangeMultiplier(10)->Range(1000, 100000)->Complexity();
 }
 
-BENCHMARK(BM_GrowthOrdinary)->Apply(Lengths);
-BENCHMARK(BM_GrowthEntries)->Apply(Lengths);
-BENCHMARK_CAPTURE(BM_GrowthNearMisses, SUBSTITUTE, "SUBSTITUTE", L"SUBSTITUTE( ", L"")->Apply(Lengths);
-BENCHMARK_CAPTURE(BM_GrowthNearMisses, FORMAT, "FORMAT", L"FORMAT(", L" x)")->Apply(Lengths);
-BENCHMARK_CAPTURE(BM_GrowthNearMisses, REMOTE, "REMOTE", L"REMOTE(", L"x) y")->Apply(Lengths);
+BENCHMARK(GrowthOrdinary)->Apply(Lengths);
+BENCHMARK(GrowthEntries)->Apply(Lengths);
+BENCHMARK_CAPTURE(GrowthNearMisses, SUBSTITUTE, "SUBSTITUTE", L"SUBSTITUTE( ", L"")->Apply(Lengths);
+BENCHMARK_CAPTURE(GrowthNearMisses, FORMAT, "FORMAT", L"FORMAT(", L" x)")->Apply(Lengths);
+BENCHMARK_CAPTURE(GrowthNearMisses, REMOTE, "REMOTE", L"REMOTE(", L"x) y")->Apply(Lengths);
 
 } // namespace
+} // namespace Kestrona::Bench

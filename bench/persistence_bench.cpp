@@ -1,238 +1,247 @@
 // Saving and loading the records of a table, beside stdio by column, memcpy and SQLite, and compressing files beside
-// zlib's own loop. Every peer runs in the same program, so compare the ratios of one run. Files go to the folder for
-// temporary files (TMPDIR); what the disk does is left to the system.
-
+// zlib's own loop. Files go to the folder for temporary files (TMPDIR). The argument is the number of records; "each"
+// is the time for one of them, with 20 numbers, or with 2 in the file that is compressed.
+#include "measure.h"
 #include "number_store.h"
+#include "sqlite_database.h"
 
 #include <kestrona/data_compressor.h>
 #include <kestrona/store.h>
 #include <kestrona/table_storage.h>
 #include <kestrona/unicode.h>
 
-#include <benchmark/benchmark.h>
-#include <sqlite3.h>
+#include <unistd.h>
 #include <zlib.h>
 
 #include <array>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+namespace Kestrona::Bench {
 namespace {
 
-using namespace Kestrona;
-using namespace Kestrona::Data::MemoryResident;
 using Common::TableStorage;
 
 constexpr std::int32_t kFields = 20;
-constexpr std::int32_t kRecords = 1000000;
-constexpr std::int64_t kBytes = std::int64_t{kFields} * kRecords * std::int64_t{sizeof(double)};
+constexpr std::int32_t kCompressedFields = 2;
 
 struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 using File = std::unique_ptr<std::FILE, Closer>;
-using Column = std::vector<double>;
-using Columns = std::vector<Column>;
 
+// Of this process alone, so that another run beside it keeps its own.
 std::string Path(const std::string& name) {
-    return std::filesystem::temp_directory_path() / ("kestrona_bench_" + name);
+    return std::filesystem::temp_directory_path() / ("kestrona_bench_" + std::to_string(getpid()) + "_" + name);
 }
 
-double ValueAt(std::int32_t field, std::int32_t record) {
-    return record * 0.5 + field + 1.0;
-}
-
-const Columns& FilledColumns() {
-    static const Columns columns = [] {
-        Columns made(kFields, Column(kRecords));
-        for (std::int32_t field = 0; field < kFields; ++field) {
-            for (std::int32_t record = 0; record < kRecords; ++record) {
-                made[static_cast<std::size_t>(field)][static_cast<std::size_t>(record)] = ValueAt(field, record);
-            }
-        }
-        return made;
-    }();
-    return columns;
-}
-
-MemoryResidentData& FilledStore() {
-    static const std::unique_ptr<MemoryResidentData> store = [] {
-        auto made = Bench::MakeNumberStore(kFields);
-        made->SetCurrentDbSize(0, kRecords);
-        for (std::int32_t field = 0; field < kFields; ++field) {
-            for (std::int32_t record = 0; record < kRecords; ++record) {
-                made->SetDbValue(0, field, record, ValueAt(field, record));
-            }
-        }
-        return made;
-    }();
-    return *store;
-}
-
-void SaveTable(benchmark::State& state) {
-    MemoryResidentData& store = FilledStore();
-    for (auto _ : state) {
-        const File file(std::fopen(Path("table").c_str(), "wb"));
-        TableStorage::WriteTableData(store, 0, file.get());
+File Open(const std::string& name, const char* mode) {
+    File file(std::fopen(Path(name).c_str(), mode));
+    if (!file) {
+        throw std::runtime_error("cannot open " + Path(name));
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    return file;
 }
 
-void WriteColumns(benchmark::State& state) {
-    const Columns& columns = FilledColumns();
-    for (auto _ : state) {
-        const File file(std::fopen(Path("columns").c_str(), "wb"));
-        for (const Column& column : columns) {
-            std::fwrite(column.data(), sizeof(double), column.size(), file.get());
+// Takes the files away at the end of the program.
+class Files {
+public:
+    Files() = default;
+    Files(const Files&) = delete;
+    Files& operator=(const Files&) = delete;
+
+    ~Files() {
+        for (const char* name : {"table", "columns", "database", "source", "compressed", "back", "deflated"}) {
+            std::filesystem::remove(Path(name));
         }
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
-}
-
-void LoadTable(benchmark::State& state) {
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto store = Bench::MakeNumberStore(kFields);
-        state.ResumeTiming();
-        {
-            const File file(std::fopen(Path("table").c_str(), "rb"));
-            TableStorage::ReadTableData(*store, 0, file.get());
-        }
-        state.PauseTiming();
-        if (store->GetDbValue(0, kFields - 1, kRecords - 1) != ValueAt(kFields - 1, kRecords - 1)) {
-            state.SkipWithError("the table came back different");
-        }
-        store.reset();
-        state.ResumeTiming();
-    }
-    state.SetBytesProcessed(state.iterations() * kBytes);
-}
-
-void ReadColumns(benchmark::State& state) {
-    for (auto _ : state) {
-        Columns columns(kFields);
-        {
-            const File file(std::fopen(Path("columns").c_str(), "rb"));
-            for (Column& column : columns) {
-                column.resize(kRecords);
-                if (std::fread(column.data(), sizeof(double), column.size(), file.get()) != column.size()) {
-                    state.SkipWithError("the columns came back short");
-                }
-            }
-        }
-        state.PauseTiming();
-        columns.clear();
-        state.ResumeTiming();
-    }
-    state.SetBytesProcessed(state.iterations() * kBytes);
-}
-
-void CopyColumns(benchmark::State& state) {
-    const Columns& source = FilledColumns();
-    for (auto _ : state) {
-        Columns columns(kFields);
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            columns[i].resize(kRecords);
-            std::memcpy(columns[i].data(), source[i].data(), kRecords * sizeof(double));
-        }
-        benchmark::DoNotOptimize(columns);
-        state.PauseTiming();
-        columns.clear();
-        state.ResumeTiming();
-    }
-    state.SetBytesProcessed(state.iterations() * kBytes);
-}
-
-struct CloseDatabase {
-    void operator()(sqlite3* database) const { sqlite3_close(database); }
 };
 
-struct FinishStatement {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
+const Files files;
 
-using Database = std::unique_ptr<sqlite3, CloseDatabase>;
-using Statement = std::unique_ptr<sqlite3_stmt, FinishStatement>;
-
-Database OpenDatabase() {
-    sqlite3* opened = nullptr;
-    sqlite3_open(Path("database").c_str(), &opened);
-    sqlite3_exec(opened, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
-    return Database(opened);
+Columns MakeVectors(std::int64_t records) {
+    return MakeColumns(kFields, static_cast<std::int32_t>(records));
 }
 
-Statement Prepare(sqlite3* database, const std::string& text) {
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_prepare_v2(database, text.c_str(), -1, &statement, nullptr);
-    return Statement(statement);
+std::unique_ptr<MemoryResidentData> MakeStore(std::int64_t records) {
+    return MakeNumberStore(kFields, static_cast<std::int32_t>(records));
 }
 
-// One transaction without journal or flush: the fastest that it has.
-void SaveToDatabase(benchmark::State& state) {
-    const Columns& columns = FilledColumns();
+void WriteTable(MemoryResidentData& store, const std::string& name) {
+    const File file = Open(name, "wb");
+    TableStorage::WriteTableData(store, 0, file.get());
+}
+
+void WriteVectors(const Columns& columns) {
+    const File file = Open("columns", "wb");
+    for (const Column& column : columns) {
+        std::fwrite(column.data(), sizeof(double), column.size(), file.get());
+    }
+}
+
+// SQLite without journal or flush: the fastest that it has.
+void WriteDatabase(const Columns& columns) {
+    std::filesystem::remove(Path("database"));
     std::string names = "f0 REAL";
     std::string marks = "?";
     for (std::int32_t field = 1; field < kFields; ++field) {
         names += ", f" + std::to_string(field) + " REAL";
         marks += ", ?";
     }
-    for (auto _ : state) {
-        std::filesystem::remove(Path("database"));
-        const Database database = OpenDatabase();
-        sqlite3_exec(database.get(), ("CREATE TABLE records(" + names + "); BEGIN").c_str(), nullptr, nullptr, nullptr);
-        const Statement insert = Prepare(database.get(), "INSERT INTO records VALUES(" + marks + ")");
-        for (std::size_t record = 0; record < kRecords; ++record) {
-            for (int field = 0; field < kFields; ++field) {
-                sqlite3_bind_double(insert.get(), field + 1, columns[static_cast<std::size_t>(field)][record]);
-            }
-            sqlite3_step(insert.get());
-            sqlite3_reset(insert.get());
+    Database database(Path("database"));
+    database.Execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; CREATE TABLE records(" + names + "); BEGIN");
+    const Statement insert = database.Prepare("INSERT INTO records VALUES(" + marks + ")");
+    for (std::size_t record = 0; record < columns[0].size(); ++record) {
+        for (int field = 0; field < kFields; ++field) {
+            sqlite3_bind_double(insert.get(), field + 1, columns[static_cast<std::size_t>(field)][record]);
         }
-        sqlite3_exec(database.get(), "COMMIT", nullptr, nullptr, nullptr);
+        RunOnce(insert);
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    database.Execute("COMMIT");
+}
+
+// Makes the file that a benchmark reads, if the one that is there is not of this size.
+template <typename Write>
+void NeedFile(const std::string& name, std::int64_t records, Write write) {
+    static std::map<std::string, std::int64_t> made;
+    if (made[name] != records) {
+        write();
+        made[name] = records;
+    }
+}
+
+void CountRecords(benchmark::State& state) {
+    CountEach(state, static_cast<double>(state.range(0)));
+}
+
+void SaveTable(benchmark::State& state) {
+    MemoryResidentData& store = *OfSize<MakeStore>(state.range(0));
+    for (auto _ : state) {
+        WriteTable(store, "table");
+    }
+    CountRecords(state);
+}
+
+void WriteColumns(benchmark::State& state) {
+    const Columns& columns = OfSize<MakeVectors>(state.range(0));
+    for (auto _ : state) {
+        WriteVectors(columns);
+    }
+    CountRecords(state);
+}
+
+void SaveToDatabase(benchmark::State& state) {
+    const Columns& columns = OfSize<MakeVectors>(state.range(0));
+    for (auto _ : state) {
+        WriteDatabase(columns);
+    }
+    CountRecords(state);
+}
+
+void LoadTable(benchmark::State& state) {
+    const auto records = static_cast<std::int32_t>(state.range(0));
+    WriteTable(*OfSize<MakeStore>(records), "table");
+    MeasureFresh(
+        state, [] { return MakeNumberStore(kFields); },
+        [](const auto& store) {
+            const File file = Open("table", "rb");
+            TableStorage::ReadTableData(*store, 0, file.get());
+        },
+        [&](const auto& store) {
+            if (store->GetDbValue(0, kFields - 1, records - 1) != CellValue(kFields - 1, records - 1)) {
+                state.SkipWithError("the table came back different");
+            }
+        });
+    CountRecords(state);
+}
+
+void ReadColumns(benchmark::State& state) {
+    const auto records = static_cast<std::size_t>(state.range(0));
+    WriteVectors(OfSize<MakeVectors>(state.range(0)));
+    MeasureFresh(
+        state, [] { return Columns(kFields); },
+        [&](Columns& columns) {
+            const File file = Open("columns", "rb");
+            for (Column& column : columns) {
+                column.resize(records);
+                if (std::fread(column.data(), sizeof(double), records, file.get()) != records) {
+                    state.SkipWithError("the columns came back short");
+                }
+            }
+        });
+    CountRecords(state);
+}
+
+void CopyColumns(benchmark::State& state) {
+    const Columns& source = OfSize<MakeVectors>(state.range(0));
+    MeasureFresh(
+        state, [] { return Columns(kFields); },
+        [&](Columns& columns) {
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                columns[i].resize(source[i].size());
+                std::memcpy(columns[i].data(), source[i].data(), source[i].size() * sizeof(double));
+            }
+        });
+    CountRecords(state);
 }
 
 void LoadFromDatabase(benchmark::State& state) {
+    const auto records = static_cast<std::size_t>(state.range(0));
+    WriteDatabase(OfSize<MakeVectors>(state.range(0)));
     for (auto _ : state) {
-        const Database database = OpenDatabase();
-        const Statement select = Prepare(database.get(), "SELECT * FROM records");
+        Database database(Path("database"));
+        const Statement select = database.Prepare("SELECT * FROM records");
         Columns columns(kFields);
         while (sqlite3_step(select.get()) == SQLITE_ROW) {
             for (int field = 0; field < kFields; ++field) {
                 columns[static_cast<std::size_t>(field)].push_back(sqlite3_column_double(select.get(), field));
             }
         }
-        if (columns[0].size() != kRecords) {
+        if (columns[0].size() != records) {
             state.SkipWithError("the database came back short");
         }
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    CountRecords(state);
+}
+
+// The file to compress.
+void NeedSource(std::int64_t records) {
+    NeedFile("source", records,
+             [&] { WriteTable(*MakeNumberStore(kCompressedFields, static_cast<std::int32_t>(records)), "source"); });
+}
+
+bool Compress() {
+    DataCompressor::DataCompressor compressor;
+    return compressor.CompressFile(FromUtf8(Path("source")), FromUtf8(Path("compressed"))) == 0;
 }
 
 void CompressFile(benchmark::State& state) {
-    DataCompressor::DataCompressor compressor;
+    NeedSource(state.range(0));
     for (auto _ : state) {
-        if (compressor.CompressFile(FromUtf8(Path("table")), FromUtf8(Path("compressed"))) != 0) {
+        if (!Compress()) {
             state.SkipWithError("not compressed");
         }
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    CountRecords(state);
 }
 
 void DecompressFile(benchmark::State& state) {
+    NeedSource(state.range(0));
+    NeedFile("compressed", state.range(0), Compress);
     DataCompressor::DataCompressor compressor;
     for (auto _ : state) {
-        if (compressor.DecompressFile(FromUtf8(Path("compressed")), FromUtf8(Path("decompressed"))) != 0) {
+        if (compressor.DecompressFile(FromUtf8(Path("compressed")), FromUtf8(Path("back"))) != 0) {
             state.SkipWithError("not decompressed");
         }
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    CountRecords(state);
 }
 
 constexpr std::size_t kPiece = 16384;
@@ -241,8 +250,8 @@ using Piece = std::array<unsigned char, kPiece>;
 // The loop of zlib's own example, both ways.
 template <typename Step>
 void RunZlib(z_stream& stream, const std::string& source, const std::string& target, Step step) {
-    const File in(std::fopen(Path(source).c_str(), "rb"));
-    const File out(std::fopen(Path(target).c_str(), "wb"));
+    const File in = Open(source, "rb");
+    const File out = Open(target, "wb");
     static Piece input;
     static Piece output;
     int flush = Z_NO_FLUSH;
@@ -259,47 +268,66 @@ void RunZlib(z_stream& stream, const std::string& source, const std::string& tar
     }
 }
 
+void DeflateOnce() {
+    z_stream stream{};
+    deflateInit(&stream, Z_DEFAULT_COMPRESSION);
+    RunZlib(stream, "source", "deflated", deflate);
+    deflateEnd(&stream);
+}
+
 void Deflate(benchmark::State& state) {
+    NeedSource(state.range(0));
     for (auto _ : state) {
-        z_stream stream{};
-        if (deflateInit(&stream, Z_DEFAULT_COMPRESSION) != Z_OK) {
-            return state.SkipWithError("zlib does not start");
-        }
-        RunZlib(stream, "table", "deflated", deflate);
-        deflateEnd(&stream);
+        DeflateOnce();
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    CountRecords(state);
 }
 
 void Inflate(benchmark::State& state) {
+    NeedSource(state.range(0));
+    NeedFile("deflated", state.range(0), DeflateOnce);
     for (auto _ : state) {
         z_stream stream{};
-        if (inflateInit(&stream) != Z_OK) {
-            return state.SkipWithError("zlib does not start");
-        }
-        RunZlib(stream, "compressed", "inflated", [](z_stream* of, int) { inflate(of, Z_NO_FLUSH); });
+        inflateInit(&stream);
+        RunZlib(stream, "deflated", "back", [](z_stream* of, int) { inflate(of, Z_NO_FLUSH); });
         inflateEnd(&stream);
     }
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    CountRecords(state);
 }
 
-void RemoveFiles(const benchmark::State&) {
-    for (const char* name : {"table", "columns", "database", "compressed", "decompressed", "deflated", "inflated"}) {
-        std::filesystem::remove(Path(name));
+std::vector<Bytef> ReadSource() {
+    std::vector<Bytef> bytes(std::filesystem::file_size(Path("source")));
+    const File file = Open("source", "rb");
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+    return bytes;
+}
+
+// zlib with the whole file in memory.
+void DeflateMemory(benchmark::State& state) {
+    NeedSource(state.range(0));
+    const std::vector<Bytef> bytes = ReadSource();
+    std::vector<Bytef> out(compressBound(bytes.size()));
+    for (auto _ : state) {
+        uLongf size = out.size();
+        if (compress(out.data(), &size, bytes.data(), bytes.size()) != Z_OK) {
+            state.SkipWithError("not compressed");
+        }
     }
+    CountRecords(state);
 }
 
-// The order matters: who reads follows who writes.
-BENCHMARK(SaveTable)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(WriteColumns)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(LoadTable)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(ReadColumns)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(CopyColumns)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(SaveToDatabase)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(LoadFromDatabase)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(CompressFile)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(Deflate)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(DecompressFile)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(Inflate)->Unit(benchmark::kMillisecond)->UseRealTime()->Teardown(RemoveFiles);
+BENCHMARK(SaveTable)->Apply(GrowthSizes);
+BENCHMARK(WriteColumns)->Apply(PeerSizes);
+BENCHMARK(LoadTable)->Apply(GrowthSizes);
+BENCHMARK(ReadColumns)->Apply(PeerSizes);
+BENCHMARK(CopyColumns)->Apply(PeerSizes);
+BENCHMARK(SaveToDatabase)->Apply(PeerSizes);
+BENCHMARK(LoadFromDatabase)->Apply(PeerSizes);
+BENCHMARK(CompressFile)->Apply(GrowthSizes);
+BENCHMARK(Deflate)->Apply(PeerSizes);
+BENCHMARK(DeflateMemory)->Apply(PeerSizes);
+BENCHMARK(DecompressFile)->Apply(GrowthSizes);
+BENCHMARK(Inflate)->Apply(PeerSizes);
 
 } // namespace
+} // namespace Kestrona::Bench

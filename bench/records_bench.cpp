@@ -1,7 +1,8 @@
-// Records that come and go, beside plain vectors and SQLite in memory that do the same. Every peer runs in the same
-// program, so compare the ratios of one run. "each" is the time of one record.
+// Records that come and go, beside plain vectors and SQLite in memory that do the same, and beside copying the memory
+// that must move. The argument is the number of records there are; "each" is the time of one.
 #include "fixtures/schema.h"
 #include "measure.h"
+#include "number_store.h"
 #include "sqlite_database.h"
 
 #include <kestrona/process.h>
@@ -9,20 +10,15 @@
 #include <kestrona/store.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
-#include <numeric>
-#include <random>
 #include <string>
 #include <vector>
 
+namespace Kestrona::Bench {
 namespace {
 
-using namespace Kestrona;
-using namespace Kestrona::Bench;
-using namespace Kestrona::Data::MemoryResident;
-
 constexpr std::int32_t kFields = 20;
-constexpr std::int32_t kInsertions = 100;
 constexpr std::int32_t kErasedShare = 10;
 
 enum class Place {
@@ -43,38 +39,27 @@ std::int32_t At(Place place, std::int32_t count) {
     return count;
 }
 
-double ValueAt(std::int32_t field, std::int32_t record) {
-    return record * 0.5 + field + 1.0;
-}
-
 // A format of tracked fields, the key first.
-std::unique_ptr<MemoryResidentData> MakeStore(std::int32_t records) {
+std::unique_ptr<MemoryResidentData> MakeStore(std::int64_t count) {
+    const auto records = static_cast<std::int32_t>(count);
     auto store = CreateMemoryResidentData();
     std::vector<Fixtures::Field> fields(kFields);
     fields[0].default_value = 1.0;
     Fixtures::AddTable(*store, L"Records", fields, records);
+    FillNumbers(*store, kFields, records);
     for (std::int32_t record = 0; record < records; ++record) {
-        for (std::int32_t field = 0; field < kFields; ++field) {
-            store->SetDbValue(0, field, record, field == 0 ? record + 1.0 : ValueAt(field, record));
-        }
+        store->SetDbValue(0, 0, record, record + 1.0);
     }
     return store;
 }
 
-using Columns = std::vector<std::vector<double>>;
-
-Columns MakeColumns(std::int32_t records) {
-    Columns columns(kFields, std::vector<double>(static_cast<std::size_t>(records)));
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        for (std::int32_t record = 0; record < records; ++record) {
-            columns[static_cast<std::size_t>(field)][static_cast<std::size_t>(record)] = ValueAt(field, record);
-        }
-    }
-    return columns;
+Columns MakeVectors(std::int64_t records) {
+    return MakeColumns(kFields, static_cast<std::int32_t>(records));
 }
 
 // The same records in a table with an index over the key.
-std::unique_ptr<Database> MakeDatabase(std::int32_t records) {
+std::unique_ptr<Database> MakeDatabase(std::int64_t count) {
+    const auto records = static_cast<std::int32_t>(count);
     auto database = std::make_unique<Database>();
     std::string columns = "key REAL";
     std::string marks = "?";
@@ -87,7 +72,7 @@ std::unique_ptr<Database> MakeDatabase(std::int32_t records) {
     for (std::int32_t record = 0; record < records; ++record) {
         sqlite3_bind_double(insert.get(), 1, record + 1.0);
         for (std::int32_t field = 1; field < kFields; ++field) {
-            sqlite3_bind_double(insert.get(), field + 1, ValueAt(field, record));
+            sqlite3_bind_double(insert.get(), field + 1, CellValue(field, record));
         }
         RunOnce(insert);
     }
@@ -97,9 +82,7 @@ std::unique_ptr<Database> MakeDatabase(std::int32_t records) {
 
 // One of ten records, ascending.
 std::vector<std::int32_t> RecordsToErase(std::int32_t records) {
-    std::vector<std::int32_t> all(static_cast<std::size_t>(records));
-    std::iota(all.begin(), all.end(), 0);
-    std::shuffle(all.begin(), all.end(), std::mt19937(3));
+    std::vector<std::int32_t> all = ShuffledNumbers(records, 0);
     all.resize(all.size() / kErasedShare);
     std::sort(all.begin(), all.end());
     return all;
@@ -122,7 +105,7 @@ void AppendToVectors(benchmark::State& state) {
     for (auto _ : state) {
         Columns columns(kFields);
         for (std::int32_t i = 0; i < count; ++i) {
-            for (std::vector<double>& column : columns) {
+            for (Column& column : columns) {
                 column.push_back(i);
             }
         }
@@ -131,22 +114,39 @@ void AppendToVectors(benchmark::State& state) {
     CountEach(state, count);
 }
 
-void InsertRecords(benchmark::State& state, Place place) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const auto store = MakeStore(count);
+void InsertIntoDatabase(benchmark::State& state) {
     for (auto _ : state) {
-        KSDLL_InsertDbItem(*store, 0, At(place, store->GetCurrentDbSize(0)));
+        benchmark::DoNotOptimize(MakeDatabase(state.range(0)));
+    }
+    CountEach(state, static_cast<double>(state.range(0)));
+}
+
+void InsertRecords(benchmark::State& state, Place place) {
+    MemoryResidentData& store = *OfSize<MakeStore>(state.range(0));
+    for (auto _ : state) {
+        KSDLL_InsertDbItem(store, 0, At(place, store.GetCurrentDbSize(0)));
     }
     CountEach(state, 1);
 }
 
 void InsertIntoVectors(benchmark::State& state, Place place) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    Columns columns = MakeColumns(count);
+    Columns& columns = OfSize<MakeVectors>(state.range(0));
     for (auto _ : state) {
-        for (std::vector<double>& column : columns) {
+        for (Column& column : columns) {
             column.insert(column.begin() + At(place, static_cast<std::int32_t>(column.size())), 0.0);
         }
+    }
+    CountEach(state, 1);
+}
+
+// The bytes of all columns, one place further.
+void MoveMemory(benchmark::State& state) {
+    Columns& columns = OfSize<MakeVectors>(state.range(0));
+    for (auto _ : state) {
+        for (Column& column : columns) {
+            std::memmove(column.data() + 1, column.data(), (column.size() - 1) * sizeof(double));
+        }
+        benchmark::ClobberMemory();
     }
     CountEach(state, 1);
 }
@@ -174,12 +174,12 @@ void DeleteOneByOne(benchmark::State& state) {
 }
 
 void CompactVectors(benchmark::State& state) {
-    MeasureErasure(state, MakeColumns, [](Columns& columns, const auto& records) {
+    MeasureErasure(state, MakeVectors, [](Columns& columns, const auto& records) {
         std::vector<bool> erased(columns[0].size());
         for (const std::int32_t record : records) {
             erased[static_cast<std::size_t>(record)] = true;
         }
-        for (std::vector<double>& column : columns) {
+        for (Column& column : columns) {
             std::size_t kept = 0;
             for (std::size_t record = 0; record < column.size(); ++record) {
                 if (!erased[record]) {
@@ -192,9 +192,9 @@ void CompactVectors(benchmark::State& state) {
 }
 
 void EraseFromVectors(benchmark::State& state) {
-    MeasureErasure(state, MakeColumns, [](Columns& columns, const auto& records) {
+    MeasureErasure(state, MakeVectors, [](Columns& columns, const auto& records) {
         for (auto record = records.rbegin(); record != records.rend(); ++record) {
-            for (std::vector<double>& column : columns) {
+            for (Column& column : columns) {
                 column.erase(column.begin() + *record);
             }
         }
@@ -213,31 +213,21 @@ void DeleteFromDatabase(benchmark::State& state) {
     });
 }
 
-std::vector<double> ShuffledKeys(std::int32_t records) {
-    std::vector<double> keys(static_cast<std::size_t>(records));
-    std::iota(keys.begin(), keys.end(), 1.0);
-    std::shuffle(keys.begin(), keys.end(), std::mt19937(5));
-    return keys;
-}
-
-void LookUpKeys(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const auto store = MakeStore(count);
-    const std::vector<double> keys = ShuffledKeys(count);
-    store->LookupKeyRecord(0, 1.0); // builds the index
-    for (auto _ : state) {
-        for (const double key : keys) {
-            benchmark::DoNotOptimize(store->LookupKeyRecord(0, key));
+// The cells that stay, copied without a look at which ones go.
+void CopyMemory(benchmark::State& state) {
+    MeasureErasure(state, MakeVectors, [](Columns& columns, const auto& records) {
+        for (Column& column : columns) {
+            const std::size_t kept = column.size() - records.size();
+            std::memmove(column.data(), column.data() + records.size(), kept * sizeof(double));
+            column.resize(kept);
         }
-    }
-    CountEach(state, count);
+    });
 }
 
 void LookUpInDatabase(benchmark::State& state) {
-    const auto count = static_cast<std::int32_t>(state.range(0));
-    const std::unique_ptr<Database> database = MakeDatabase(count);
-    const std::vector<double> keys = ShuffledKeys(count);
-    const Statement find = database->Prepare("SELECT rowid FROM records WHERE key = ?");
+    Database& database = *OfSize<MakeDatabase>(state.range(0));
+    const std::vector<double> keys = ShuffledNumbers(state.range(0), 1.0);
+    const Statement find = database.Prepare("SELECT rowid FROM records WHERE key = ?");
     for (auto _ : state) {
         for (const double key : keys) {
             sqlite3_bind_double(find.get(), 1, key);
@@ -246,31 +236,41 @@ void LookUpInDatabase(benchmark::State& state) {
             sqlite3_reset(find.get());
         }
     }
-    CountEach(state, count);
+    CountEach(state, static_cast<double>(keys.size()));
 }
 
-void Sizes(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
+// As often as keeps making the records, which is not measured, short.
+void FewRuns(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(10000)->Arg(100000)->Iterations(10);
 }
 
-void InsertionSizes(benchmark::internal::Benchmark* benchmark) {
-    Sizes(benchmark->Iterations(kInsertions));
+void OneRun(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(1000000)->Arg(5000000)->Iterations(1);
 }
 
-BENCHMARK(CreateRecords)->Apply(Sizes);
-BENCHMARK(AppendToVectors)->Apply(Sizes);
-BENCHMARK_CAPTURE(InsertRecords, front, Place::Front)->Apply(InsertionSizes);
-BENCHMARK_CAPTURE(InsertIntoVectors, front, Place::Front)->Apply(InsertionSizes);
-BENCHMARK_CAPTURE(InsertRecords, middle, Place::Middle)->Apply(InsertionSizes);
-BENCHMARK_CAPTURE(InsertIntoVectors, middle, Place::Middle)->Apply(InsertionSizes);
-BENCHMARK_CAPTURE(InsertRecords, end, Place::End)->Apply(InsertionSizes);
-BENCHMARK_CAPTURE(InsertIntoVectors, end, Place::End)->Apply(InsertionSizes);
-BENCHMARK(DeleteAsList)->Apply(Sizes);
-BENCHMARK(CompactVectors)->Apply(Sizes);
-BENCHMARK(DeleteFromDatabase)->Apply(Sizes);
-BENCHMARK(DeleteOneByOne)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(EraseFromVectors)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(LookUpKeys)->Apply(Sizes);
-BENCHMARK(LookUpInDatabase)->Apply(Sizes);
+void UpTo100000(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(10000)->Arg(100000);
+}
+
+BENCHMARK(CreateRecords)->Apply(FewRuns);
+BENCHMARK(CreateRecords)->Apply(OneRun);
+BENCHMARK(AppendToVectors)->Apply(UpTo100000);
+BENCHMARK(InsertIntoDatabase)->Apply(UpTo100000);
+BENCHMARK_CAPTURE(InsertRecords, front, Place::Front)->Apply(GrowthSizes)->Iterations(20);
+BENCHMARK_CAPTURE(InsertRecords, middle, Place::Middle)->Apply(GrowthSizes)->Iterations(20);
+BENCHMARK_CAPTURE(InsertRecords, end, Place::End)->Apply(GrowthSizes)->Iterations(1000);
+BENCHMARK_CAPTURE(InsertIntoVectors, front, Place::Front)->Apply(UpTo100000)->Iterations(20);
+BENCHMARK_CAPTURE(InsertIntoVectors, middle, Place::Middle)->Apply(UpTo100000)->Iterations(20);
+BENCHMARK_CAPTURE(InsertIntoVectors, end, Place::End)->Apply(UpTo100000)->Iterations(1000);
+BENCHMARK(MoveMemory)->Apply(UpTo100000);
+BENCHMARK(DeleteAsList)->Apply(FewRuns);
+BENCHMARK(DeleteAsList)->Apply(OneRun);
+BENCHMARK(CompactVectors)->Apply(FewRuns);
+BENCHMARK(CopyMemory)->Apply(FewRuns);
+BENCHMARK(DeleteFromDatabase)->Apply(FewRuns);
+BENCHMARK(DeleteOneByOne)->Apply(UpTo100000)->Iterations(1);
+BENCHMARK(EraseFromVectors)->Apply(UpTo100000)->Iterations(1);
+BENCHMARK(LookUpInDatabase)->Apply(PeerSizes);
 
 } // namespace
+} // namespace Kestrona::Bench

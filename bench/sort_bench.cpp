@@ -1,8 +1,8 @@
 // Sorting records to a list, beside std::stable_sort on keys that were taken out of the store, and SQLite's ORDER BY in
 // memory over the same values. The argument is the number of records; "each" is the time of one.
 //
-// "Extracted" takes the keys and sorts them. For free texts the keys are ICU sort keys: "IcuKeys" makes and sorts them,
-// "IcuKeysMade" sorts keys made beforehand.
+// "Extracted" takes the keys and sorts them; "Radix" only distributes the bits of keys that are already there. For free
+// texts the keys are ICU sort keys: "IcuKeys" makes and sorts them, "IcuKeysMade" sorts keys made beforehand.
 #include "fixtures/schema.h"
 #include "measure.h"
 #include "sqlite_database.h"
@@ -15,7 +15,10 @@
 #include <unicode/ucol.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -23,11 +26,8 @@
 #include <utility>
 #include <vector>
 
+namespace Kestrona::Bench {
 namespace {
-
-using namespace Kestrona;
-using namespace Kestrona::Bench;
-using namespace Kestrona::Data::MemoryResident;
 
 constexpr std::int32_t kProducts = 0;
 constexpr std::int32_t kOrders = 1;
@@ -93,14 +93,12 @@ private:
     std::unique_ptr<MemoryResidentData> store_;
 };
 
+std::unique_ptr<Plant> MakePlant(std::int64_t records) {
+    return std::make_unique<Plant>(static_cast<std::int32_t>(records));
+}
+
 const Plant& DataOf(const benchmark::State& state) {
-    static std::unique_ptr<Plant> data;
-    const auto records = static_cast<std::int32_t>(state.range(0));
-    if (!data || data->Records() != records) {
-        data.reset();
-        data = std::make_unique<Plant>(records);
-    }
-    return *data;
+    return *OfSize<MakePlant>(state.range(0));
 }
 
 void Sort(benchmark::State& state, std::vector<SortDetails> details) {
@@ -128,6 +126,53 @@ void SortExtracted(benchmark::State& state, KeyOf key_of) {
             keys, {}, [](const auto& key) -> const auto& { return key.first; });
         std::ranges::transform(keys, records.begin(), [](const auto& key) { return key.second; });
         benchmark::DoNotOptimize(records.data());
+    }
+    CountEach(state, static_cast<double>(state.range(0)));
+}
+
+using RadixKey = std::pair<std::uint64_t, std::int32_t>;
+
+constexpr std::uint64_t kRadixBits = 11;
+constexpr std::uint64_t kRadixMask = (std::uint64_t{1} << kRadixBits) - 1;
+
+// One round over some bits of the keys, which keeps the order of those that agree in them.
+void Distribute(const std::vector<RadixKey>& from, std::vector<RadixKey>& to, std::uint64_t shift) {
+    std::array<std::size_t, kRadixMask + 2> starts{};
+    for (const RadixKey& key : from) {
+        ++starts[((key.first >> shift) & kRadixMask) + 1];
+    }
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    for (const RadixKey& key : from) {
+        to[starts[(key.first >> shift) & kRadixMask]++] = key;
+    }
+}
+
+// Sorts by numbers that are not negative, whose bits have their order; the last field first.
+void SortByRadix(benchmark::State& state, const std::vector<OrderField>& fields) {
+    const Plant& data = DataOf(state);
+    std::vector<std::vector<std::uint64_t>> bits;
+    for (const OrderField field : fields) {
+        std::vector<std::uint64_t>& of_field = bits.emplace_back();
+        for (std::int32_t record = 0; record < data.Records(); ++record) {
+            of_field.push_back(std::bit_cast<std::uint64_t>(data.Number(field, record)));
+        }
+    }
+    for (auto _ : state) {
+        std::vector<RadixKey> keys(bits[0].size());
+        std::vector<RadixKey> other(keys.size());
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            keys[i].second = static_cast<std::int32_t>(i);
+        }
+        for (const std::vector<std::uint64_t>& of_field : bits) {
+            for (RadixKey& key : keys) {
+                key.first = of_field[static_cast<std::size_t>(key.second)];
+            }
+            for (std::uint64_t shift = 0; shift < 64; shift += kRadixBits) {
+                Distribute(keys, other, shift);
+                keys.swap(other);
+            }
+        }
+        benchmark::DoNotOptimize(keys.data());
     }
     CountEach(state, static_cast<double>(state.range(0)));
 }
@@ -203,6 +248,10 @@ void NumberExtracted(benchmark::State& state) {
     SortExtracted(state, [](const Plant& data, std::int32_t record) { return data.Number(kQuantity, record); });
 }
 
+void NumberRadix(benchmark::State& state) {
+    SortByRadix(state, {kQuantity});
+}
+
 void NumberSqlite(benchmark::State& state) {
     Select(state, "order by quantity");
 }
@@ -215,6 +264,10 @@ void TwoColumnsExtracted(benchmark::State& state) {
     SortExtracted(state, [](const Plant& data, std::int32_t record) {
         return std::pair(data.Number(kPriority, record), data.Number(kQuantity, record));
     });
+}
+
+void TwoColumnsRadix(benchmark::State& state) {
+    SortByRadix(state, {kQuantity, kPriority});
 }
 
 void TwoColumnsSqlite(benchmark::State& state) {
@@ -266,22 +319,21 @@ void FreeTextSqlite(benchmark::State& state) {
     Select(state, "order by note");
 }
 
-void Sizes(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Unit(benchmark::kMillisecond)->Arg(10000)->Arg(100000)->Arg(1000000);
-}
-
-BENCHMARK(NumberSort)->Apply(Sizes);
-BENCHMARK(NumberExtracted)->Apply(Sizes);
-BENCHMARK(NumberSqlite)->Apply(Sizes);
-BENCHMARK(TwoColumnsSort)->Apply(Sizes);
-BENCHMARK(TwoColumnsExtracted)->Apply(Sizes);
-BENCHMARK(TwoColumnsSqlite)->Apply(Sizes);
-BENCHMARK(ReferenceTextSort)->Apply(Sizes);
-BENCHMARK(ReferenceTextExtracted)->Apply(Sizes);
-BENCHMARK(ReferenceTextSqlite)->Apply(Sizes);
-BENCHMARK(FreeTextSort)->Apply(Sizes);
-BENCHMARK(FreeTextIcuKeys)->Apply(Sizes);
-BENCHMARK(FreeTextIcuKeysMade)->Apply(Sizes);
-BENCHMARK(FreeTextSqlite)->Apply(Sizes);
+BENCHMARK(NumberSort)->Apply(GrowthSizes);
+BENCHMARK(TwoColumnsSort)->Apply(GrowthSizes);
+BENCHMARK(ReferenceTextSort)->Apply(GrowthSizes);
+BENCHMARK(FreeTextSort)->Apply(GrowthSizes);
+BENCHMARK(NumberExtracted)->Apply(PeerSizes);
+BENCHMARK(NumberRadix)->Apply(PeerSizes);
+BENCHMARK(NumberSqlite)->Apply(PeerSizes);
+BENCHMARK(TwoColumnsExtracted)->Apply(PeerSizes);
+BENCHMARK(TwoColumnsRadix)->Apply(PeerSizes);
+BENCHMARK(TwoColumnsSqlite)->Apply(PeerSizes);
+BENCHMARK(ReferenceTextExtracted)->Apply(PeerSizes);
+BENCHMARK(ReferenceTextSqlite)->Apply(PeerSizes);
+BENCHMARK(FreeTextIcuKeys)->Apply(PeerSizes);
+BENCHMARK(FreeTextIcuKeysMade)->Apply(PeerSizes);
+BENCHMARK(FreeTextSqlite)->Apply(PeerSizes);
 
 } // namespace
+} // namespace Kestrona::Bench

@@ -14,10 +14,10 @@ struct FinishStatement {
 
 using Statement = std::unique_ptr<sqlite3_stmt, FinishStatement>;
 
-// SQLite in memory, a peer of the store. What fails throws the text of its reason.
+// SQLite, in memory unless it gets a file: a peer of the store. What fails throws the text of its reason.
 class Database {
 public:
-    Database() { Check(sqlite3_open(":memory:", &handle_)); }
+    explicit Database(const std::string& path = ":memory:") { Check(sqlite3_open(path.c_str(), &handle_)); }
 
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;

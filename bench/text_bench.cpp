@@ -1,7 +1,7 @@
-// Display texts of a million cells through the shared library, field by field.
+// Display texts of cells through the shared library, field by field.
 //
-// "Field" reads the cell and makes its text; "Snprintf" prints the same numbers into a buffer of narrow characters.
-// Every figure "each" is the time of one cell.
+// "Field" reads the cell and makes its text; "Snprintf" and "ToChars" print the same numbers into a buffer of narrow
+// characters. The argument is the number of records; "each" is the time of one cell.
 #include "fixtures/schema.h"
 #include "measure.h"
 
@@ -9,17 +9,14 @@
 #include <kestrona/store.h>
 #include <kestrona/value_text.h>
 
+#include <charconv>
 #include <cstdio>
 #include <memory>
 #include <random>
 
+namespace Kestrona::Bench {
 namespace {
 
-using namespace Kestrona;
-using namespace Kestrona::Bench;
-using namespace Kestrona::Data::MemoryResident;
-
-constexpr std::int32_t kRecords = 1000000;
 constexpr std::int32_t kTargets = 1000;
 
 enum Column : std::int32_t {
@@ -50,12 +47,12 @@ std::int32_t AddTargets(MemoryResidentData& store) {
     return format;
 }
 
-void Fill(MemoryResidentData& store, std::int32_t format) {
+void Fill(MemoryResidentData& store, std::int32_t format, std::int32_t records) {
     std::mt19937 generator(1);
     const auto draw = [&](std::uint32_t bound) {
         return static_cast<double>(generator() % bound);
     };
-    for (std::int32_t record = 0; record < kRecords; ++record) {
+    for (std::int32_t record = 0; record < records; ++record) {
         store.SetDbValue(format, Key, record, record);
         store.SetDbValue(format, Real, record, draw(100000000) / 1000.0);
         store.SetDbValue(format, Formatted, record, draw(100000000) / 1000.0);
@@ -72,7 +69,8 @@ struct Table {
     std::int32_t format = -1;
 };
 
-Table MakeTable() {
+Table MakeTable(std::int64_t count) {
+    const auto records = static_cast<std::int32_t>(count);
     MessageManager::setInstance(new Words);
     Table table;
     MemoryResidentData& store = *table.store;
@@ -92,49 +90,62 @@ Table MakeTable() {
     for (Fixtures::Field& field : fields) {
         field.classes.push_back(Classes::kExcludeFromDb);
     }
-    table.format = Fixtures::AddTable(store, L"Cells", fields, kRecords);
-    Fill(store, table.format);
+    table.format = Fixtures::AddTable(store, L"Cells", fields, records);
+    Fill(store, table.format, records);
     return table;
 }
 
-const Table& TheTable() {
-    static const Table table = MakeTable();
-    return table;
+// `make` makes the text of the cell of a record.
+template <typename MakeText>
+void MeasureTexts(benchmark::State& state, MakeText make) {
+    const Table& table = OfSize<MakeTable>(state.range(0));
+    const auto records = static_cast<std::int32_t>(state.range(0));
+    for (auto _ : state) {
+        for (std::int32_t record = 0; record < records; ++record) {
+            make(table, record);
+        }
+    }
+    CountEach(state, static_cast<double>(records));
 }
 
 void Field(benchmark::State& state, Column column) {
-    const Table& table = TheTable();
-    for (auto _ : state) {
-        for (std::int32_t record = 0; record < kRecords; ++record) {
-            std::wstring text;
-            KSDLL_FieldToTString(*table.store, table.format, column, record, &text);
-            benchmark::DoNotOptimize(text.data());
-        }
-    }
-    CountEach(state, kRecords);
+    MeasureTexts(state, [&](const Table& table, std::int32_t record) {
+        std::wstring text;
+        KSDLL_FieldToTString(*table.store, table.format, column, record, &text);
+        benchmark::DoNotOptimize(text.data());
+    });
 }
 
 void Snprintf(benchmark::State& state, Column column, const char* format) {
-    const Table& table = TheTable();
-    for (auto _ : state) {
-        for (std::int32_t record = 0; record < kRecords; ++record) {
-            char text[64];
-            std::snprintf(text, sizeof text, format, table.store->GetDbValue(table.format, column, record));
-            benchmark::DoNotOptimize(text);
-        }
-    }
-    CountEach(state, kRecords);
+    MeasureTexts(state, [&](const Table& table, std::int32_t record) {
+        char text[64];
+        std::snprintf(text, sizeof text, format, table.store->GetDbValue(table.format, column, record));
+        benchmark::DoNotOptimize(text);
+    });
 }
 
-BENCHMARK_CAPTURE(Field, Real, Real)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Snprintf, Real, Real, "%.2f")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Field, Formatted, Formatted)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Snprintf, Formatted, Formatted, "%10.3f")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Field, Integer, Integer)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Snprintf, Integer, Integer, "%.0f")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Field, Date, Date)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Field, Duration, Duration)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Field, Substituted, Substituted)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Field, Reference, Reference)->Unit(benchmark::kMillisecond);
+void ToChars(benchmark::State& state, Column column, int decimals) {
+    MeasureTexts(state, [&](const Table& table, std::int32_t record) {
+        char text[64];
+        const double value = table.store->GetDbValue(table.format, column, record);
+        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+        benchmark::DoNotOptimize(text);
+    });
+}
+
+#define KS_NUMBERS(column, format, decimals)                                                                           \
+    BENCHMARK_CAPTURE(Field, column, column)->Apply(PeerSizes);                                                        \
+    BENCHMARK_CAPTURE(Snprintf, column, column, format)->Apply(PeerSizes);                                             \
+    BENCHMARK_CAPTURE(ToChars, column, column, decimals)->Apply(PeerSizes)
+
+KS_NUMBERS(Real, "%.2f", 2);
+KS_NUMBERS(Formatted, "%10.3f", 3);
+KS_NUMBERS(Integer, "%.0f", 0);
+BENCHMARK_CAPTURE(Field, Real, Real)->Apply(OtherGrowthSizes);
+BENCHMARK_CAPTURE(Field, Date, Date)->Apply(PeerSizes);
+BENCHMARK_CAPTURE(Field, Duration, Duration)->Apply(PeerSizes);
+BENCHMARK_CAPTURE(Field, Substituted, Substituted)->Apply(PeerSizes);
+BENCHMARK_CAPTURE(Field, Reference, Reference)->Apply(PeerSizes);
 
 } // namespace
+} // namespace Kestrona::Bench

@@ -1,5 +1,6 @@
-// Following a path for a million records, beside the same key lookups made by hand, which keep the references of each
-// format in a bare vector. Every figure "each" is the time of one record; the argument is the depth of the path.
+// Following a path, beside the same key lookups made by hand, which keep the references of each format in a bare
+// vector. Names tell the depth of the path; the argument is the number of records that it starts from, and "each" the
+// time of one of them.
 #include "fixtures/schema.h"
 #include "measure.h"
 
@@ -13,13 +14,9 @@
 #include <string>
 #include <vector>
 
+namespace Kestrona::Bench {
 namespace {
 
-using namespace Kestrona;
-using namespace Kestrona::Bench;
-using namespace Kestrona::Data::MemoryResident;
-
-constexpr std::int32_t kStartRecords = 1000000;
 constexpr std::int32_t kRecords = 100000;
 constexpr std::int32_t kReference = 1;
 constexpr double kFirstKey = 1000.0;
@@ -27,7 +24,10 @@ constexpr double kFirstKey = 1000.0;
 // A chain of formats, each with a reference into the next in no order. The last one refers to nothing.
 class Chain {
 public:
-    explicit Chain(std::int32_t depth) : depth_(depth), store_(CreateMemoryResidentData()) {
+    Chain(std::int32_t depth, std::int32_t start_records)
+        : depth_(depth),
+          start_records_(start_records),
+          store_(CreateMemoryResidentData()) {
         for (std::int32_t format = 0; format < depth; ++format) {
             MakeFormat(format);
         }
@@ -68,7 +68,7 @@ private:
             reference.classes.clear();
         }
         Fixtures::AddTable(*store_, std::to_wstring(format), {Fixtures::Integer(L"Key"), reference});
-        Fill(format, format == 0 ? kStartRecords : kRecords);
+        Fill(format, format == 0 ? start_records_ : kRecords);
     }
 
     void Fill(std::int32_t format, std::int32_t records) {
@@ -85,48 +85,51 @@ private:
     }
 
     std::int32_t depth_;
+    std::int32_t start_records_;
     std::mt19937 random_{7};
     std::unique_ptr<MemoryResidentData> store_;
     std::vector<std::vector<double>> values_;
     Tracking::TrackingPath path_;
 };
 
-const Chain& ChainOf(std::int64_t depth) {
-    static std::unique_ptr<Chain> chain;
-    static std::int64_t made = 0;
-    if (chain == nullptr || made != depth) {
-        chain = std::make_unique<Chain>(static_cast<std::int32_t>(depth));
-        made = depth;
-    }
-    return *chain;
+template <std::int32_t kDepth>
+std::unique_ptr<Chain> MakeChain(std::int64_t start_records) {
+    return std::make_unique<Chain>(kDepth, static_cast<std::int32_t>(start_records));
 }
 
-template <typename Read>
+template <std::int32_t kDepth, typename Read>
 void Run(benchmark::State& state, Read read) {
-    const Chain& chain = ChainOf(state.range(0));
+    const Chain& chain = *OfSize<MakeChain<kDepth>>(state.range(0));
+    const auto records = static_cast<std::int32_t>(state.range(0));
+    benchmark::DoNotOptimize(read(chain, 0)); // builds the indexes
     for (auto _ : state) {
         double sum = 0.0;
-        for (std::int32_t record = 0; record < kStartRecords; ++record) {
+        for (std::int32_t record = 0; record < records; ++record) {
             sum += read(chain, record);
         }
         benchmark::DoNotOptimize(sum);
     }
-    CountEach(state, kStartRecords);
+    CountEach(state, static_cast<double>(records));
 }
 
+template <std::int32_t kDepth>
 void FollowPath(benchmark::State& state) {
-    Run(state, [](const Chain& chain, std::int32_t record) { return chain.Follow(record); });
+    Run<kDepth>(state, [](const Chain& chain, std::int32_t record) { return chain.Follow(record); });
 }
 
+template <std::int32_t kDepth>
 void FollowByHand(benchmark::State& state) {
-    Run(state, [](const Chain& chain, std::int32_t record) { return chain.FollowByHand(record); });
+    Run<kDepth>(state, [](const Chain& chain, std::int32_t record) { return chain.FollowByHand(record); });
 }
 
-void Depths(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Unit(benchmark::kMillisecond)->Arg(1)->Arg(3)->Arg(10);
-}
+#define KS_DEPTH(depth)                                                                                                \
+    BENCHMARK(FollowPath<depth>)->Apply(PeerSizes);                                                                    \
+    BENCHMARK(FollowByHand<depth>)->Apply(PeerSizes)
 
-BENCHMARK(FollowPath)->Apply(Depths);
-BENCHMARK(FollowByHand)->Apply(Depths);
+KS_DEPTH(1);
+KS_DEPTH(3);
+KS_DEPTH(10);
+BENCHMARK(FollowPath<3>)->Apply(OtherGrowthSizes);
 
 } // namespace
+} // namespace Kestrona::Bench
