@@ -236,7 +236,7 @@ public:
     // free strings and calculated fields; matrices go apart.
 
     /// Copies the matrix of a cell. Within a format a list is shared: source and target hold the same one from then on,
-    /// and the one that the target had is left to its other holders. So is a COMMON MATRIX. Any other matrix is copied
+    /// and the one that the target had goes unless others hold it. So is a COMMON MATRIX. Any other matrix is copied
     /// element by element. A string reference (STRING STORAGE) whose string is missing becomes 0.0, and the target
     /// takes over the source's text. Nothing where the target is no matrix. Linear in the size.
     virtual void CopyMatrix(std::int32_t source_format, std::int32_t source_field, std::int32_t source_record,

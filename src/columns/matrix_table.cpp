@@ -42,14 +42,14 @@ MatrixTable::Page& MatrixTable::NeedPage(std::int32_t id) {
 
 MatrixTable::Marks::reference MatrixTable::HeldMark(std::int32_t id) {
     assert(id >= 0 && id < kMaxIds);
-    const auto page = static_cast<std::size_t>(id >> kPageShift);
+    const auto page = static_cast<std::size_t>(id >> kMarksShift);
     if (page >= held_.size()) {
         held_.resize(page + 1);
     }
     if (held_[page] == nullptr) {
         held_[page] = std::make_unique<Marks>();
     }
-    return (*held_[page])[static_cast<std::uint32_t>(id) % kPageEntries];
+    return (*held_[page])[static_cast<std::uint32_t>(id) % kMarks];
 }
 
 std::int32_t MatrixTable::TakeId() {
@@ -121,9 +121,34 @@ void MatrixTable::Free(std::int32_t id) {
 
 void MatrixTable::Release(std::int32_t id) {
     Free(id);
-    const std::size_t page = static_cast<std::uint32_t>(id) >> kPageShift; // beyond all pages for a negative id
+    const std::size_t page = static_cast<std::uint32_t>(id) >> kMarksShift; // beyond all pages for a negative id
     if (page < held_.size() && held_[page] != nullptr) {
         HeldMark(id) = false;
+    }
+}
+
+void MatrixTable::NoteSharing(std::int32_t id) {
+    MatrixEntry* const entry = Find(id);
+    if (entry != nullptr && entry->otherCells != MatrixEntry::kUnknownCells) {
+        ++entry->otherCells;
+    }
+}
+
+void MatrixTable::NoteUnknownSharing(std::int32_t id) {
+    if (MatrixEntry* const entry = Find(id)) {
+        entry->otherCells = MatrixEntry::kUnknownCells;
+    }
+}
+
+void MatrixTable::Leave(std::int32_t id) {
+    MatrixEntry* const entry = Find(id);
+    if (entry == nullptr || entry->column == nullptr || entry->otherCells == MatrixEntry::kUnknownCells) {
+        return;
+    }
+    if (entry->otherCells > 0) {
+        --entry->otherCells;
+    } else {
+        Release(id);
     }
 }
 

@@ -18,6 +18,9 @@ struct MatrixEntry {
     std::uint32_t size = 0;               // elements as announced; the cells may be more or fewer
     bool isCalculated = false;
     bool isCounted = false; // `LostCounts` tells when the size changes or the matrix goes
+    std::uint8_t otherCells = 0; // that share the id with the one that it was made for
+
+    static constexpr std::uint8_t kUnknownCells = 255; // stays
 
     [[nodiscard]] bool IsMatrix() const { return cells.IsMatrix() || column != nullptr; }
 
@@ -29,9 +32,10 @@ struct MatrixEntry {
 
 // Every matrix of the process, by id.
 //
-// The entries stand in pages of 4096. A page is made with its first entry, and goes when ids behind it have been given
-// out and none of its entries holds anything any more, since ids are not given out twice. So an entry keeps its place,
-// a far id costs one page, and matrices that came and went leave nothing behind.
+// The entries stand in pages of 512: one matrix that lasts keeps no more than a page of those that went. A page is made
+// with its first entry, and goes when ids behind it have been given out and none of its entries holds anything any
+// more, since ids are not given out twice. So an entry keeps its place, a far id costs one page, and matrices that came
+// and went leave nothing behind.
 //
 // A cell goes on holding the id of a matrix that was freed, and may get a matrix under it again. So the table remembers
 // of each id whether a cell may hold it, in one bit, until the column of the cell goes: no file gets such an id.
@@ -40,7 +44,7 @@ struct MatrixEntry {
 class MatrixTable {
 public:
     static constexpr std::int32_t kNoId = -1;
-    // Ids end here. The directories of pages take at most 4 MiB.
+    // Ids end here. The directories of pages take at most 18 MiB.
     static constexpr std::int32_t kMaxIds = 1 << 30;
     // Sizes and indices end here.
     static constexpr std::uint32_t kSizeLimit = 0x7fffffff;
@@ -64,6 +68,12 @@ public:
     void Free(std::int32_t id);
     // Frees an id whose cell is about to go.
     void Release(std::int32_t id);
+    // Another cell has taken over the id.
+    void NoteSharing(std::int32_t id);
+    // Nobody knows how many cells hold the id: it had been freed while they did.
+    void NoteUnknownSharing(std::int32_t id);
+    // A cell has got another id instead. The matrix goes with the last cell, unless nobody knows which that is.
+    void Leave(std::int32_t id);
     // Frees every column; the sizes stay.
     void FreeColumns();
     // Back to the table of a process that has just started.
@@ -75,13 +85,15 @@ public:
     [[nodiscard]] std::uint64_t LostCounts() const { return lostCounts_; }
 
 private:
-    static constexpr std::int32_t kPageShift = 12;
+    static constexpr std::int32_t kPageShift = 9;
     static constexpr std::int32_t kPageEntries = 1 << kPageShift;
+    static constexpr std::int32_t kMarksShift = 12;
+    static constexpr std::int32_t kMarks = 1 << kMarksShift;
     static constexpr std::int32_t kFirstCapacity = 128;
     static constexpr std::int32_t kCapacityStep = 4096;
 
     struct Page;
-    using Marks = std::bitset<kPageEntries>;
+    using Marks = std::bitset<kMarks>;
 
     MatrixTable();
     Page& NeedPage(std::int32_t id);
@@ -90,7 +102,7 @@ private:
     void LoseCount(MatrixEntry& entry);
 
     std::vector<std::unique_ptr<Page>> pages_;
-    std::vector<std::unique_ptr<Marks>> held_; // ids that a cell may hold, in pages likewise
+    std::vector<std::unique_ptr<Marks>> held_; // ids that a cell may hold, in pages likewise, of 4096
     std::int32_t nextId_ = 0;
     std::int32_t capacity_ = kFirstCapacity;
     std::uint64_t lostCounts_ = 0;

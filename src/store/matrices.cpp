@@ -78,6 +78,7 @@ std::int32_t KSDLL_CreateMatrix(IMemoryResidentData& store, std::uint32_t size, 
     if (HasClass(*info, Classes::kCommonMatrix) && record != kFirstRecord) {
         return ShareFirstMatrix(*info->matrixColumn, record);
     }
+    const bool has_id = IsUsableId(info->matrixColumn->GetValue(record));
     const std::int32_t id = NeedId(*info->matrixColumn, record);
     if (id == MatrixTable::kNoId) {
         return id;
@@ -87,6 +88,9 @@ std::int32_t KSDLL_CreateMatrix(IMemoryResidentData& store, std::uint32_t size, 
         KSDLL_ResizeMatrix(id, elements, format, field);
     } else {
         MatrixTable::Instance().Put(id, MakeMatrix(store, format, field, record, elements));
+        if (has_id) {
+            MatrixTable::Instance().NoteUnknownSharing(id);
+        }
     }
     return id;
 }

@@ -34,6 +34,19 @@ bool SharesIdentity(const field_info& target, bool same_format) {
     return same_format && (HasClass(target, Classes::kList) || HasClass(target, Classes::kCommonMatrix));
 }
 
+// A list that no cell holds any more goes. Rows that are only passing through hold theirs twice for a while.
+void ShareIdentity(const field_info& target, std::int32_t record, std::int32_t id) {
+    const std::int32_t former = MatrixIdOf(target, record);
+    target.matrixColumn->SetValue(record, id);
+    if (former == id || RowShuffle::IsRunning()) {
+        return;
+    }
+    MatrixTable::Instance().NoteSharing(id);
+    if (!HasClass(target, Classes::kCommonMatrix)) {
+        MatrixTable::Instance().Leave(former);
+    }
+}
+
 // Whether the cells are keys of stored strings that the copy must look after.
 bool RefersToStrings(const field_info& target, const MatrixPlace& from, const MatrixPlace& to) {
     return HasClass(target, Classes::kStringStorage) && !RowShuffle::IsRunning() && from.record < kFirstScratchRecord &&
@@ -102,7 +115,7 @@ void MemoryResidentData::CopyMatrix(std::int32_t source_format, std::int32_t sou
     }
     const std::int32_t id = MatrixIdOf(*source, source_record);
     if (SharesIdentity(*target, source_format == target_format)) {
-        target->matrixColumn->SetValue(target_record, id);
+        ShareIdentity(*target, target_record, id);
     } else {
         CopyCells(*this, *target, {source_format, source_field, source_record},
                   {target_format, target_field, target_record}, id);

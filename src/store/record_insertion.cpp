@@ -42,11 +42,9 @@ void ForgetScratchLists(const formats_info& info) {
 
 // Brings the last row to `record`; the rows from there on move one up.
 void MoveLastRowTo(MemoryResidentData& store, std::int32_t format, std::int32_t record, std::int32_t last) {
+    const RowShuffle shuffle;
     store.CopyItemInfo(last, KSDLL_GetScratchRecord(), format);
-    {
-        const RowShuffle shuffle;
-        ShiftRowsUp(store, format, record, last);
-    }
+    ShiftRowsUp(store, format, record, last);
     store.CopyItemInfo(KSDLL_GetScratchRecord(), record, format);
     ForgetScratchLists(*store.GetFormatInfo(format));
 }

@@ -1,5 +1,6 @@
 #include "model/plan.h"
 
+#include <kestrona/expression_parsing.h>
 #include <kestrona/process.h>
 
 #include <algorithm>
@@ -128,7 +129,7 @@ bool FieldPlan::Has(Class c) const {
 }
 
 double FieldPlan::Stored(double value) const {
-    return field.type == TypeBit::kInteger  ? std::trunc(value)
+    return field.type == TypeBit::kInteger  ? std::trunc(value) + 0.0 // there is no integer -0
            : field.type == TypeBit::kToggle ? (value != 0.0 ? 1.0 : 0.0)
                                             : value;
 }
@@ -136,6 +137,19 @@ double FieldPlan::Stored(double value) const {
 const Plan& ThePlan() {
     static const Plan plan{Materials(), Machines(), Orders(), Notes(), Nodes(), Archive()};
     return plan;
+}
+
+void Calculate(Data::MemoryResident::IMemoryResidentData& store, const Plan& plan) {
+    for (std::size_t format = 0; format < plan.size(); ++format) {
+        for (std::size_t field = 0; field < plan[format].fields.size(); ++field) {
+            if (const std::wstring& text = plan[format].fields[field].calculation; !text.empty()) {
+                const auto number = static_cast<std::int32_t>(format);
+                const auto index = static_cast<std::int32_t>(field);
+                store.SetDbEvaluateExpression(number, index,
+                                              KSDLL_CreateFieldExpression(store, number, index, text, false, nullptr));
+            }
+        }
+    }
 }
 
 void Build(Data::MemoryResident::IMemoryResidentData& store, const Plan& plan) {
@@ -156,6 +170,7 @@ void Build(Data::MemoryResident::IMemoryResidentData& store, const Plan& plan) {
             }
         }
     }
+    Calculate(store, plan);
 }
 
 } // namespace Kestrona::Model

@@ -2,6 +2,7 @@
 
 #include "fixtures/schema.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -15,7 +16,13 @@ struct FieldPlan {
     std::int32_t storage = -1;       // with STRING STORAGE: the format of the stored strings
     std::int32_t default_field = -1; // with MATRIX DEFAULT: the field of the Y format that gives new cells
 
+    std::wstring calculation = {};             // of a calculated field, see `Calculated`
+    std::array<std::int32_t, 2> operands = {}; // the fields that it reads
+
     [[nodiscard]] bool Has(Class c) const;
+
+    // What the calculation gives.
+    [[nodiscard]] static double Calculated(double first, double second) { return 2.0 * first + second; }
 
     [[nodiscard]] bool IsMatrix() const { return (field.type & TypeBit::kMatrix) != 0; }
 
@@ -40,6 +47,9 @@ using Plan = std::vector<FormatPlan>;
 // Materials, machines, orders, notes that orders own, nodes that own each other, and an archive that nothing keeps in
 // step. The key of every format is field 0.
 const Plan& ThePlan();
+
+// Compiles the calculations of a store that has the formats of the plan.
+void Calculate(Data::MemoryResident::IMemoryResidentData& store, const Plan& plan);
 
 void Build(Data::MemoryResident::IMemoryResidentData& store, const Plan& plan);
 

@@ -61,7 +61,11 @@ public:
         const auto& fields = twin_.Format(format_).plan->fields;
         for (std::int32_t field = 0; field < static_cast<std::int32_t>(fields.size()); ++field) {
             const FieldPlan& plan = fields[static_cast<std::size_t>(field)];
-            if (plan.IsMatrix()) {
+            if (plan.IsMatrix() || plan.Has(Classes::kEncrypted)) {
+                continue;
+            }
+            if (plan.Has(Classes::kEvaluate)) {
+                CheckComparisons(field, DrawNumber(field));
                 continue;
             }
             store_.AddIndexToColumn(format_, field);
@@ -88,12 +92,11 @@ private:
     }
 
     template <typename T>
-    [[nodiscard]] const T& Cell(std::int32_t field, std::int32_t record) const {
-        const TwinRow& row = twin_.Format(format_).rows[static_cast<std::size_t>(record)];
+    [[nodiscard]] T Cell(std::int32_t field, std::int32_t record) const {
         if constexpr (std::is_same_v<T, double>) {
-            return row.numbers[static_cast<std::size_t>(field)];
+            return twin_.Number(format_, field, record);
         } else {
-            return row.texts[static_cast<std::size_t>(field)];
+            return twin_.Text(format_, field, record);
         }
     }
 
@@ -161,11 +164,20 @@ private:
     static const wchar_t* Argument(const std::wstring& text) { return text.c_str(); }
 
     template <typename T>
-    void CheckField(std::int32_t field, const T& value) {
+    void CheckComparisons(std::int32_t field, const T& value) {
         for (const FindOperator comparison : kOperators) {
+            // Nothing compares calculated values but the five operators.
+            const bool finds_nothing =
+                comparison == kNoOperator &&
+                twin_.Format(format_).plan->fields[static_cast<std::size_t>(field)].Has(Classes::kEvaluate);
             Expect("LookupRecords", field, Take(store_.LookupRecords(format_, field, Argument(value), comparison)),
-                   Scan(field, comparison, value));
+                   finds_nothing ? RecordNumbers() : Scan(field, comparison, value));
         }
+    }
+
+    template <typename T>
+    void CheckField(std::int32_t field, const T& value) {
+        CheckComparisons(field, value);
         Expect("KSDLL_GetRecords", field, KSDLL_GetRecords(store_, format_, field, Argument(value)),
                Scan(field, FindOperator::Equal, value));
         RecordNumbers distinct;
@@ -254,7 +266,7 @@ private:
         words.reserve(fields.size());
         for (std::int32_t field = 0; field < static_cast<std::int32_t>(fields.size()); ++field) {
             const FieldPlan& plan = fields[static_cast<std::size_t>(field)];
-            if (plan.IsMatrix() || Draw(2) == 0) {
+            if (plan.IsMatrix() || plan.Has(Classes::kEncrypted) || plan.Has(Classes::kEvaluate) || Draw(2) == 0) {
                 continue;
             }
             const FieldMatchCriteria criteria{field, DrawOperator()};
@@ -292,10 +304,15 @@ private:
 
 } // namespace
 
+std::string FindSearchDifference(MemoryResidentData& store, const Twin& twin, std::int32_t format,
+                                 std::mt19937& random) {
+    return Searcher(store, twin, format, random).Run();
+}
+
 std::string FindSearchDifference(MemoryResidentData& store, const Twin& twin, std::mt19937& random) {
     std::string differences;
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        differences += Searcher(store, twin, format, random).Run();
+        differences += FindSearchDifference(store, twin, format, random);
     }
     return differences;
 }

@@ -1,5 +1,7 @@
 #include "model/twin.h"
 
+#include "model/side.h"
+
 #include <algorithm>
 #include <map>
 
@@ -50,6 +52,16 @@ Twin::Twin(const Plan& plan) {
         formats_.push_back({.plan = &format, .rows = {}, .ids = {}, .updates = {}});
         formats_.back().ids.resize(format.fields.size());
     }
+    dimensioned_.resize(plan.size());
+    for (std::int32_t owner = 0; owner < Formats(); ++owner) {
+        for (std::int32_t field = 0; field < Fields(owner); ++field) {
+            for (std::int32_t format = 0; format < Formats() && !Format(owner).plan->has_extension; ++format) {
+                if (IsDimensionedBy(Field(owner, field), format)) {
+                    dimensioned_[Index(format)].push_back({owner, field});
+                }
+            }
+        }
+    }
 }
 
 const FieldPlan& Twin::Field(std::int32_t format, std::int32_t field) const {
@@ -65,7 +77,10 @@ std::int32_t Twin::Size(std::int32_t format) const {
 }
 
 double Twin::Number(std::int32_t format, std::int32_t field, std::int32_t record) const {
-    return Format(format).rows[Index(record)].numbers[Index(field)];
+    const FieldPlan& plan = Field(format, field);
+    return plan.calculation.empty()
+               ? Format(format).rows[Index(record)].numbers[Index(field)]
+               : plan.Calculated(Number(format, plan.operands[0], record), Number(format, plan.operands[1], record));
 }
 
 const std::wstring& Twin::Text(std::int32_t format, std::int32_t field, std::int32_t record) const {
@@ -121,17 +136,20 @@ void Twin::SetNumber(std::int32_t format, std::int32_t field, std::int32_t recor
 }
 
 void Twin::SetText(std::int32_t format, std::int32_t field, std::int32_t record, const std::wstring& text) {
+    const OnTwinSide side;
     const std::int32_t limit = Field(format, field).field.max_text;
     formats_[Index(format)].rows[Index(record)].texts[Index(field)] = limit > 0 ? text.substr(0, Index(limit)) : text;
 }
 
 void Twin::SetUpdate(std::int32_t format, std::int32_t record, std::int32_t value) {
+    const OnTwinSide side;
     std::vector<std::int32_t>& updates = formats_[Index(format)].updates;
     updates.resize(std::max(updates.size(), Index(record) + 1));
     updates[Index(record)] = value;
 }
 
 void Twin::CreateMatrix(std::int32_t format, std::int32_t field, std::int32_t record, std::size_t size) {
+    const OnTwinSide side;
     const FieldPlan& plan = Field(format, field);
     if (plan.Has(Classes::kCommonMatrix) && record != 0) {
         SetId(format, field, record, IdAt(format, field, 0));
@@ -151,12 +169,14 @@ void Twin::CreateMatrix(std::int32_t format, std::int32_t field, std::int32_t re
 }
 
 void Twin::SetCell(std::int32_t format, std::int32_t field, std::int32_t record, std::size_t index, double value) {
+    const OnTwinSide side;
     if (TwinMatrix* const matrix = Mutable(format, field, record)) {
         matrix->Set(index, value);
     }
 }
 
 void Twin::SetCells(std::int32_t format, std::int32_t field, std::int32_t record, const std::vector<double>& values) {
+    const OnTwinSide side;
     CreateMatrix(format, field, record, values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
         SetCell(format, field, record, i, values[i]);
@@ -164,6 +184,7 @@ void Twin::SetCells(std::int32_t format, std::int32_t field, std::int32_t record
 }
 
 void Twin::DeleteCell(std::int32_t format, std::int32_t field, std::int32_t record, std::size_t index) {
+    const OnTwinSide side;
     TwinMatrix* const matrix = Mutable(format, field, record);
     if (matrix != nullptr && index < matrix->size) {
         std::vector<double> cells = matrix->Cells();
@@ -249,22 +270,20 @@ void Twin::OpenHole(std::int32_t owner, std::int32_t field, std::int32_t owner_r
 }
 
 void Twin::OpenHoles(std::int32_t format, std::int32_t record) {
-    for (std::int32_t owner = 0; owner < Formats(); ++owner) {
-        for (std::int32_t field = 0; field < Fields(owner); ++field) {
-            const FieldPlan& plan = Field(owner, field);
-            const bool is_own_associate = owner == format && plan.Has(Classes::kAssociate);
-            if (Format(owner).plan->has_extension || !IsDimensionedBy(plan, format) || is_own_associate) {
-                continue;
-            }
-            const std::int32_t size = plan.Has(Classes::kCommonMatrix) ? std::min(1, Size(owner)) : Size(owner);
-            for (std::int32_t r = 0; r < size; ++r) {
-                OpenHole(owner, field, r, format, record);
-            }
+    for (const auto& [owner, field] : dimensioned_[Index(format)]) {
+        const FieldPlan& plan = Field(owner, field);
+        if (owner == format && plan.Has(Classes::kAssociate)) {
+            continue;
+        }
+        const std::int32_t size = plan.Has(Classes::kCommonMatrix) ? std::min(1, Size(owner)) : Size(owner);
+        for (std::int32_t r = 0; r < size; ++r) {
+            OpenHole(owner, field, r, format, record);
         }
     }
 }
 
 void Twin::Insert(std::int32_t format, std::int32_t record) {
+    const OnTwinSide side;
     TwinFormat& target = formats_[Index(format)];
     const std::int32_t last = Size(format);
     if (record < 0 || record > last) {
@@ -329,6 +348,9 @@ void Twin::CloseHoles(std::int32_t owner, std::int32_t field, const Positions& g
 
 // Several records may have one list: it loses a key once, but each record has its own lists beside it.
 void Twin::RemoveKeys(std::int32_t owner, std::int32_t field, const std::set<double>& keys) {
+    if (keys.empty()) {
+        return;
+    }
     std::map<std::int32_t, std::vector<double>> lists; // by id, as they were
     for (std::int32_t r = 0; r < Size(owner); ++r) {
         const TwinMatrix* const list = Matrix(owner, field, r);
@@ -336,7 +358,11 @@ void Twin::RemoveKeys(std::int32_t owner, std::int32_t field, const std::set<dou
         if (list == nullptr) {
             continue;
         }
-        const auto [before, is_first] = lists.emplace(id, list->Cells());
+        const bool is_first = !lists.contains(id);
+        if (is_first && std::ranges::none_of(list->Cells(), [&](double key) { return keys.contains(key); })) {
+            continue;
+        }
+        const auto before = lists.emplace(id, list->Cells()).first;
         for (std::size_t i = before->second.size(); i-- > 0;) {
             if (!keys.contains(before->second[i])) {
                 continue;
@@ -372,6 +398,7 @@ void Twin::EraseRow(std::int32_t format, std::int32_t record) {
 }
 
 void Twin::Delete(std::int32_t format, const std::vector<std::int32_t>& records) {
+    const OnTwinSide side;
     Rows rows;
     for (const std::int32_t record : records) {
         if (record >= 0 && record < Size(format)) {
@@ -381,7 +408,8 @@ void Twin::Delete(std::int32_t format, const std::vector<std::int32_t>& records)
     Positions gone(formats_.size());
     std::vector<std::set<double>> keys(formats_.size());
     for (std::int32_t f = 0; f < Formats(); ++f) {
-        for (std::int32_t r = 0; r < Size(f); ++r) {
+        const auto first = rows.lower_bound({f, 0});
+        for (std::int32_t r = 0; first != rows.end() && first->first == f && r < Size(f); ++r) {
             if (rows.contains({f, Format(f).rows[Index(r)].serial})) {
                 gone[Index(f)].insert(r);
                 keys[Index(f)].insert(Number(f, kKey, r));
@@ -404,6 +432,7 @@ void Twin::Delete(std::int32_t format, const std::vector<std::int32_t>& records)
 }
 
 void Twin::Clear(std::int32_t format) {
+    const OnTwinSide side;
     TwinFormat& target = formats_[Index(format)];
     target.rows.clear();
     for (const std::vector<std::int32_t>& ids : target.ids) {
@@ -416,12 +445,14 @@ void Twin::Clear(std::int32_t format) {
 }
 
 void Twin::CopyCell(std::int32_t format, std::int32_t field, std::int32_t source, std::int32_t target) {
+    const OnTwinSide side;
     std::vector<TwinRow>& rows = formats_[Index(format)].rows;
     rows[Index(target)].numbers[Index(field)] = rows[Index(source)].numbers[Index(field)];
     rows[Index(target)].texts[Index(field)] = rows[Index(source)].texts[Index(field)];
 }
 
 void Twin::CopyRow(std::int32_t format, std::int32_t source, std::int32_t target) {
+    const OnTwinSide side;
     for (std::int32_t field = 0; field < Fields(format); ++field) {
         if (Field(format, field).IsMatrix()) {
             CopyMatrix(format, field, source, format, field, target);
@@ -433,6 +464,7 @@ void Twin::CopyRow(std::int32_t format, std::int32_t source, std::int32_t target
 }
 
 void Twin::SwapRows(std::int32_t format, std::int32_t record1, std::int32_t record2) {
+    const OnTwinSide side;
     std::vector<TwinRow>& rows = formats_[Index(format)].rows;
     std::swap(rows[Index(record1)], rows[Index(record2)]);
     for (std::int32_t field = 0; field < Fields(format); ++field) {
@@ -449,6 +481,7 @@ void Twin::SwapRows(std::int32_t format, std::int32_t record1, std::int32_t reco
 
 void Twin::CopyMatrix(std::int32_t source_format, std::int32_t source_field, std::int32_t source_record,
                       std::int32_t format, std::int32_t field, std::int32_t record) {
+    const OnTwinSide side;
     const FieldPlan& plan = Field(format, field);
     if (source_format == format && (plan.Has(Classes::kList) || plan.Has(Classes::kCommonMatrix))) {
         SetId(format, field, record, IdAt(source_format, source_field, source_record));
@@ -464,6 +497,23 @@ void Twin::CopyMatrix(std::int32_t source_format, std::int32_t source_field, std
             cells, [&](double key) { return FindKey(plan.storage, key) == kNone; }, kLostText);
     }
     SetCells(format, field, record, cells);
+}
+
+void Twin::Reorder(std::int32_t format, const std::vector<std::int32_t>& records) {
+    const OnTwinSide side;
+    TwinFormat& target = formats_[Index(format)];
+    const TwinFormat before = target;
+    target.updates.resize(std::max(target.updates.size(), records.size()));
+    for (std::size_t place = 0; place < records.size(); ++place) {
+        target.rows[place] = before.rows[Index(records[place])];
+        target.updates[place] =
+            Index(records[place]) < before.updates.size() ? before.updates[Index(records[place])] : 0;
+        for (std::size_t field = 0; field < target.ids.size(); ++field) {
+            if (target.plan->fields[field].IsMatrix() && !target.plan->fields[field].Has(Classes::kCommonMatrix)) {
+                target.ids[field][place] = before.ids[field][Index(records[place])];
+            }
+        }
+    }
 }
 
 } // namespace Kestrona::Model

@@ -71,6 +71,8 @@ public:
     void CopyCell(std::int32_t format, std::int32_t field, std::int32_t source, std::int32_t target);
     void CopyRow(std::int32_t format, std::int32_t source, std::int32_t target);
     void SwapRows(std::int32_t format, std::int32_t record1, std::int32_t record2);
+    // The rows as `records` tells them: each record once, in its new order.
+    void Reorder(std::int32_t format, const std::vector<std::int32_t>& records);
     void CopyMatrix(std::int32_t source_format, std::int32_t source_field, std::int32_t source_record,
                     std::int32_t format, std::int32_t field, std::int32_t record);
 
@@ -105,6 +107,7 @@ private:
     void EraseRow(std::int32_t format, std::int32_t record);
 
     std::vector<TwinFormat> formats_;
+    std::vector<std::vector<TableColumn>> dimensioned_; // by each format the fields that it dimensions
     std::vector<TwinMatrix> matrices_;
     std::int32_t next_serial_ = 0;
 };

@@ -3,6 +3,8 @@
 #include "store/row_shuffle.h"
 
 #include <array>
+#include <random>
+#include <set>
 
 namespace Kestrona {
 
@@ -160,6 +162,41 @@ TEST_F(Copies, AListIsSharedWithinItsFormatAndCopiedToAnother) {
     EXPECT_NE(KSDLL_GetDbMatrix(*store, other, 1, 1), -1);
     store->DestroyFormat(other);
     EXPECT_EQ(Cells(format, kList, 1), (std::vector{9.0, 2.0}));
+}
+
+// Whatever is shared, copied over, swapped and moved, a list stays as long as a cell holds it, and goes with the last.
+TEST_F(Copies, AListThatNoRecordHoldsAnyMoreGoes) {
+    std::mt19937 random(7);
+    const auto draw = [&](std::int32_t end) {
+        return static_cast<std::int32_t>(random() % static_cast<unsigned>(end));
+    };
+    const std::int32_t lists = AddTable(*store, L"Lists", {Number(L"Key"), Matrix(L"List", {Classes::kList}, 0)});
+    std::set<std::int32_t> ids;
+    for (std::int32_t step = 0; step < 2000; ++step) {
+        const std::int32_t size = store->GetCurrentDbSize(lists);
+        if (size < kRecords) {
+            const std::int32_t record = draw(size + 1);
+            KSDLL_InsertDbItem(*store, lists, record);
+            Fill(lists, 1, record, {step + 1.0});
+        } else if (draw(3) == 0) {
+            store->SwapItemInfo(draw(size), draw(size), lists);
+        } else {
+            store->CopyItemInfo(draw(size), draw(10) == 0 ? kLastScratchRecord : draw(size), lists);
+        }
+        std::set<std::int32_t> held{KSDLL_GetDbMatrix(*store, lists, 1, kLastScratchRecord)};
+        for (std::int32_t record = 0; record < store->GetCurrentDbSize(lists); ++record) {
+            ASSERT_EQ(Cells(lists, 1, record).size(), 1U) << "record " << record << " step " << step;
+            held.insert(KSDLL_GetDbMatrix(*store, lists, 1, record));
+        }
+        ids.insert(held.begin(), held.end());
+        for (const std::int32_t id : ids) {
+            ASSERT_TRUE(held.contains(id) || KSDLL_GetMatrixSize(id) == 0) << "list " << id << " step " << step;
+        }
+        if (held.size() < 3 && store->GetCurrentDbSize(lists) == kRecords) {
+            KSDLL_Clear(*store, lists);
+            store->CreateDbMatrix(lists, 1); // a cell that held a freed matrix shares for ever
+        }
+    }
 }
 
 TEST_F(Copies, AMissingStoredStringTakesItsTextAlong) {

@@ -192,13 +192,11 @@ void ToldMatrices(MemoryResidentData& store, std::int32_t format) {
 }
 
 void ToldShuffle(MemoryResidentData& store, std::int32_t format, std::int32_t record) {
+    const RowShuffle shuffle;
     const std::int32_t last = store.GetCurrentDbSize(format) - 1;
     store.CopyItemInfo(last, KSDLL_GetScratchRecord(), format);
-    {
-        const RowShuffle shuffle;
-        for (std::int32_t i = last; i > record; --i) {
-            store.CopyItemInfo(i - 1, i, format);
-        }
+    for (std::int32_t i = last; i > record; --i) {
+        store.CopyItemInfo(i - 1, i, format);
     }
     store.CopyItemInfo(KSDLL_GetScratchRecord(), record, format);
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
