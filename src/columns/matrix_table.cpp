@@ -142,7 +142,7 @@ void MatrixTable::NoteUnknownSharing(std::int32_t id) {
 
 void MatrixTable::Leave(std::int32_t id) {
     MatrixEntry* const entry = Find(id);
-    if (entry == nullptr || entry->column == nullptr || entry->otherCells == MatrixEntry::kUnknownCells) {
+    if (entry == nullptr || !entry->IsMatrix() || entry->otherCells == MatrixEntry::kUnknownCells) {
         return;
     }
     if (entry->otherCells > 0) {

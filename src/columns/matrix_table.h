@@ -17,7 +17,7 @@ struct MatrixEntry {
     std::unique_ptr<MatrixColumn> column; // instead of cells where the elements are calculated
     std::uint32_t size = 0;               // elements as announced; the cells may be more or fewer
     bool isCalculated = false;
-    bool isCounted = false; // `LostCounts` tells when the size changes or the matrix goes
+    bool isCounted = false;      // `LostCounts` tells when the size changes or the matrix goes
     std::uint8_t otherCells = 0; // that share the id with the one that it was made for
 
     static constexpr std::uint8_t kUnknownCells = 255; // stays
