@@ -1,6 +1,8 @@
 // Implements: ConfigurationDefinition.
 #include <kestrona/definition_model.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -21,12 +23,14 @@ TableDefinition* ConfigurationDefinition::FindTableDefinitionByName(const std::w
 
 std::vector<TableDefinition*> ConfigurationDefinition::get_TableDefinitions() const {
     std::vector<TableDefinition*> tables;
+    tables.reserve(static_cast<std::size_t>(std::max(store_.GetFormatCount(), 0)));
     for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
         tables.push_back(GetTableDefinition(index));
     }
     return tables;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what the object is a view of
 void ConfigurationDefinition::KeepOriginal() {
     for (TableDefinition* const table : get_TableDefinitions()) {
         const std::unique_ptr<TableDefinition> owned(table);
@@ -34,6 +38,7 @@ void ConfigurationDefinition::KeepOriginal() {
     }
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): likewise
 void ConfigurationDefinition::RestoreOriginal() {
     for (TableDefinition* const table : get_TableDefinitions()) {
         const std::unique_ptr<TableDefinition> owned(table);

@@ -4,6 +4,8 @@
 #include <kestrona/classification_parsers.h>
 #include <kestrona/definition_model.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <set>
 
 namespace Kestrona::Configuration {
@@ -75,6 +77,7 @@ ColumnDefinition* TableDefinition::GetColumnDefinition(std::int32_t column) cons
 std::vector<ColumnDefinition*> TableDefinition::get_ColumnDefinitions() const {
     std::vector<ColumnDefinition*> columns;
     const std::int32_t count = store_.GetDbFields(table_);
+    columns.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (std::int32_t column = 0; column < count; ++column) {
         columns.push_back(GetColumnDefinition(column));
     }
