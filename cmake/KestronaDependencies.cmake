@@ -10,7 +10,7 @@ find_package(Threads REQUIRED)
 add_library(kestrona_external INTERFACE)
 target_link_libraries(kestrona_external INTERFACE ICU::i18n ICU::uc OpenSSL::Crypto ZLIB::ZLIB Threads::Threads)
 
-# For the tool and the default host only.
+# For the tool only.
 find_package(CLI11 CONFIG REQUIRED)
 find_package(nlohmann_json CONFIG REQUIRED)
 find_package(fmt CONFIG REQUIRED)

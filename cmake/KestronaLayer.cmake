@@ -106,8 +106,7 @@ function(kestrona_host_library)
             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
         PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
     target_compile_features(kestrona_host INTERFACE cxx_std_20)
-    target_link_libraries(kestrona_host PRIVATE
-        $<BUILD_INTERFACE:kestrona_options> $<BUILD_INTERFACE:nlohmann_json::nlohmann_json>)
+    target_link_libraries(kestrona_host PRIVATE $<BUILD_INTERFACE:kestrona_options>)
 endfunction()
 
 # kestrona_tool(<main file> <file>...): the command-line tool, `kestrona` on disk, and the static library

@@ -1,6 +1,6 @@
 #include "compiled_file.h"
 
-#include "open_file.h"
+#include "file_handle.h"
 #include "resolve.h"
 
 #include <kestrona/binary_strings.h>
@@ -12,7 +12,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 
 namespace Kestrona::Host {
@@ -24,19 +23,15 @@ using Data::MemoryResident::MemoryResidentData;
 
 constexpr const wchar_t* kIdentity = L"Kestrona Compiled Configuration";
 
-OpenFile OpenCompiled(const std::string& path) {
-    std::error_code error;
-    return OpenFile(std::filesystem::is_regular_file(path, error) ? std::fopen(path.c_str(), "rbe") : nullptr);
-}
-
-// The words in the file and the numbers of the source types go crosswise.
+// The source type that a file with this type word is read with. What was compiled as `Oem` is read as `Runtime`, and
+// the other way round: see `CompilationState::set_SourceType`.
 ConfigurationSourceType SourceTypeOfWord(std::uint32_t word) {
-    switch (word) {
-    case 1:
+    switch (static_cast<ConfigurationSourceType>(word)) {
+    case ConfigurationSourceType::Cnf:
         return ConfigurationSourceType::Cnf;
-    case 2:
+    case ConfigurationSourceType::Runtime:
         return ConfigurationSourceType::Oem;
-    case 3:
+    case ConfigurationSourceType::Oem:
         return ConfigurationSourceType::Runtime;
     default:
         return ConfigurationSourceType::None;
@@ -121,14 +116,14 @@ FileProblem ReadBody(std::FILE* file, const Head& head, const std::string& path,
 } // namespace
 
 ConfigurationSourceType SourceTypeOf(const std::string& path) {
-    const OpenFile file = OpenCompiled(path);
+    const FileHandle file = OpenRegularFile(path);
     return file != nullptr ? ReadHead(file.get()).type : ConfigurationSourceType::None;
 }
 
 LoadOutcome FillFromCompiled(const std::string& path, MemoryResidentData& store, IInformationFeedback* feedback,
                              IOleServerManager& ole_servers, FileProblem& problem) {
     const std::wstring name = FromUtf8(path);
-    const OpenFile file = OpenCompiled(path);
+    const FileHandle file = OpenRegularFile(path);
     if (file == nullptr) {
         problem = {FileFault::CannotOpen, path, {}, "", ""};
         CommonCompiledConfigFunctions::DisplayUnableToOpenCompiledFileMessage(name);

@@ -1,4 +1,4 @@
-#include "open_file.h"
+#include "file_handle.h"
 #include "snapshot/file_problem.h"
 #include "snapshot/zlib_stream.h"
 
@@ -8,9 +8,8 @@
 #include <kestrona/unicode.h>
 
 #include <array>
-#include <filesystem>
+#include <cerrno>
 #include <string_view>
-#include <system_error>
 
 namespace Kestrona::Host {
 
@@ -20,21 +19,6 @@ using DataCompressor::DataCompressor;
 using Snapshots::SystemProblem;
 
 using Conversion = std::int32_t (DataCompressor::*)(const std::wstring& source, const std::wstring& target);
-
-// Null, and `problem`, for what is no readable file. A pipe would keep the reader waiting.
-OpenFile OpenSource(const std::string& path, FileProblem& problem) {
-    std::error_code error;
-    const auto kind = std::filesystem::status(path, error).type();
-    if (kind != std::filesystem::file_type::regular && !error && kind != std::filesystem::file_type::not_found) {
-        problem = {FileFault::CannotOpen, path, {}, "not a regular file", ""};
-        return nullptr;
-    }
-    OpenFile file(std::fopen(path.c_str(), "rbe"));
-    if (file == nullptr) {
-        problem = SystemProblem(FileFault::CannotOpen, path);
-    }
-    return file;
-}
 
 FileProblem Unwritable(const std::string& path, const SafeFile& target) {
     return {FileFault::CannotWrite, path, {}, ToUtf8(target.Error()), ""};
@@ -53,7 +37,7 @@ FileProblem DamagedStream(const std::string& path, std::FILE* source) {
 
 bool Convert(const std::string& source, Conversion conversion, const std::string& target, SafeFile& draft,
              FileProblem& problem) {
-    const OpenFile file = OpenSource(source, problem);
+    const FileHandle file = Snapshots::OpenRegularFile(source, problem);
     if (file == nullptr) {
         return false;
     }
@@ -74,7 +58,7 @@ bool Convert(const std::string& source, Conversion conversion, const std::string
 }
 
 bool CheckEnd(const std::string& source, std::FILE* content, FileProblem& problem) {
-    const OpenFile file = OpenSource(source, problem);
+    const FileHandle file = Snapshots::OpenRegularFile(source, problem);
     return file != nullptr && Snapshots::CheckStreamEnd(file.get(), source, content, problem);
 }
 

@@ -71,7 +71,7 @@ void ConsoleFeedback::Finish() {
     start_.reset();
 }
 
-bool ConsoleFeedback::IsPatient() {
+bool ConsoleFeedback::IsTooEarlyToShow() {
     const auto now = std::chrono::steady_clock::now();
     if (!start_) {
         start_ = now;
@@ -80,7 +80,7 @@ bool ConsoleFeedback::IsPatient() {
 }
 
 void ConsoleFeedback::Show() {
-    if (!sink_ || IsPatient()) {
+    if (!sink_ || IsTooEarlyToShow()) {
         return;
     }
     sink_(std::string(kClearLine) + Percentage(percent_) + stage_);

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <initializer_list>
+#include <string_view>
 
 namespace Kestrona::Host {
 

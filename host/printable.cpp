@@ -6,7 +6,7 @@ namespace Kestrona::Host {
 
 namespace {
 
-bool IsControl(wchar_t c) {
+bool NeedsEscape(wchar_t c) {
     return (c >= 0 && c < 0x20 && c != L'\t') || (c >= 0x7f && c < 0xa0);
 }
 
@@ -29,7 +29,7 @@ std::string PrintableLine(std::wstring_view text) {
     std::wstring out;
     out.reserve(text.size());
     for (const wchar_t c : text) {
-        if (IsControl(c)) {
+        if (NeedsEscape(c)) {
             AppendEscape(out, c);
         } else {
             out += c;

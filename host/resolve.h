@@ -5,7 +5,8 @@
 
 namespace Kestrona::Host {
 
-// What the once-a-process entry does after the resolution: marks the fields whose default is given by its text.
+// Marks the fields whose default is given by its text. `KSSERVER_LoadTableDefinition` does so after the resolution;
+// loads that do without it must do it themselves.
 void MarkStringDefaults(Data::MemoryResident::MemoryResidentData& store);
 
 // Resolves a definition that was read from a stream and makes its columns. False after the data module has reported.

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 
 namespace Kestrona::Host {
@@ -33,12 +32,7 @@ bool ResourceDirectory::ExtractConfiguration(std::int32_t resource, std::wstring
         return false;
     }
     const std::string name = folder_ + "/" + std::to_string(resource) + ".cnf";
-    std::error_code error;
-    // A pipe of that name would keep the reader waiting.
-    if (!std::filesystem::is_regular_file(name, error)) {
-        return false;
-    }
-    const OpenFile from(std::fopen(name.c_str(), "rbe"));
+    const FileHandle from = OpenRegularFile(name);
     if (from == nullptr) {
         return false;
     }

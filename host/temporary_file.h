@@ -1,6 +1,6 @@
 #pragma once
 
-#include "open_file.h"
+#include "file_handle.h"
 
 #include <string>
 
@@ -27,7 +27,7 @@ public:
 
 private:
     std::string path_;
-    OpenFile file_;
+    FileHandle file_;
     bool is_there_ = false;
 };
 

@@ -1,4 +1,4 @@
-// Implements: SecretText, AskForSecret, ReadSecretLine.
+// Implements: AskForSecret, ReadSecretLine.
 #include "secret_buffer.h"
 
 #include <kestrona/host/encryption_key.h>
@@ -29,8 +29,8 @@ void NoteSignal(int number) {
     signal_seen = number;
 }
 
-// While it stands, an ending signal is let through only where a read waits, and breaks that wait off instead of ending
-// the process. At the end it is sent again, and whatever handled it before handles it.
+// Holds back the signals that end a process. One that comes is noted, and breaks off a wait for input; the destructor
+// sends it again, to whatever handled it before. So the terminal is put in order before the process ends.
 class HeldSignals {
 public:
     HeldSignals() {
@@ -147,25 +147,6 @@ TypedSecret ReadLine(int descriptor, const HeldSignals* signals) {
 }
 
 } // namespace
-
-void SecretText::Overwrite(std::wstring& text) noexcept {
-    text.resize(text.capacity());
-    explicit_bzero(text.data(), text.size() * sizeof text[0]);
-    text.clear();
-}
-
-// A short text stands inside the object and is copied by a swap, so its former place is overwritten.
-void SecretText::Take(std::wstring& text) noexcept {
-    text_.swap(text);
-    Overwrite(text);
-}
-
-SecretText& SecretText::operator=(SecretText&& other) noexcept {
-    if (this != &other) {
-        Take(other.text_); // which overwrites what stood here
-    }
-    return *this;
-}
 
 TypedSecret ReadSecretLine(int descriptor) {
     return ReadLine(descriptor, nullptr);

@@ -16,6 +16,6 @@ int main(int argc, char** argv) {
     }
     auto& store = host.Store();
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        std::printf("%ls: %d fields\n", store.GetDbName(format), store.GetDbFields(format));
+        std::printf("%s: %d fields\n", Kestrona::ToUtf8(store.GetDbName(format)).c_str(), store.GetDbFields(format));
     }
 }

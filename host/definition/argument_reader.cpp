@@ -16,9 +16,8 @@ void ArgumentReader::SkipBlanks() {
 }
 
 void ArgumentReader::Fail(std::string expected) {
-    if (!failed_) {
-        failed_ = true;
-        problem_ = {position_, std::move(expected)};
+    if (!problem_) {
+        problem_ = ArgumentProblem{position_, std::move(expected)};
     }
 }
 
@@ -33,7 +32,7 @@ void ArgumentReader::Take(wchar_t c) {
 }
 
 std::wstring_view ArgumentReader::TakeUntil(std::wstring_view ends, const char* expected) {
-    const std::size_t end = failed_ ? position_ : std::min(text_.find_first_of(ends, position_), text_.size());
+    const std::size_t end = problem_ ? position_ : std::min(text_.find_first_of(ends, position_), text_.size());
     const std::wstring_view taken = Trim(text_.substr(position_, end - position_));
     if (taken.empty()) {
         Fail(expected);
@@ -45,7 +44,7 @@ std::wstring_view ArgumentReader::TakeUntil(std::wstring_view ends, const char* 
 }
 
 std::wstring_view ArgumentReader::TakeSpan(std::wstring_view set, const char* expected) {
-    const std::size_t end = failed_ ? position_ : std::min(text_.find_first_not_of(set, position_), text_.size());
+    const std::size_t end = problem_ ? position_ : std::min(text_.find_first_not_of(set, position_), text_.size());
     const std::wstring_view taken = text_.substr(position_, end - position_);
     if (taken.empty()) {
         Fail(expected);
@@ -77,7 +76,7 @@ Arguments ArgumentReader::Finish() {
     if (!AtEnd()) {
         Fail("'|' in front of the next word");
     }
-    return failed_ ? Arguments{std::wstring(text_), problem_} : Arguments{canonical_, std::nullopt};
+    return {problem_ ? std::wstring(text_) : canonical_, problem_};
 }
 
 } // namespace Kestrona::Host::Language

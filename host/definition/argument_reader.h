@@ -4,6 +4,7 @@
 #include "definition/characters.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,7 +21,7 @@ public:
 
     [[nodiscard]] bool AtEnd() const { return position_ >= text_.size(); }
 
-    [[nodiscard]] bool Sees(wchar_t c) const { return !failed_ && !AtEnd() && text_[position_] == c; }
+    [[nodiscard]] bool Sees(wchar_t c) const { return !problem_ && !AtEnd() && text_[position_] == c; }
 
     // Adds to the canonical form only.
     void Write(std::wstring_view text) { canonical_ += text; }
@@ -48,8 +49,7 @@ private:
     std::wstring_view text_;
     std::wstring canonical_;
     std::size_t position_ = 0;
-    bool failed_ = false;
-    ArgumentProblem problem_;
+    std::optional<ArgumentProblem> problem_; // the first one
 };
 
 } // namespace Kestrona::Host::Language

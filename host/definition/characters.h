@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 // The kinds of characters that the language knows.
 
 namespace Kestrona::Host::Language {
+
+inline constexpr std::uint32_t kLastCodePoint = 0x10ffff;
 
 // A blank inside a line. Carriage returns count, so that both kinds of line ends read alike.
 [[nodiscard]] constexpr bool IsBlank(wchar_t c) {

@@ -9,7 +9,6 @@
 #include "definition/suggestion.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string>
 #include <unordered_map>

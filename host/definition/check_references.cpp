@@ -10,8 +10,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
-#include <string>
 #include <vector>
 
 namespace Kestrona::Host::Language {

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 
 namespace Kestrona::Host::Language {
 

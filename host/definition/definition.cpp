@@ -6,7 +6,6 @@
 #include <kestrona/host/definition.h>
 
 #include <algorithm>
-#include <filesystem>
 
 namespace Kestrona::Host {
 

@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::wstring_view kWordEnds = L" \t\r\n{}=:\"|";
 constexpr std::size_t kMostCodePointDigits = 6;
-constexpr std::uint32_t kLastCodePoint = 0x10ffff;
 
 TokenKind PunctuationKind(wchar_t c) {
     switch (c) {

@@ -9,10 +9,10 @@
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
 
-#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
-#include <cstring>
+#include <cstdint>
 #include <string_view>
 
 namespace Kestrona::Host::Language {
@@ -25,8 +25,9 @@ constexpr std::size_t kLineLength = 100;
 constexpr std::string_view kIndent = "    ";
 constexpr std::string_view kFurtherLine = "\n        | ";
 
+// Tells -0.0 from 0.0, and takes a NaN for itself.
 bool SameNumber(double left, double right) {
-    return std::memcmp(&left, &right, sizeof left) == 0;
+    return std::bit_cast<std::uint64_t>(left) == std::bit_cast<std::uint64_t>(right);
 }
 
 class FieldPrinter {

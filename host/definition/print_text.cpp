@@ -12,14 +12,16 @@ namespace Kestrona::Host::Language {
 
 namespace {
 
-constexpr wchar_t kLastCodePoint = 0x10ffff;
-
 bool IsSurrogate(wchar_t c) {
     return c >= 0xd800 && c <= 0xdfff;
 }
 
+bool IsCodePoint(wchar_t c) {
+    return c > 0 && static_cast<std::uint32_t>(c) <= kLastCodePoint;
+}
+
 bool IsEncodable(wchar_t c) {
-    return c > 0 && c <= kLastCodePoint && !IsSurrogate(c);
+    return IsCodePoint(c) && !IsSurrogate(c);
 }
 
 bool IsNameCharacter(wchar_t c) {
@@ -29,7 +31,7 @@ bool IsNameCharacter(wchar_t c) {
 // "\u{1f}"; what is no code point has no escape either.
 std::string PrintEscape(wchar_t c) {
     const std::string digits = PrintBits(static_cast<std::uint32_t>(c)).substr(2);
-    return c > 0 && c <= kLastCodePoint ? "\\u{" + digits + "}" : "\\u{fffd}";
+    return IsCodePoint(c) ? "\\u{" + digits + "}" : "\\u{fffd}";
 }
 
 std::string PrintCharacter(wchar_t c) {

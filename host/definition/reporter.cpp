@@ -19,13 +19,14 @@ std::string Compose(const Finding& finding) {
     return text;
 }
 
-bool IsControl(wchar_t c) {
+bool NeedsEscape(wchar_t c) {
     return (c >= 0 && c < 0x20) || (c >= 0x7f && c < 0xa0) || c == 0x2028 || c == 0x2029;
 }
 
 std::wstring Escape(wchar_t c) {
     constexpr std::wstring_view kDigits = L"0123456789abcdef";
     std::wstring digits;
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse): a wide character is no char
     for (auto rest = static_cast<std::uint32_t>(c); rest != 0 || digits.empty(); rest /= 16) {
         digits.insert(digits.begin(), kDigits[rest % 16]);
     }
@@ -85,7 +86,7 @@ std::vector<Diagnostic> Reporter::Take(const std::vector<std::string>& files) {
 std::string Quoted(std::wstring_view text) {
     std::wstring shown;
     for (const wchar_t c : text.substr(0, kLongestExcerpt)) {
-        shown += IsControl(c) ? Escape(c) : std::wstring(1, c);
+        shown += NeedsEscape(c) ? Escape(c) : std::wstring(1, c);
     }
     if (text.size() > kLongestExcerpt) {
         shown += L"...";

@@ -11,8 +11,8 @@ namespace Kestrona::Host::Language {
 // Parses all statements of a file.
 void ParseStatements(ParseContext& context, Lexer& lexer);
 
-// At the end of the file or at a word that begins a statement: a block was not closed. Also when reading on is of no
-// use.
+// Whether a block has no end: the file ends here, or a word follows that begins a statement. Also true when the
+// reporter takes no more errors, so that parsing stops.
 [[nodiscard]] bool SeesEndOfBlock(const TokenParser& parser);
 
 } // namespace Kestrona::Host::Language

@@ -14,7 +14,8 @@ constexpr std::size_t kLongest = 64;
 
 using Row = std::array<std::size_t, kLongest + 1>;
 
-// A short word has few neighbours that mean the same.
+// How many changes a candidate may be away from a word of this length. With as many for a short word, words that have
+// nothing to do with it would be near.
 std::size_t LargestDistance(std::size_t length) {
     return length < 4 ? 1 : length < 8 ? 2 : 3;
 }

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cassert>
-#include <cstddef>
 #include <unordered_map>
 
 namespace Kestrona::Host::Language {

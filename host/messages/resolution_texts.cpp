@@ -13,9 +13,8 @@ namespace {
 
 constexpr NumberedText kTexts[] = {
     // Failed look-ups. 21004 and 21003: classification, format, field name, context. 21005, a line with the context,
-    // and
-    // 21003: classification, context, format name. Behind other texts with format and field, 21003 takes the name that
-    // the keyword gives.
+    // and 21003: classification, context, format name. Behind other texts with format and field, 21003 takes the name
+    // that the keyword gives.
     {21003, L"Check: %s"},
     {21004, L"%s\nleads to format '%s', which has no field '%s'.\n"},
     {21005, L"%s\nleads to a format that does not exist or cannot be reached from there:"},
@@ -29,8 +28,7 @@ constexpr NumberedText kTexts[] = {
     {21011, L"MATRIX MINIMUM of format '%s', field '%s'"},
     {21012, L"MATRIX DEFAULT of format '%s', field '%s'"},
 
-    // Lists: format, field, the name that the keyword gives. 21018, 21019, 21021, 21022 and 21508 are followed by
-    // 21017.
+    // Lists: format, field, the name that the keyword gives. 21017 follows 21018, 21019, 21021, 21022 and 21508.
     {21016, L"RELATED LIST of format '%s', field '%s'"},
     {21017, L"It names '%s'."},
     {21018, L"RELATED LIST of format '%s', field '%s' must name a field with AUTO LIST or DATA LIST. "},
@@ -45,17 +43,16 @@ constexpr NumberedText kTexts[] = {
     {21025, L"FAMILY of format '%s', field '%s'"},
 
     // References to a list or matrix of another format. 21026 and 21027: target format, format, a field that chooses
-    // its
-    // record, the one found before it, the field with the reference. 21028 and 21029: target format, format, the field
-    // with the reference.
+    // its record, the one found before it, the field with the reference. 21028 and 21029: target format, format, the
+    // field with the reference.
     {21026, L"Format '%2%', field '%5%' refers to a list or matrix of format '%1%', and more than one field of '%2%' "
             L"chooses the record there: "},
     {21027, L"'%4%' and '%3%'. Name the right one with RELATED FIELD."},
     {21028, L"Format '%2%', field '%3%' refers to a list or matrix of format '%1%', "},
     {21029, L"but no field of '%2%' chooses the record there. Add a field with DATABASE and a UNIQUE field of '%1%'."},
 
-    // Fields that lean on another field of their format: format, field. 21031, 21032, 21035, 21036 and 21096 are
-    // followed by 21003.
+    // Fields that lean on another field of their format: format, field. 21003 follows 21031, 21032, 21035, 21036 and
+    // 21096.
     {21030, L"ADDITIONAL REFERENCE of format '%s', field '%s'"},
     {21031, L"UPDATE REFERENCE of format '%s', field '%s' leads the field to itself.\n"},
     {21032, L"ADDITIONAL REFERENCE of format '%s', field '%s' leads the field to itself.\n"},

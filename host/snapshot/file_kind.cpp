@@ -1,4 +1,4 @@
-#include "open_file.h"
+#include "file_handle.h"
 #include "snapshot/layout.h"
 #include "snapshot/zlib_stream.h"
 
@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 
 namespace Kestrona::Host {
 
@@ -41,8 +40,7 @@ bool LooksCompiled(std::string_view start) {
 } // namespace
 
 FileKind KindOfFile(const std::string& path) {
-    std::error_code error;
-    const OpenFile file(std::filesystem::is_regular_file(path, error) ? std::fopen(path.c_str(), "rbe") : nullptr);
+    const FileHandle file = OpenRegularFile(path);
     if (file == nullptr) {
         return FileKind::Unreadable;
     }

@@ -4,6 +4,7 @@
 
 #include <kestrona/unicode.h>
 
+#include <filesystem>
 #include <system_error>
 
 namespace Kestrona::Host {
@@ -58,6 +59,20 @@ namespace Kestrona::Host::Snapshots {
 
 FileProblem SystemProblem(FileFault fault, const std::string& path, int error) {
     return {fault, path, {}, error != 0 ? std::generic_category().message(error) : "", ""};
+}
+
+FileHandle OpenRegularFile(const std::string& path, FileProblem& problem) {
+    std::error_code error;
+    const auto kind = std::filesystem::status(path, error).type();
+    if (!error && kind != std::filesystem::file_type::regular) {
+        problem = {FileFault::CannotOpen, path, {}, "not a regular file", ""};
+        return nullptr;
+    }
+    FileHandle file(std::fopen(path.c_str(), "rbe"));
+    if (file == nullptr) {
+        problem = SystemProblem(FileFault::CannotOpen, path);
+    }
+    return file;
 }
 
 std::string Bytes(std::int64_t count) {

@@ -20,7 +20,8 @@ FileWindow::FileWindow(std::FILE* file, std::int64_t begin, std::int64_t end)
       buffer_(kBufferSize),
       stream_(fopencookie(this, "rb", {Read, nullptr, Seek, nullptr})) {
     if (stream_ != nullptr) {
-        std::setvbuf(stream_.get(), buffer_.data(), _IOFBF, buffer_.size()); // without room it would keep its own size
+        // Without memory of ours, the stream would ignore the size.
+        std::setvbuf(stream_.get(), buffer_.data(), _IOFBF, buffer_.size());
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "open_file.h"
+#include "file_handle.h"
 
 #include <sys/types.h>
 
@@ -10,7 +10,7 @@
 namespace Kestrona::Host::Snapshots {
 
 // A part of a file as a stream of its own, for readers that know no bounds. It ends where the part ends, and remembers
-// whether more was asked for. Where the file itself stands does not matter.
+// whether more was asked for. It neither uses nor moves the position of the file itself.
 class FileWindow {
 public:
     // `file` is borrowed. `Stream` is null when there is no memory.
@@ -37,8 +37,8 @@ private:
     std::int64_t size_;
     std::int64_t position_ = 0;
     bool was_too_short_ = false;
-    std::vector<char> buffer_; // of the stream, which goes first
-    OpenFile stream_;
+    std::vector<char> buffer_; // of the stream, which is destroyed first
+    FileHandle stream_;
 };
 
 } // namespace Kestrona::Host::Snapshots

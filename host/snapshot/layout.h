@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kestrona/data_extraction.h>
+
 #include <bit>
 #include <cstdint>
 #include <string_view>
@@ -18,7 +20,7 @@ namespace Kestrona::Host::Snapshots {
 
 static_assert(std::endian::native == std::endian::little, "numbers are written as they lie in memory");
 
-inline constexpr std::string_view kMarker = "KestronaDataExtraction";
+inline constexpr std::string_view kMarker = DataExtraction::kSnapshotMarker;
 inline constexpr std::int32_t kLayout = 1;
 inline constexpr std::int64_t kLayoutAt = 22;
 inline constexpr std::int64_t kVersionAt = 34;
@@ -27,7 +29,7 @@ inline constexpr std::int64_t kMatrixCountAt = 54;
 inline constexpr std::int64_t kDefinitionSizeAt = 58;
 inline constexpr std::int64_t kHeaderSize = 62;
 inline constexpr std::int64_t kOffsetSize = 4;
-// What the offsets reach.
+// The largest offset, and with it the largest size of a snapshot.
 inline constexpr std::int64_t kMaxSize = 0x7FFFFFFF;
 
 } // namespace Kestrona::Host::Snapshots

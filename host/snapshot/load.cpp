@@ -16,7 +16,6 @@
 #include <kestrona/unicode.h>
 
 #include <algorithm>
-#include <cerrno>
 
 namespace Kestrona::Host {
 
@@ -43,7 +42,7 @@ public:
     }
 
     bool LoadTables(const SnapshotInfo& info, const std::wstring& dataset, IInformationFeedback* feedback) {
-        // More matrices than the file has bytes for belong to somebody else.
+        // A matrix takes four bytes at least, so a larger number is false and must not use up the ids of the process.
         const auto most = static_cast<std::int32_t>(file_.Size() / static_cast<std::int64_t>(sizeof(std::int32_t)));
         KSDLL_ReserveMatrixIds(std::min(info.matrix_count, most));
         const std::vector<const SnapshotTable*> chosen = Choose(info, dataset);
@@ -156,8 +155,8 @@ private:
                Damaged(data.begin + position, Bytes(window.Size() - position) + " more", "the end of " + name);
     }
 
-    // Texts, and the name of the dataset, have marked the records as changed. The first call takes the marks, the
-    // second one the mark of the format as a whole.
+    // Reading texts and setting the name of the dataset have marked the records as changed. The first call takes these
+    // marks away; the mark of the format as a whole goes only in a call that finds no others.
     void ForgetChanges(std::int32_t format) {
         store_.ResetDbChanged(format);
         store_.ResetDbChanged(format);

@@ -2,7 +2,8 @@
 
 #include <kestrona/host/snapshot.h>
 
-#include <cstdio>
+#include <cstdint>
+#include <string>
 
 namespace Kestrona::Host::Snapshots {
 
@@ -16,7 +17,8 @@ public:
 
     [[nodiscard]] std::int64_t Offset() const { return offset_; }
 
-    // What is not there leaves the target as it is, and gives false.
+    // Each reads from the place where the one before ended. False, with `problem` told and the target as it was, where
+    // the part ends too early or cannot be read.
     bool Read(void* target, std::int64_t size);
 
     bool Read(std::int32_t& number) { return Read(&number, sizeof number); }

@@ -2,6 +2,9 @@
 
 #include "snapshot/snapshot_file.h"
 
+#include <cstdint>
+#include <optional>
+
 namespace Kestrona::Host::Snapshots {
 
 // The records of one table block in the file.

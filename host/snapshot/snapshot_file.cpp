@@ -7,8 +7,8 @@
 #include <kestrona/data_compressor.h>
 #include <kestrona/unicode.h>
 
+#include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 
 namespace Kestrona::Host::Snapshots {
@@ -40,15 +40,9 @@ std::unique_ptr<SnapshotFile> SnapshotFile::Open(const std::string& path, FilePr
 }
 
 bool SnapshotFile::OpenPlain(const std::string& path, FileProblem& problem) {
-    std::error_code error;
-    const auto kind = std::filesystem::status(path, error).type();
-    if (kind != std::filesystem::file_type::regular && !error) { // a pipe would keep the reader waiting
-        problem = {FileFault::CannotOpen, path_, {}, "not a regular file", ""};
-        return false;
-    }
-    file_.reset(std::fopen(path.c_str(), "rbe"));
+    file_ = OpenRegularFile(path, problem);
     if (file_ == nullptr) {
-        problem = SystemProblem(FileFault::CannotOpen, path_);
+        problem.path = path_; // also where it is the copy that cannot be opened
         return false;
     }
     size_ = SizeOf(file_.get());
@@ -83,7 +77,7 @@ bool SnapshotFile::Decompress(FileProblem& problem) {
 }
 
 bool SnapshotFile::OpenCopy(FileProblem& problem) {
-    const OpenFile compressed = std::move(file_);
+    const FileHandle compressed = std::move(file_);
     return OpenPlain(copy_->Path(), problem) && CheckStreamEnd(compressed.get(), path_, file_.get(), problem);
 }
 

@@ -1,9 +1,15 @@
 #pragma once
 
-#include "open_file.h"
+#include "file_handle.h"
 #include "temporary_file.h"
 
 #include <kestrona/host/snapshot.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
 
 namespace Kestrona::Host::Snapshots {
 
@@ -32,7 +38,7 @@ private:
 
     std::string path_;
     std::unique_ptr<TemporaryFile> copy_;
-    OpenFile file_;
+    FileHandle file_;
     std::int64_t size_ = 0;
     std::int64_t size_on_disk_ = 0;
 };

@@ -11,8 +11,12 @@
 #include <kestrona/unicode.h>
 #include <kestrona/version.h>
 
+#include <array>
+#include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <utility>
+#include <vector>
 
 namespace Kestrona::Host {
 
@@ -57,8 +61,9 @@ std::int32_t NamelessFormat(MemoryResidentData& store) {
     return -1;
 }
 
-// The definition as it stood before its string defaults were marked. A marked field answers with the value of its text,
-// and columns that are made with that value take it for the one that cells without a value have.
+// While it lives, the fields with a string default are not marked as such, as in a definition that was just read. The
+// default value of a marked field is the one that its text stands for; in a snapshot it would become the value of every
+// cell that has none.
 class UnmarkedStringDefaults {
 public:
     explicit UnmarkedStringDefaults(MemoryResidentData& store) : store_(store) {
@@ -115,7 +120,7 @@ struct SnapshotWriter::State {
     // Whether all is well with what has been written so far.
     bool Check() {
         if (std::ferror(draft.File()) != 0) {
-            return !draft.Commit() && FailWith(draft); // the file knows the reason, and does not commit
+            return !draft.Commit() && FailWith(draft); // after a failed write `Commit` fails, and finds the reason
         }
         const std::int64_t size = Position();
         if (size > kMaxSize) {
@@ -171,10 +176,9 @@ struct SnapshotWriter::State {
         if (offsets.size() != static_cast<std::size_t>(tables)) {
             return FailWith(std::to_string(offsets.size()) + " tables instead of " + std::to_string(tables));
         }
-        const std::int32_t numbers[] = {GetTotalMatrixCount(),
-                                        static_cast<std::int32_t>(directory - Snapshots::kHeaderSize)};
         if (std::fseek(draft.File(), Snapshots::kMatrixCountAt, SEEK_SET) == 0) {
-            Write(draft.File(), numbers);
+            Write(draft.File(), GetTotalMatrixCount());
+            Write(draft.File(), static_cast<std::int32_t>(directory - Snapshots::kHeaderSize)); // the definition's size
         }
         if (std::fseek(draft.File(), directory, SEEK_SET) == 0 && !offsets.empty()) {
             std::fwrite(offsets.data(), sizeof offsets[0], offsets.size(), draft.File());

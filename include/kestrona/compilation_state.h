@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 /// \file
 /// Where a definition comes from and what is made of it.

@@ -142,6 +142,7 @@ private:
     [[nodiscard]] static int ReadRowCount(std::FILE* file);
     [[nodiscard]] static int ReadFieldCount(std::FILE* file);
     static void ReadTableHeader(std::FILE* file);
+    // Goes by name alone.
     [[nodiscard]] bool LookupTableAndFieldNames(const std::wstring& table, const std::wstring& field,
                                                 std::int32_t* format, std::int32_t* field_number);
     // Goes by name or, for a field, by number, and accepts no field that the format does not have.

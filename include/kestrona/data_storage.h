@@ -25,7 +25,7 @@ class RecordStateStrategy;
 /// reads as the default, so a column of defaults costs nothing. The positions of the extreme values are cached.
 /// Comparison is exact: numbers as they are, texts by UTF-16 code unit. A NaN equals nothing, itself included.
 template <typename T>
-class KS_API DataStorage : public virtual IColumn<T> {
+class KS_API DataStorage : public virtual IColumn<T> { // NOLINT(*-virtual-class-destructor): it is virtual
 public:
     /// Takes ownership of `record_state`. Requires: not null.
     explicit DataStorage(IRecordStateStrategy* record_state);

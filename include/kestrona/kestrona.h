@@ -50,6 +50,7 @@
 #include <kestrona/safe_file.h>
 #include <kestrona/schema_records.h>
 #include <kestrona/services.h>
+#include <kestrona/sorting.h>
 #include <kestrona/store.h>
 #include <kestrona/table_definition_stream.h>
 #include <kestrona/table_storage.h>

@@ -15,8 +15,8 @@
 /// layout. Threads: one stream at a time in a process, see binary_strings.h; whoever opens the file resets the state.
 
 /// Appends the definition of `store` to an open file, at the place where the file stands. `text1` and `text2` are two
-/// texts that travel behind the formats; null leaves a text out, and a stream that is read with `hasTrailerTexts` needs
-/// both. `ole_servers` may be null. A failed write shows in `std::ferror(stream)`.
+/// texts that travel behind the formats; null leaves a text out, and a stream that is read with `has_trailer_texts`
+/// needs both. `ole_servers` may be null. A failed write shows in `std::ferror(stream)`.
 KS_API void WriteTableDefinitionToStream(Kestrona::Data::MemoryResident::MemoryResidentData& store,
                                          const wchar_t* text1, const wchar_t* text2, std::FILE* stream,
                                          IOleServerManager* ole_servers);

@@ -78,7 +78,7 @@ struct Version {
     std::int32_t major = 0;
     std::int32_t minor = 0;
 
-    friend constexpr auto operator<=>(const Version&, const Version&) = default;
+    friend constexpr auto operator<=>(const Version&, const Version&) = default; // NOLINT(*-use-nullptr): misread
 };
 
 /// A value that may be absent.

@@ -1,6 +1,7 @@
 #include "configuration/auto_list_chain.h"
 
 #include "configuration/messages.h"
+#include "configuration/reference.h"
 #include "configuration/report.h"
 #include "platform/format_text.h"
 
@@ -105,9 +106,9 @@ bool AutoListChain::Follow(TableColumn place, Link& link) {
         return AutoListContext(store_, place);
     };
     KSDLL_WriteDebug(context());
-    return lookup_.FindReferenceFormatField(
-        match.Values.at(Parser().get_TableNameKey()), match.Values.at(Parser().get_FieldNameKey()), context,
-        Datasets::Own, ClassificationAt(text, static_cast<std::size_t>(match.Start)), place.format, link.next);
+    const Reference reference = ReferenceOf(Parser(), match);
+    return lookup_.FindReferenceFormatField(reference.format, reference.field, context, Datasets::Own,
+                                            ClassificationAt(text, reference.position), place.format, link.next);
 }
 
 } // namespace Kestrona::Configuration

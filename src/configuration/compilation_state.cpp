@@ -5,8 +5,6 @@
 #include <kestrona/host_interfaces.h>
 #include <kestrona/host_settings.h>
 
-#include <memory>
-
 namespace Kestrona::Configuration::Compiled {
 
 namespace {
@@ -17,7 +15,7 @@ struct CompiledKind {
     ConfigurationSourceType source_type;
 };
 
-// The source types reach compiled files.
+// The numbers of the source types stand in compiled files, so they must not change.
 constexpr CompiledKind kCompiledKinds[] = {
     {ConfigurationCompileType::Cnf, L"KESTRONA.CNF", ConfigurationSourceType::Cnf},
     {ConfigurationCompileType::Oem, L"KESTRONA.OEM", ConfigurationSourceType::Oem},

@@ -30,8 +30,9 @@ using Data::MemoryResident::MemoryResidentData;
 
 namespace {
 
-constexpr const wchar_t* kUnwritten = L"The configuration file %s cannot be written: %s";
+constexpr const wchar_t* kCannotWrite = L"The configuration file %s cannot be written: %s";
 
+// Always false. Whoever fails the load calls `ErrorExit`.
 bool Warn(const std::wstring& text) {
     MessageManager::getInstance()->ShowMessage(nullptr, text, GetMessageCaption(), kMessageStyleWarning);
     return false;
@@ -100,7 +101,7 @@ bool WriteCompiledConfiguration(MemoryResidentData& store, const std::wstring& p
     KSDLL_ResetChecksum();
     Compiled::WriteFileHead(compilation, file.File());
     WriteTableDefinitionToStream(store, nullptr, nullptr, file.File(), ole_servers);
-    return file.Commit() || Warn(Platform::FormatText(kUnwritten, path, file.Error()));
+    return file.Commit() || Warn(Platform::FormatText(kCannotWrite, path, file.Error()));
 }
 
 } // namespace Kestrona::Configuration

@@ -6,8 +6,7 @@
 
 namespace Kestrona::Configuration {
 
-// Makes the columns of every field of one format. Shared columns and overrides are made after the columns that they
-// lean on.
+// `KSDLL_CreateDataArrays` for one format.
 void MakeColumns(Data::MemoryResident::MemoryResidentData& store, std::int32_t format);
 
 } // namespace Kestrona::Configuration

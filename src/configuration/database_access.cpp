@@ -28,7 +28,7 @@ bool ResolveDefinition(MemoryResidentData& store) {
 bool CheckPrimaryKeys(MemoryResidentData& store) {
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
         const std::int32_t key = store.GetDbKey(format);
-        if (key < 0 || key >= FieldCount(store, format)) { // a number of no field is no key
+        if (key < 0 || key >= FieldCount(store, format)) { // a key that names no field counts as none
             return Fail(Platform::FormatText(Message(kMsgNoPrimaryKey), store.GetDbName(format)));
         }
     }

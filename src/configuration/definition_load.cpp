@@ -3,9 +3,9 @@
 #include "configuration/load_state.h"
 #include "configuration/messages.h"
 #include "configuration/report.h"
-#include "configuration/translation_extraction.h"
 #include "platform/files.h"
 #include "platform/wide_c_string.h"
+#include "text/translation_writers.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/compilation_state.h>
@@ -53,6 +53,7 @@ struct LoadHost {
     }
 };
 
+// Ends a load that has failed and been reported. Always false where the process goes on.
 bool EndLoad() {
     ErrorExit();
     return false;
@@ -152,7 +153,7 @@ void PrepareLoad(const LoadHost& host) {
     ResetRunState();
     SetFromCompiled(false);
     if (ExecutionState::Instance().get_ExtractTranslations()) {
-        InstallTranslationWriters();
+        Text::InstallTranslationWriters();
     }
     host.SetStage(kMsgStageDefinition);
     if (host.feedback != nullptr) {

@@ -2,6 +2,7 @@
 #include <kestrona/definition_model.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -22,6 +23,7 @@ TableDefinition* ConfigurationDefinition::FindTableDefinitionByName(const std::w
 
 std::vector<TableDefinition*> ConfigurationDefinition::get_TableDefinitions() const {
     std::vector<std::unique_ptr<TableDefinition>> made;
+    made.reserve(static_cast<std::size_t>(std::max(store_.GetFormatCount(), 0)));
     for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
         made.push_back(std::make_unique<TableDefinition>(store_, index));
     }
@@ -30,12 +32,14 @@ std::vector<TableDefinition*> ConfigurationDefinition::get_TableDefinitions() co
     return tables;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what the object is a view of
 void ConfigurationDefinition::KeepOriginal() {
     for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
         TableDefinition(store_, index).KeepOriginal();
     }
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): likewise
 void ConfigurationDefinition::RestoreOriginal() {
     for (std::int32_t index = 0; index < store_.GetFormatCount(); ++index) {
         TableDefinition(store_, index).RestoreOriginal();

@@ -5,6 +5,7 @@
 #include <kestrona/definition_model.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <set>
 
@@ -77,6 +78,7 @@ ColumnDefinition* TableDefinition::GetColumnDefinition(std::int32_t column) cons
 std::vector<ColumnDefinition*> TableDefinition::get_ColumnDefinitions() const {
     std::vector<std::unique_ptr<ColumnDefinition>> made;
     const std::int32_t count = store_.GetDbFields(table_);
+    made.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (std::int32_t column = 0; column < count; ++column) {
         made.push_back(std::make_unique<ColumnDefinition>(store_, table_, column));
     }

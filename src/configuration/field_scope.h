@@ -1,5 +1,6 @@
 #pragma once
 
+#include "configuration/reference.h"
 #include "configuration/reference_lookup.h"
 #include "configuration/resolution.h"
 #include "platform/format_text.h"
@@ -7,19 +8,11 @@
 #include <kestrona/store.h>
 #include <kestrona/types.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace Kestrona::Configuration {
-
-// What a keyword names, and where in the classification string the keyword stands.
-struct Reference {
-    std::wstring format;
-    std::wstring field;
-    std::size_t position = 0;
-};
 
 // The field whose classification string is being resolved: what the steps of the two passes read, write and report.
 //

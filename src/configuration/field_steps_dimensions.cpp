@@ -2,8 +2,8 @@
 #include "configuration/field_steps.h"
 #include "configuration/messages.h"
 #include "configuration/report.h"
-#include "configuration/translation_extraction.h"
 #include "platform/scan_wide.h"
+#include "text/translation_writers.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/classification_parsers.h>
@@ -27,8 +27,8 @@ constexpr std::wstring_view kRetired = L"AUTO CALCULATE";
 constexpr const wchar_t* kNotSupported = L"%s is not supported. Remove this feature and restart Kestrona.";
 constexpr const wchar_t* kNotSupportedCaption = L"Unsupported feature";
 
-// One axis as it is written: label, format(field). What is missing reads as an empty text: a label may be, a name fails
-// in the look-up.
+// One axis as it is written: label, format(field). A part that is missing reads as an empty text. That is good for a
+// label; an empty name fails in the look-up.
 struct Axis {
     std::wstring label;
     Reference reference;
@@ -45,7 +45,7 @@ Axis ReadAxis(std::wstring_view& text, std::size_t keyword) {
 }
 
 bool FindAxis(const FieldScope& scope, Axis& axis) {
-    ExtractTranslation(axis.label);
+    Text::DefinitionTexts().AddEntry(axis.label); // for a load that lists the texts to translate
     return scope.Find(axis.reference, scope.Context(kMsgInAutoDimension), Datasets::Own, axis.target);
 }
 
@@ -143,7 +143,8 @@ bool ResolveCommonMatrix(FieldScope& scope) {
     return true;
 }
 
-// The word stands straight behind the rest; a definition that is resolved again has it already.
+// Appends the word without a separator: that is how resolved definitions have it. One that is resolved again has it
+// already.
 bool MarkTwoDimensions(FieldScope& scope) {
     if (scope.Is(Classes::k3DMatrix) && !scope.Text().ends_with(k3DMatrixWord)) {
         scope.SetText(scope.Text() + std::wstring(k3DMatrixWord));

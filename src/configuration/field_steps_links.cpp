@@ -73,7 +73,7 @@ constexpr LinkKeyword kExpandReference{L"EXPAND REFERENCE",
 constexpr const wchar_t* kInOrderMatch = L"ORDER MATCH reference in Format '%s' Field '%s'";
 constexpr const wchar_t* kNoParentForOrderMatch =
     L"No Associated table for ORDER MATCH reference in Format '%s' Field '%s'";
-constexpr std::uint32_t kOrderMatchLogFlags = 33;
+constexpr std::uint32_t kOrderMatchLogFlags = 0x20 | 1; // forced where the debug categories have bit 5
 
 // `target` stays unset where the keyword does not stand.
 bool Resolve(FieldScope& scope, const LinkKeyword& link, std::optional<TableColumn>& target) {
@@ -99,7 +99,7 @@ bool Resolve(FieldScope& scope, const LinkKeyword& link) {
     return Resolve(scope, link, target);
 }
 
-// A match that ends in another format than it begins in ends where it begins.
+// Replaces the end of the match, which the caller has set to its beginning. An end in another format is ignored.
 bool ResolveMatchEnd(FieldScope& scope, TableColumn begin) {
     Reference reference;
     if (!scope.ScanFormatField(L"MATCH END DURATION FIELD", L"MATCH END DURATION FIELD ( %[^(] ( %[^)]", reference)) {

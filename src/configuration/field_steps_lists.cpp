@@ -36,11 +36,10 @@ bool ResolveAutoList(FieldScope& scope) {
     if (!scope.IsMatrix()) {
         return Fail(context());
     }
-    const Reference reference{match.Values.at(parser.get_TableNameKey()), match.Values.at(parser.get_FieldNameKey()),
-                              static_cast<std::size_t>(match.Start)};
     TableColumn first;
     TableColumn last;
-    if (!scope.Find(reference, context, Datasets::Own, first) || !scope.Pass().chain.FindEnd(first, last)) {
+    if (!scope.Find(ReferenceOf(parser, match), context, Datasets::Own, first) ||
+        !scope.Pass().chain.FindEnd(first, last)) {
         return false;
     }
     SetList(scope, first, last);

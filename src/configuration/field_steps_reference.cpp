@@ -22,12 +22,6 @@ namespace {
 constexpr std::wstring_view kFindClassification = L"FIND CLASSIFICATION STRING";
 constexpr const wchar_t* kInFindClassification = L"FIND CLASSIFICATION STRING reference in Format '%s' Field '%s'";
 
-template <typename Parser>
-Reference NamesOf(const Parser& parser, const ClassificationMatch& match) {
-    return {match.Values.at(parser.get_TableNameKey()), match.Values.at(parser.get_FieldNameKey()),
-            static_cast<std::size_t>(match.Start)};
-}
-
 std::wstring NameOfFormat(IMemoryResidentData& store, std::int32_t format) {
     const wchar_t* name = store.GetDbName(format);
     return name == nullptr ? std::wstring() : std::wstring(name);
@@ -118,7 +112,7 @@ bool ResolveDatabase(FieldScope& scope) {
         return true;
     }
     TableColumn target;
-    if (!scope.Find(NamesOf(parser, match), scope.Context(kMsgInDatabase), Datasets::Own, target)) {
+    if (!scope.Find(ReferenceOf(parser, match), scope.Context(kMsgInDatabase), Datasets::Own, target)) {
         return false;
     }
     IMemoryResidentData& store = scope.Store();
@@ -145,7 +139,7 @@ bool ResolveSource(FieldScope& scope) {
         return true;
     }
     TableColumn target;
-    if (!scope.Find(NamesOf(parser, match), scope.Context(kMsgInSource), Datasets::Own, target)) {
+    if (!scope.Find(ReferenceOf(parser, match), scope.Context(kMsgInSource), Datasets::Own, target)) {
         return false;
     }
     scope.Add(Classes::kSource);

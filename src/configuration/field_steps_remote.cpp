@@ -27,11 +27,7 @@ namespace {
 // A default from here down must be one of the remote values; -9999 itself is an ordinary value.
 constexpr double kAboveRemoteDefaults = -9999.0;
 
-template <typename Parser>
-bool FindRemote(const FieldScope& scope, const Parser& parser, const ClassificationMatch& match, std::int32_t context,
-                Reference& reference, TableColumn& target) {
-    reference = {match.Values.at(parser.get_FirstKey()), match.Values.at(parser.get_SecondKey()),
-                 static_cast<std::size_t>(match.Start)};
+bool FindRemote(const FieldScope& scope, const Reference& reference, std::int32_t context, TableColumn& target) {
     return scope.Find(reference, scope.Context(context), Datasets::Any, target);
 }
 
@@ -103,9 +99,8 @@ bool CheckDefault(FieldScope& scope, const std::vector<double>& values) {
 bool ResolveRemoteDefault(FieldScope& scope) {
     static const Parsers::ClassificationParser_REMOTE_DEF parser;
     for (const ClassificationMatch& match : parser.MatchAll(scope.Text())) {
-        Reference reference;
         TableColumn target;
-        if (!FindRemote(scope, parser, match, kMsgInRemoteDefault, reference, target)) {
+        if (!FindRemote(scope, ReferenceOf(parser, match), kMsgInRemoteDefault, target)) {
             return false;
         }
         scope.Store().SetDbDefaultValue(scope.Format(), scope.Field(),
@@ -123,9 +118,9 @@ bool ResolveRemote(FieldScope& scope) {
     std::vector<double> values;
     MissingSubstitutes missing(scope.Text());
     for (const ClassificationMatch& match : matches) {
-        Reference reference;
+        const Reference reference = ReferenceOf(parser, match);
         TableColumn target;
-        if (!FindRemote(scope, parser, match, kMsgInRemote, reference, target)) {
+        if (!FindRemote(scope, reference, kMsgInRemote, target)) {
             return false;
         }
         values.push_back(ConvertTableColumnIndexToRemoteValue(target.format, target.field));

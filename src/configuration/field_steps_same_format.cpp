@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::wstring_view kSwitch = L"SWITCH";
 constexpr std::wstring_view kSwitchOn = L"SWITCH ON";
-constexpr std::size_t kSwitchStep = 5;
 
 // Reads the name behind one SWITCH; empty when this is another word that begins with it.
 std::wstring SwitchName(std::wstring_view text, bool& on) {
@@ -54,7 +53,7 @@ bool ResolveSwitches(FieldScope& scope) {
     const std::wstring_view text = scope.Text();
     bool on = false;
     for (std::size_t at = text.find(kSwitch); at != std::wstring_view::npos;
-         at = text.find(kSwitch, at + kSwitchStep)) {
+         at = text.find(kSwitch, at + kSwitch.size())) {
         Reference reference;
         reference.field = SwitchName(text.substr(at), on);
         reference.position = at;

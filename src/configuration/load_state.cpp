@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kMaxFileName = 511;
 constexpr double kNotLoaded = 0.0;
 
-// Save variables that a load resets; what they mean is the host's.
+// Offsets of save variables that a load resets. Only the host knows what they mean.
 constexpr std::int32_t kSvHost60 = 60;
 constexpr std::int32_t kSvHost100 = 100;
 constexpr std::int32_t kSvHost112 = 112;
@@ -98,7 +98,7 @@ void ResetLoadStateForTests() {
 
 void init_server() {
     KSDLL_WriteDebug(L"Initialize server");
-    KSDLL_SetFloatSv(kSvVersionMark, 0.0);
+    KSDLL_SetFloatSv(kSvVersionMark, Kestrona::Configuration::kNotLoaded);
     KSDLL_WriteDebug(L"Finished Initialisation");
 }
 

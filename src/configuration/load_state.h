@@ -34,7 +34,7 @@ bool IsResolvingCompiled();
 // True at the first call in a process: whoever asks then sets the built-in string tables up.
 bool ClaimStringTables();
 
-// As in a fresh process.
+// Puts everything here back to the state of a fresh process.
 void ResetLoadStateForTests();
 
 } // namespace Kestrona::Configuration

@@ -45,16 +45,16 @@ inline constexpr std::int32_t kMsgInSourceOrder = 21504;
 inline constexpr std::int32_t kMsgInSetupOverride = 21505;
 
 // Refusals of the field pass
-inline constexpr std::int32_t kMsgDefaultNotRemote = 21007;   // value, format, field
-inline constexpr std::int32_t kMsgFirstAxisWrong1 = 21058;    // 21058 to 21062 are one text
-inline constexpr std::int32_t kMsgFirstAxisWrong2 = 21059;    //
-inline constexpr std::int32_t kMsgFirstAxisWrong3 = 21060;    //
-inline constexpr std::int32_t kMsgFirstAxisWrong4 = 21061;    //
-inline constexpr std::int32_t kMsgFirstAxisWrong5 = 21062;    //
-inline constexpr std::int32_t kMsgStorageTarget = 21102;      // format and field of the target; 21103 behind a blank
-inline constexpr std::int32_t kMsgStorageTargetTail = 21103;  // no arguments
-inline constexpr std::int32_t kMsgNoClassification = 21108;   // name, context
-inline constexpr std::int32_t kMsgStringsNeedStorage = 21110; //
+inline constexpr std::int32_t kMsgDefaultNotRemote = 21007; // value, format, field
+inline constexpr std::int32_t kMsgFirstAxisWrong1 = 21058;  // 21058 to 21062 are joined to one text
+inline constexpr std::int32_t kMsgFirstAxisWrong2 = 21059;
+inline constexpr std::int32_t kMsgFirstAxisWrong3 = 21060;
+inline constexpr std::int32_t kMsgFirstAxisWrong4 = 21061;
+inline constexpr std::int32_t kMsgFirstAxisWrong5 = 21062;
+inline constexpr std::int32_t kMsgStorageTarget = 21102;     // format and field of the target; 21103 behind a blank
+inline constexpr std::int32_t kMsgStorageTargetTail = 21103; // no arguments
+inline constexpr std::int32_t kMsgNoClassification = 21108;  // name, context
+inline constexpr std::int32_t kMsgStringsNeedStorage = 21110;
 
 // Contexts of the relationship pass
 inline constexpr std::int32_t kMsgInRelatedList = 21016;
@@ -73,23 +73,30 @@ inline constexpr std::int32_t kMsgRelatedListType = 21019;
 inline constexpr std::int32_t kMsgAssociateTarget = 21021;
 inline constexpr std::int32_t kMsgAssociateType = 21022;
 inline constexpr std::int32_t kMsgAutoRestrictType = 21508;
-inline constexpr std::int32_t kMsgFamilyKeyTail = 21023;     // format, field; behind 21024
-inline constexpr std::int32_t kMsgFamilyKey = 21024;         //
-inline constexpr std::int32_t kMsgAmbiguousRelated = 21026;  // 21026 and 21027: target format, format, the field found,
-inline constexpr std::int32_t kMsgAmbiguousTail = 21027;     // the one found before it, the field being resolved
-inline constexpr std::int32_t kMsgNoRelated = 21028;         // 21028 and 21029: target format, format, field
-inline constexpr std::int32_t kMsgNoRelatedTail = 21029;     //
-inline constexpr std::int32_t kMsgUpdatesItself = 21031;     // 21003 behind it
-inline constexpr std::int32_t kMsgSharesItself = 21032;      // 21003 behind it
-inline constexpr std::int32_t kMsgNoAdditional = 21033;      //
-inline constexpr std::int32_t kMsgSplitsItself = 21035;      // 21003 behind it
-inline constexpr std::int32_t kMsgSplitType = 21036;         // 21003 behind it
-inline constexpr std::int32_t kMsgNoUpdateReference = 21038; //
-inline constexpr std::int32_t kMsgSource1 = 21085;           // 21085 to 21087, then 21088 or 21089: source format,
-inline constexpr std::int32_t kMsgSource2 = 21086;           // format, source field, field
-inline constexpr std::int32_t kMsgSource3 = 21087;           //
-inline constexpr std::int32_t kMsgSourceNoReference = 21088; //
-inline constexpr std::int32_t kMsgSourceOther = 21089;       //
+inline constexpr std::int32_t kMsgFamilyKeyTail = 21023; // format, field; behind 21024
+inline constexpr std::int32_t kMsgFamilyKey = 21024;
+
+// 21026 and 21027 together: target format, format, the field found, the one found before it, the field being resolved.
+// 21028 and 21029 together: target format, format, field.
+inline constexpr std::int32_t kMsgAmbiguousRelated = 21026;
+inline constexpr std::int32_t kMsgAmbiguousTail = 21027;
+inline constexpr std::int32_t kMsgNoRelated = 21028;
+inline constexpr std::int32_t kMsgNoRelatedTail = 21029;
+
+inline constexpr std::int32_t kMsgUpdatesItself = 21031; // 21003 behind it
+inline constexpr std::int32_t kMsgSharesItself = 21032;  // 21003 behind it
+inline constexpr std::int32_t kMsgNoAdditional = 21033;
+inline constexpr std::int32_t kMsgSplitsItself = 21035; // 21003 behind it
+inline constexpr std::int32_t kMsgSplitType = 21036;    // 21003 behind it
+inline constexpr std::int32_t kMsgNoUpdateReference = 21038;
+
+// 21085 to 21087 and then 21088 or 21089 together: source format, format, source field, field.
+inline constexpr std::int32_t kMsgSource1 = 21085;
+inline constexpr std::int32_t kMsgSource2 = 21086;
+inline constexpr std::int32_t kMsgSource3 = 21087;
+inline constexpr std::int32_t kMsgSourceNoReference = 21088;
+inline constexpr std::int32_t kMsgSourceOther = 21089;
+
 inline constexpr std::int32_t kMsgUpdateNeedsSource = 21096; // 21003 behind it
 inline constexpr std::int32_t kMsgOverrideKind = 21111;
 inline constexpr std::int32_t kMsgOverrideText = 21112;

@@ -66,7 +66,8 @@ bool SearchRelated(const FieldScope& scope, std::int32_t target_format, std::int
     return true;
 }
 
-// The field's own source lives on as its matrix field.
+// Gives the field the table and source of the list or matrix that it refers to. The source that it had becomes its
+// matrix field.
 void TakeOverDimensions(FieldScope& scope, TableColumn target) {
     IMemoryResidentData& store = scope.Store();
     if (field_info* info = store.GetFieldInfo(scope.Format(), scope.Field())) {

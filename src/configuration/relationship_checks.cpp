@@ -41,8 +41,9 @@ bool RefuseSource(const FieldScope& scope, TableColumn source, std::int32_t reas
                                      store.GetColumnName(source.format, source.field), scope.FieldName()));
 }
 
-// A field that a later FAMILY field names gets its class when its own turn is over, and keeps its parent sort. Where
-// the definition is resolved again, from a compiled file or otherwise, the class stands there from the beginning.
+// Whether the field has its class from a FAMILY field that stands behind it. When a definition is resolved for the
+// first time, such a field gets the class after its own turn, so that it keeps its parent sort. When the definition is
+// resolved again, it has the class from the beginning, and must keep its parent sort all the same.
 bool GotClassBehindItsTurn(const FieldScope& scope) {
     if (!scope.Is(Classes::kFamilyTarget) || scope.Holds(kInheritFromParentWord)) {
         return false;

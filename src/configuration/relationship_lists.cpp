@@ -10,22 +10,11 @@
 namespace Kestrona::Configuration {
 
 using Data::MemoryResident::IMemoryResidentData;
-using Parsers::ClassificationMatch;
 
 namespace {
 
 bool IsList(const FieldScope& scope, std::int32_t field) {
     return scope.Store().ClassDefined(scope.Format(), field, Classes::kList);
-}
-
-template <typename Parser>
-bool MatchField(const FieldScope& scope, const Parser& parser, Reference& out) {
-    const ClassificationMatch match = parser.MatchFirst(scope.Text());
-    if (match.Matched) {
-        out.field = match.Values.at(parser.get_FirstKey());
-        out.position = static_cast<std::size_t>(match.Start);
-    }
-    return match.Matched;
 }
 
 void HideFromDialogs(FieldScope& scope) {
@@ -71,7 +60,7 @@ bool ResolveRelatedList(FieldScope& scope) {
 bool ResolveAssociate(FieldScope& scope) {
     static const Parsers::ClassificationParser_ASSOCIATE parser;
     Reference reference;
-    if (!MatchField(scope, parser, reference)) {
+    if (!FindFieldReference(parser, scope.Text(), reference)) {
         return true;
     }
     if (KSDLL_GetLongSv(kSvAssociatedTableMode) != 0) {
@@ -113,7 +102,7 @@ bool ResolveAutoRestrict(FieldScope& scope) {
 bool ResolveFamily(FieldScope& scope) {
     static const Parsers::ClassificationParser_FAMILY parser;
     Reference reference;
-    if (!MatchField(scope, parser, reference)) {
+    if (!FindFieldReference(parser, scope.Text(), reference)) {
         return true;
     }
     IMemoryResidentData& store = scope.Store();

@@ -10,7 +10,6 @@
 namespace Kestrona::Configuration {
 
 using Data::MemoryResident::IMemoryResidentData;
-using Parsers::ClassificationMatch;
 
 namespace {
 
@@ -18,12 +17,7 @@ namespace {
 // where not even the keyword stands.
 template <typename Parser>
 bool ReadName(const FieldScope& scope, const Parser& parser, Reference& out) {
-    const ClassificationMatch match = parser.MatchFirst(scope.Text());
-    if (match.Matched) {
-        out.field = match.Values.at(parser.get_FirstKey());
-        out.position = static_cast<std::size_t>(match.Start);
-    }
-    return match.Matched || Parser::HasKeyword(scope.Text());
+    return FindFieldReference(parser, scope.Text(), out) || Parser::HasKeyword(scope.Text());
 }
 
 // 0 when the field may override the other one, else the number of the text that tells why not.
@@ -74,11 +68,10 @@ bool ResolveOverride(FieldScope& scope) {
     if (!scope.Is(Classes::kOverride)) {
         return true;
     }
-    const ClassificationMatch match = parser.MatchFirst(scope.Text());
-    if (!match.Matched) {
+    Reference reference;
+    if (!FindFieldReference(parser, scope.Text(), reference)) {
         return true;
     }
-    const Reference reference{{}, match.Values.at(parser.get_FirstKey()), static_cast<std::size_t>(match.Start)};
     const auto context = [&] {
         return Parsers::ClassificationParser_OVERRIDE::BuildClassification(reference.field);
     };

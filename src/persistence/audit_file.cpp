@@ -19,6 +19,7 @@ Platform::FileHandle& OpenedFile() {
     return file;
 }
 
+// In UTF-16, low byte first.
 void Write(std::FILE* file, std::wstring_view text) {
     std::string bytes;
     for (const char16_t unit : ToUtf16(text)) {

@@ -9,7 +9,7 @@ namespace Kestrona::Persistence {
 // dropped.
 void AppendToAuditFile(std::wstring_view text);
 
-// Closes the file, so that the next text opens one anew.
+// Closes the file, so that the next text opens one anew. For tests that change the current directory.
 void CloseAuditFile();
 
 } // namespace Kestrona::Persistence

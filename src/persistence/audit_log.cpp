@@ -154,13 +154,12 @@ private:
     }
 
     [[nodiscard]] std::wstring Heading() const {
-        const wchar_t* const name = store_.GetDbName(format_);
-        return FormatText(IsNew() ? kCreated : kChanged, record_ + 1, name != nullptr ? name : L"", UserName(),
+        return FormatText(IsNew() ? kCreated : kChanged, record_ + 1, store_.GetDbName(format_), UserName(),
                           TimeText());
     }
 
     [[nodiscard]] std::wstring CellLine(std::int32_t field) const {
-        const std::wstring& name = store_.GetColumnName(format_, field);
+        const std::wstring name = store_.GetColumnName(format_, field);
         const std::wstring text = CellText(format_, field, record_);
         if (IsNew()) {
             return FormatText(kSetCell, name, text);
@@ -173,7 +172,7 @@ private:
     }
 
     [[nodiscard]] std::wstring ListLines(std::int32_t field) const {
-        const std::wstring& name = store_.GetColumnName(format_, field);
+        const std::wstring name = store_.GetColumnName(format_, field);
         if (IsNew()) {
             return FormatText(kSetList, name, L"") + ElementLines(field, record_);
         }

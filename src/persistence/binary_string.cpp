@@ -115,13 +115,12 @@ std::int32_t ReadText(std::FILE* file, std::optional<std::wstring>& text, Window
 
 } // namespace Kestrona::Persistence
 
-using namespace Kestrona::Persistence;
-
 void KSDLL_ResetChecksum() {
-    ProcessScrambling() = {};
+    Kestrona::Persistence::ProcessScrambling() = {};
 }
 
 void KSDLL_WriteBinaryString(std::FILE* file, const wchar_t* text) {
+    using namespace Kestrona::Persistence;
     const std::u16string units = text != nullptr ? Kestrona::ToUtf16(text) : std::u16string();
     // NOLINTNEXTLINE(*-reinterpret-cast): raw units
     std::string bytes(reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t));
@@ -141,7 +140,7 @@ void KSDLL_WriteBinaryString(std::FILE* file, const wchar_t* text) {
 
 std::int32_t KSDLL_ReadBinaryString(std::FILE* file, wchar_t** text, std::int32_t wide) {
     std::optional<std::wstring> read;
-    const std::int32_t result = ReadText(file, read, nullptr, wide != 0);
+    const std::int32_t result = Kestrona::Persistence::ReadText(file, read, nullptr, wide != 0);
     if (result == kBinaryStringText) {
         *text = read ? KSDLL_AddText(read->c_str()) : nullptr;
     }
@@ -150,7 +149,7 @@ std::int32_t KSDLL_ReadBinaryString(std::FILE* file, wchar_t** text, std::int32_
 
 std::int32_t KSDLL_ReadBinaryString(std::FILE* file, wchar_t** text, WindowHandle owner, std::int32_t wide) {
     std::optional<std::wstring> read;
-    const std::int32_t result = ReadText(file, read, owner, wide != 0);
+    const std::int32_t result = Kestrona::Persistence::ReadText(file, read, owner, wide != 0);
     if (read) {
         *text = KSDLL_AddText(read->c_str());
     }

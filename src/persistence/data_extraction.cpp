@@ -1,6 +1,7 @@
 // Implements: the definition and the tables of a snapshot, and the questions about its definition.
 #include "persistence/data_extraction.h"
 
+#include "persistence/matrix_storage.h"
 #include "persistence/shared_columns.h"
 #include "platform/file_reading.h"
 #include "platform/files.h"
@@ -27,10 +28,6 @@ using Configuration::Parsers::ClassificationParser_DATABASE;
 using Data::MemoryResident::MemoryResidentData;
 
 namespace {
-
-// Ids of a file that lie further out are not kept, so they need no room. A false number must not use up the ids of the
-// process.
-constexpr int kMostMatrixIds = 1 << 26;
 
 std::int32_t FieldByName(MemoryResidentData& store, std::int32_t format, const std::wstring& name) {
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
@@ -62,7 +59,8 @@ void DataExtractReader::ReadCompiledTableDefinition(const std::wstring& file) {
     }
     Persistence::FindSharedColumns(store_);
     KSDLL_CreateDataArrays(store_);
-    KSDLL_ReserveMatrixIds(std::min(matrices, kMostMatrixIds));
+    // A false number must not use up the ids of the process.
+    KSDLL_ReserveMatrixIds(std::min(matrices, Persistence::kMaxFileMatrixIds));
 }
 
 void DataExtractReader::ReadTableDataFromFile(const std::wstring& file, std::int32_t format, int offset) {

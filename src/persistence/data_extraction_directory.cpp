@@ -32,13 +32,6 @@ std::int32_t ReadNumber(std::FILE* file) {
     return std::fread(&number, sizeof number, 1, file) == 1 ? number : 0;
 }
 
-long SizeOf(std::FILE* file) {
-    std::fseek(file, 0, SEEK_END);
-    const long size = std::ftell(file);
-    std::fseek(file, 0, SEEK_SET);
-    return std::max(size, 0L);
-}
-
 // Passes over `size` bytes. False when the file does not hold them.
 bool Skip(std::FILE* file, std::int32_t size) {
     return size >= 0 && static_cast<std::size_t>(size) <= Platform::BytesLeft(file) &&
@@ -94,7 +87,7 @@ void DataExtractReader::ReadSummaryDataFromFile(const std::wstring& file, Extrac
         return;
     }
     summary = {};
-    const long file_size = SizeOf(opened.get());
+    const auto file_size = static_cast<long>(Platform::BytesOf(opened.get()));
     if (!IsUncompressedDataExtractionFile(opened.get())) {
         return;
     }
@@ -105,8 +98,9 @@ void DataExtractReader::ReadSummaryDataFromFile(const std::wstring& file, Extrac
     }
 }
 
-// Blocks do not overlap in a sound file, so that their heads together are no longer than the file. A damaged directory
-// that leads to one long name many times ends there.
+// Blocks do not overlap in a sound file, so their heads together are no longer than the file. The walk through a
+// damaged directory, in which many offsets lead to one long name, ends when as many bytes of heads as the file has were
+// read.
 void DataExtractReader::ReadTableSummaryDataFromFile(long file_size, int table_count, std::FILE* file,
                                                      std::vector<TableExtractionSummary>& tables) {
     const std::vector<std::int32_t> offsets = ReadOffsets(file, table_count);

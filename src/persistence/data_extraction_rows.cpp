@@ -25,7 +25,8 @@ using Data::MemoryResident::MemoryResidentData;
 
 namespace {
 
-// Made once; outside of the exported class, whose statics would be exported, too.
+// Each parser is made once. It stands here because a static of a member function of an exported class would be
+// exported.
 template <typename T>
 const T& Parser() {
     static const T parser;
@@ -262,6 +263,7 @@ ExtractedRows DataExtractReader::GetTableDataFromFile(const std::wstring& file, 
     Extraction extraction(*this, file, format, FirstBlockIn(summary));
     const std::int32_t records = extraction.Load(offset);
     std::vector<Extraction::Field> fields;
+    fields.reserve(static_cast<std::size_t>(std::max(store_.GetDbFields(format), 0)));
     for (std::int32_t field = 0; field < store_.GetDbFields(format); ++field) {
         fields.push_back(extraction.Describe(field, Form::Display));
     }

@@ -9,7 +9,6 @@
 
 #include <kestrona/encryption.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -57,7 +56,7 @@ std::wstring DataProtection::Protect(const std::wstring& text) const {
     if (!RandomBytes(std::span(block).subspan(1))) {
         Fail(EIO);
     }
-    // One byte more than the text has.
+    // The form has a zero byte behind the text, which `UnprotectedBytes` drops.
     const SecretBytes plain = Utf16Bytes(text, 1);
     const std::optional<Bytes> sealed = Seal(KeyOfUser(), ByteView(block).subspan(1), plain.View());
     if (!sealed) {

@@ -29,6 +29,7 @@ bool IsRecord(std::int32_t record) {
 } // namespace
 
 // cppcheck-suppress passedByValue ; the signature is exported
+// NOLINTNEXTLINE(performance-unnecessary-value-param): likewise
 EncryptedStringColumn::EncryptedStringColumn(std::wstring default_value, IRecordStateStrategy* record_state,
                                              Encryption::EncryptionService* service)
     : service_(service),

@@ -25,11 +25,10 @@ using Data::MemoryResident::MemoryResidentData;
 
 namespace {
 
-// A file with larger ids or matrices is damaged.
-constexpr std::int32_t kMaxFileId = 1 << 26;
-constexpr std::int32_t kMaxFileSize = 1 << 26;
-// Calculated matrices that a file of any size may have, and the bytes of the file that stand for each further one: the
-// key of a record.
+// A file with a larger matrix is damaged.
+constexpr std::int32_t kMaxMatrixSize = 1 << 26;
+// Calculated matrices take no bytes in a file. So many a file of any size may have; each further one needs a record,
+// and a record takes the bytes of its key at least.
 constexpr std::size_t kFreeMatrices = std::size_t{1} << 16;
 constexpr std::size_t kKeySize = sizeof(double);
 
@@ -61,15 +60,16 @@ void ReleaseMatricesOf(const IColumn<std::int32_t>& identities) {
     }
 }
 
-// Ids of a file, as far as they lie close enough together: the table of matrices has a page for each 4096 ids, which a
-// few ids far from one another must not make many of.
+// Claims the ids of a file in the table of matrices. The table makes a page for each 4096 ids that it uses, so that a
+// few ids of a damaged file, far from one another, could fill the memory: the number of pages is bounded by the number
+// of ids, and ids beyond that are not claimed.
 class IdClaims {
 public:
     explicit IdClaims(std::size_t ids) : pages_left_(kFreePages + ids / kIdsForPage) {}
 
-    // Whether the id is the caller's from now on. Never for one that a cell of the process may hold.
+    // True when the id is the caller's from now on; false for one that a cell of the process may hold.
     bool Claim(std::int32_t id) {
-        return id >= 0 && id < kMaxFileId && TakePage(id / kPageIds) && MatrixTable::Instance().ClaimId(id);
+        return id >= 0 && id < kMaxFileMatrixIds && TakePage(id / kPageIds) && MatrixTable::Instance().ClaimId(id);
     }
 
 private:
@@ -115,7 +115,8 @@ void SettleCommonIds(Ids& ids) {
         ids, [](std::int32_t id) { return id != MatrixTable::kNoId; }, first.front());
 }
 
-// Gives the first `records` records the ids and whatever follows from them.
+// Replaces the ids of the field's matrices by those of a file, one for each of the first `records` records. An id that
+// cannot be kept, or is missing, becomes a new one.
 void TakeIds(MemoryResidentData& store, std::int32_t format, std::int32_t field, Ids ids, std::size_t records) {
     auto* const identities = dynamic_cast<DataStorage<std::int32_t>*>(store.GetFieldInfo(format, field)->matrixColumn);
     if (identities == nullptr) {
@@ -123,7 +124,11 @@ void TakeIds(MemoryResidentData& store, std::int32_t format, std::int32_t field,
     }
     ReleaseMatricesOf(*identities);
     ids.resize(records, MatrixTable::kNoId);
-    HasCommonMatrix(store, format, field) ? SettleCommonIds(ids) : SettleIds(ids);
+    if (HasCommonMatrix(store, format, field)) {
+        SettleCommonIds(ids);
+    } else {
+        SettleIds(ids);
+    }
     identities->ReplaceValues(std::move(ids));
 }
 
@@ -137,7 +142,7 @@ MatrixCells* MakeMatrix(MemoryResidentData& store, std::int32_t format, std::int
 
 // False where the file ends, and for a size that no matrix has.
 bool ReadSize(std::FILE* file, std::int32_t& size) {
-    if (std::fread(&size, sizeof size, 1, file) != 1 || size > kMaxFileSize) {
+    if (std::fread(&size, sizeof size, 1, file) != 1 || size > kMaxMatrixSize) {
         return false;
     }
     size = std::max(size, 0);

@@ -9,6 +9,9 @@
 // that is 0, the column of the elements. A field with COMMON MATRIX has the matrix of record 0 alone.
 namespace Kestrona::Persistence {
 
+// Ids of a file end here; a cell with a larger one gets a new id.
+inline constexpr std::int32_t kMaxFileMatrixIds = 1 << 26;
+
 void WriteMatrices(Data::MemoryResident::MemoryResidentData& store, std::int32_t format, std::int32_t field,
                    std::FILE* file);
 

@@ -37,13 +37,13 @@ Form FormOf(MemoryResidentData& store, std::int32_t format, std::int32_t field) 
     return store.ClassDefined(format, field, Classes::kFreeFormat) ? Form::Texts : Form::Numbers;
 }
 
-// A column that was never made stands in the block like one without values.
-template <typename T>
-void WriteColumn(Data::MemoryResident::IColumn<T>* column, std::FILE* file) {
-    if (column != nullptr) {
-        column->WriteToFile(file);
+// A column that was never made is written like one without values; what a file holds for it is read and dropped.
+
+void WriteNumbers(const field_info& field, std::FILE* file) {
+    if (field.column != nullptr) {
+        field.column->WriteToFile(file);
     } else {
-        Data::MemoryResident::WriteNumbers<T>(file, {});
+        Data::MemoryResident::WriteNumbers<double>(file, {});
     }
 }
 
@@ -85,7 +85,7 @@ void WriteField(MemoryResidentData& store, std::int32_t format, std::int32_t fie
         WriteTexts(info, file);
         break;
     case Form::Numbers:
-        WriteColumn(info.column, file);
+        WriteNumbers(info, file);
         break;
     case Form::Matrices:
         Persistence::WriteMatrices(store, format, field, file);
@@ -108,7 +108,11 @@ void ReadField(MemoryResidentData& store, std::int32_t format, std::int32_t fiel
         }
     } else if (form != Form::Nothing && !is_calculated) {
         const field_info& info = *store.GetFieldInfo(format, field);
-        form == Form::Texts ? ReadTexts(info, file) : ReadNumbers(info, file);
+        if (form == Form::Texts) {
+            ReadTexts(info, file);
+        } else {
+            ReadNumbers(info, file);
+        }
     }
 }
 

@@ -9,10 +9,11 @@ namespace {
 constexpr std::wstring_view kDigits = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr wchar_t kPadding = L'=';
 constexpr int kDigitBits = 6;
+constexpr std::uint32_t kDigitMask = (1U << kDigitBits) - 1;
 constexpr int kByteBits = 8;
 constexpr std::size_t kGroup = 4;
 
-bool IsBlank(wchar_t c) {
+bool IsPassedOver(wchar_t c) {
     return c == L' ' || c == L'\t' || c == L'\r' || c == L'\n';
 }
 
@@ -26,11 +27,11 @@ std::wstring EncodeBase64(std::span<const unsigned char> bytes) {
     for (const unsigned char byte : bytes) {
         bits = bits << kByteBits | byte;
         for (count += kByteBits; count >= kDigitBits; count -= kDigitBits) {
-            text += kDigits[bits >> (count - kDigitBits) & 0x3F];
+            text += kDigits[bits >> (count - kDigitBits) & kDigitMask];
         }
     }
     if (count > 0) {
-        text += kDigits[bits << (kDigitBits - count) & 0x3F];
+        text += kDigits[bits << (kDigitBits - count) & kDigitMask];
     }
     while (text.size() % kGroup != 0) {
         text += kPadding;
@@ -46,7 +47,7 @@ std::optional<std::vector<unsigned char>> DecodeBase64(std::wstring_view text) {
     std::size_t digits = 0;
     std::size_t padding = 0;
     for (const wchar_t c : text) {
-        if (IsBlank(c)) {
+        if (IsPassedOver(c)) {
             continue;
         }
         if (c == kPadding) {

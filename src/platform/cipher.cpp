@@ -1,6 +1,5 @@
 #include "platform/cipher.h"
 
-#include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 
@@ -12,20 +11,20 @@ namespace Kestrona::Platform {
 
 namespace {
 
-struct FreeContext {
+struct ContextDeleter {
     void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
 };
 
-using Context = std::unique_ptr<EVP_CIPHER_CTX, FreeContext>;
+using Context = std::unique_ptr<EVP_CIPHER_CTX, ContextDeleter>;
 
-struct FreeAlgorithm {
+struct AlgorithmDeleter {
     void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
 
     void operator()(EVP_MD* digest) const { EVP_MD_free(digest); }
 };
 
-using Cipher = std::unique_ptr<EVP_CIPHER, FreeAlgorithm>;
-using Digest = std::unique_ptr<EVP_MD, FreeAlgorithm>;
+using Cipher = std::unique_ptr<EVP_CIPHER, AlgorithmDeleter>;
+using Digest = std::unique_ptr<EVP_MD, AlgorithmDeleter>;
 
 // The provider counts in int; a block more may come out than goes in.
 bool Fits(ByteView bytes) {
@@ -56,7 +55,7 @@ bool Run(EVP_CIPHER_CTX* context, ByteView in, unsigned char* out) {
            static_cast<std::size_t>(written) + static_cast<std::size_t>(rest) == in.size();
 }
 
-// The step at which it failed.
+// The step at which it failed; `None` for success.
 CipherStep RunCbc(Direction direction, const SecretBytes& key, ByteView vector, ByteView in, unsigned char* out) {
     assert(key.Size() == kAes256Key && vector.size() == kAesBlock && in.size() % kAesBlock == 0);
     const Cipher cipher(EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr));
@@ -88,10 +87,6 @@ Context GcmContext(Direction direction, const SecretBytes& key, ByteView nonce) 
 }
 
 } // namespace
-
-void Cleanse(void* memory, std::size_t size) {
-    OPENSSL_cleanse(memory, size);
-}
 
 std::optional<SecretBytes> DeriveKey(ByteView password, ByteView salt, int rounds, CipherFailure& failure) {
     const Digest digest(EVP_MD_fetch(nullptr, "SHA1", nullptr));

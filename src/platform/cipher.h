@@ -2,12 +2,11 @@
 
 #include "platform/secret_bytes.h"
 
-#include <array>
 #include <optional>
 #include <span>
 #include <vector>
 
-// The primitives of encryption. Where one fails there is no result and `failure` tells why.
+// The primitives of encryption. Where one fails there is no result; `failure`, where there is one, tells why.
 namespace Kestrona::Platform {
 
 using Bytes = std::vector<unsigned char>;

@@ -4,6 +4,7 @@
 
 #include <kestrona/unicode.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -115,6 +116,14 @@ std::wstring CurrentDirectory() {
 bool SetCurrentDirectory(const std::wstring& path) {
     const auto system_path = SystemPath(path);
     return system_path && chdir(system_path->c_str()) == 0;
+}
+
+void FlushFolder(const std::string& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        fsync(descriptor);
+        close(descriptor);
+    }
 }
 
 std::wstring FolderPart(const std::wstring& path) {

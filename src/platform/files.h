@@ -45,6 +45,10 @@ std::wstring CurrentDirectory();
 // False, and nothing changed, when the path is not a folder that can be entered.
 bool SetCurrentDirectory(const std::wstring& path);
 
+// Writes the entries of a folder to the disk, so that a file that was made or renamed in it keeps its name when the
+// machine crashes. Some file systems cannot do that; then nothing happens. `folder` is a path as the system takes it.
+void FlushFolder(const std::string& folder);
+
 // What stands before the last '/': "a/b" of "a/b/c", "/" of "/c", the empty text when there is no '/'.
 std::wstring FolderPart(const std::wstring& path);
 

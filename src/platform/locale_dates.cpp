@@ -1,6 +1,7 @@
 #include "platform/locale_dates.h"
 
 #include "platform/icu_memory.h"
+#include "platform/locale_id.h"
 
 #include <kestrona/unicode.h>
 
@@ -124,11 +125,10 @@ void ReadTimePattern(std::wstring_view pattern, LocaleDates& dates) {
 
 // The name as ICU knows it, with the calendar that dates are counted in.
 std::string GregorianLocale(const std::string& name) {
-    constexpr std::uint32_t kInvariant = 0x007f;
     constexpr const char* kInvariantIcuName = "en_US_POSIX";
     std::array<char, ULOC_FULLNAME_CAPACITY + 32> locale{};
     const auto capacity = static_cast<std::int32_t>(locale.size());
-    const bool invariant = LocaleIdFromName(name) == kInvariant;
+    const bool invariant = LocaleIdFromName(name) == kInvariantLocale;
     UErrorCode error = U_ZERO_ERROR;
     uloc_canonicalize(invariant ? kInvariantIcuName : name.c_str(), locale.data(), capacity, &error);
     uloc_setKeywordValue("calendar", "gregorian", locale.data(), capacity, &error);

@@ -23,7 +23,7 @@ LocaleDates ReadLocaleDates(const std::string& name);
 // The facts of the user's locale, from LC_ALL before LC_TIME before LANG. Read at the first call and kept.
 const LocaleDates& UserLocaleDates();
 
-// Puts other facts in the place of the user's.
+// Puts other facts in the place of the user's. For tests, as is `ForgetLocaleDates`.
 void OverrideLocaleDates(const LocaleDates& dates);
 
 // Lets the next UserLocaleDates read the environment again.

@@ -1,3 +1,5 @@
+#include "platform/locale_id.h"
+
 #include <kestrona/unicode.h>
 
 #include <unicode/uloc.h>
@@ -7,8 +9,6 @@
 namespace Kestrona {
 
 namespace {
-
-constexpr std::uint32_t kInvariantLocale = 0x007f;
 
 // "C", "C.UTF-8" and "POSIX" stand for no locale at all; ICU takes them for language codes.
 bool IsInvariantName(std::string_view name) {
@@ -20,7 +20,7 @@ bool IsInvariantName(std::string_view name) {
 
 std::uint32_t LocaleIdFromName(std::string_view name) {
     if (IsInvariantName(name)) {
-        return kInvariantLocale;
+        return Platform::kInvariantLocale;
     }
     std::array<char, ULOC_FULLNAME_CAPACITY> canonical{};
     UErrorCode error = U_ZERO_ERROR;

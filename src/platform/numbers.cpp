@@ -30,11 +30,6 @@ constexpr bool IsNanDetail(wchar_t c) {
     return IsDecimalDigit(c) || (lower >= L'a' && lower <= L'z') || c == L'_';
 }
 
-template <typename Predicate>
-std::size_t CountWhile(std::wstring_view text, Predicate holds) {
-    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), holds) - text.begin());
-}
-
 bool StartsWithWord(std::wstring_view text, std::wstring_view lower_word) {
     return text.size() >= lower_word.size() &&
            std::equal(lower_word.begin(), lower_word.end(), text.begin(),

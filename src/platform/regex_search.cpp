@@ -124,8 +124,6 @@ WidePattern::WidePattern(std::wstring_view pattern) {
 }
 
 WidePattern::~WidePattern() = default;
-WidePattern::WidePattern(WidePattern&& other) noexcept = default;
-WidePattern& WidePattern::operator=(WidePattern&& other) noexcept = default;
 
 bool WidePattern::Search(std::wstring_view text, std::size_t start, PatternMatch& out) const {
     if (compiled_ == nullptr || start > text.size()) {

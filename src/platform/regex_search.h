@@ -31,9 +31,9 @@ class WidePattern {
 public:
     // A pattern that cannot be compiled matches nothing.
     explicit WidePattern(std::wstring_view pattern);
-    ~WidePattern();
-    WidePattern(WidePattern&& other) noexcept;
-    WidePattern& operator=(WidePattern&& other) noexcept;
+    ~WidePattern(); // where `Compiled` is complete
+    WidePattern(const WidePattern&) = delete;
+    WidePattern& operator=(const WidePattern&) = delete;
 
     bool IsValid() const { return compiled_ != nullptr; }
 

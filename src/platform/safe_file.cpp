@@ -72,7 +72,7 @@ bool LookAt(const fs::path& target, Former& former) {
     return faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
-// False with errno when there is no chance to be had.
+// False with errno when the system has no random numbers to give.
 bool AppendRandomEnding(std::string& name) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::array<unsigned char, 6> bytes{};
@@ -87,8 +87,8 @@ bool AppendRandomEnding(std::string& name) {
     return true;
 }
 
-// Makes the draft under a name that nobody has. The system takes the process's mask off the permissions of a file that
-// replaces none; one that replaces another stays its owner's alone until it has the permissions of that one.
+// Makes the draft under a name that is not taken. Where it replaces no file, its permissions are those of any new file;
+// otherwise only its owner may open it until `TakeOver` gives it the permissions of the former file. -1 with errno.
 Descriptor MakeDraft(const std::string& target, const Former& former, std::string& draft) {
     Descriptor descriptor = -1;
     int attempts = 0;
@@ -102,7 +102,8 @@ Descriptor MakeDraft(const std::string& target, const Former& former, std::strin
     return descriptor;
 }
 
-// A group that cannot be kept gets no more than what everybody had.
+// Gives the draft the owner, the group and the permissions of the file that it replaces. Where the former group cannot
+// be kept, the group of the draft gets only the permissions that everybody had. False with errno.
 bool TakeOver(Descriptor descriptor, const Former& former) {
     constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
     mode_t permissions = former.permissions;
@@ -112,7 +113,8 @@ bool TakeOver(Descriptor descriptor, const Former& former) {
     return fchmod(descriptor, permissions) == 0;
 }
 
-// A stream does not keep the reason of a failed write. What made it fail makes the system refuse more room.
+// A stream does not keep the reason of a failed write. A full disk or a limit on the size makes the system refuse more
+// room, too, and that refusal tells the reason.
 int ReasonOfFailedWrite(Descriptor descriptor) {
     constexpr off_t kMore = off_t{1} << 20U;
 
@@ -120,17 +122,6 @@ int ReasonOfFailedWrite(Descriptor descriptor) {
 
     const int reason = fstat(descriptor, &status) == 0 ? posix_fallocate(descriptor, status.st_size, kMore) : errno;
     return reason != 0 ? reason : EIO;
-}
-
-// So that the new name survives a crash of the machine. Before that the former file is there, whole, so a folder that
-// cannot be flushed takes nothing from the promise.
-void FlushFolderOf(const std::string& path) {
-    const Descriptor folder =
-        open(fs::path(path).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); // NOLINT(*-vararg)
-    if (folder >= 0) {
-        fsync(folder);
-        close(folder);
-    }
 }
 
 } // namespace
@@ -195,7 +186,8 @@ struct SafeFile::State {
             return FailNow();
         }
         draft.clear();
-        FlushFolderOf(target);
+        // Where the folder cannot be flushed, a crash of the machine leaves the former file, which is whole, too.
+        Platform::FlushFolder(fs::path(target).parent_path().string());
         return true;
     }
 

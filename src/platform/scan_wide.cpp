@@ -14,10 +14,6 @@ namespace {
 
 using Kind = ScanElement::Kind;
 
-std::size_t LeadingBlanks(std::wstring_view text) {
-    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsBlank) - text.begin());
-}
-
 struct Integer {
     std::int64_t value = 0;
     std::size_t length = 0;
@@ -129,14 +125,11 @@ std::size_t StoreReal(std::wstring_view text, const ScanOutput& output) {
 }
 
 std::size_t Store(const ScanElement& element, std::wstring_view text, const ScanOutput& output) {
-    const auto length_while = [text](auto holds) {
-        return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), holds) - text.begin());
-    };
     switch (element.kind) {
     case Kind::Set:
-        return StoreText(text, length_while([&](wchar_t c) { return element.set.Contains(c); }), output);
+        return StoreText(text, CountWhile(text, [&](wchar_t c) { return element.set.Contains(c); }), output);
     case Kind::Word:
-        return StoreText(text, length_while([](wchar_t c) { return !IsBlank(c); }), output);
+        return StoreText(text, CountWhile(text, [](wchar_t c) { return !IsBlank(c); }), output);
     case Kind::Character:
         return StoreCharacter(text, output);
     case Kind::UInt16:
@@ -186,7 +179,7 @@ public:
     }
 
 private:
-    void SkipBlanks() { position_ += LeadingBlanks(text_.substr(position_)); }
+    void SkipBlanks() { position_ += CountWhile(text_.substr(position_), IsBlank); }
 
     bool MatchLiteral(wchar_t literal) {
         hit_end_ = position_ == text_.size();
@@ -204,7 +197,7 @@ private:
             return false;
         }
         const bool skips = element.kind != Kind::Set && element.kind != Kind::Character;
-        const std::size_t begin = position_ + (skips ? LeadingBlanks(text_.substr(position_)) : 0);
+        const std::size_t begin = position_ + (skips ? CountWhile(text_.substr(position_), IsBlank) : 0);
         hit_end_ = begin == text_.size();
         const std::size_t used = hit_end_ ? 0 : Store(element, text_.substr(begin, element.width), outputs_[index]);
         if (used == 0) {

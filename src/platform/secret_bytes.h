@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace Kestrona::Platform {

@@ -15,16 +15,16 @@ namespace Kestrona::Platform {
 
 namespace {
 
-struct CloseCollator {
+struct CollatorCloser {
     void operator()(UCollator* collator) const { ucol_close(collator); }
 };
 
-using Collator = std::unique_ptr<UCollator, CloseCollator>;
+using Collator = std::unique_ptr<UCollator, CollatorCloser>;
 
-// The name of the identities without a language, 0 among them.
+// What ICU calls a locale identity that names no language, such as 0.
 constexpr std::string_view kNoLanguage = "root";
 
-// The default locale where the identity stands for none.
+// The name of the locale with this identity; that of the default locale for an identity of none.
 std::string LocaleName(std::uint32_t locale) {
     std::array<char, ULOC_FULLNAME_CAPACITY> name{};
     UErrorCode error = U_ZERO_ERROR;

@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-// The order of texts for people, with runs of digits as numbers.
+// The order of texts for people, with runs of digits as numbers. `locale` is a locale identity; one that names no
+// locale stands for the default one. The collations that were asked for are kept. Threads: one at a time.
 namespace Kestrona::Platform {
 
 // Negative, 0 or positive; 0 also for texts that the collation does not tell apart.

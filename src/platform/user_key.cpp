@@ -1,6 +1,7 @@
 #include "platform/user_key.h"
 
 #include "platform/cipher.h"
+#include "platform/files.h"
 #include "platform/random.h"
 
 #include <fcntl.h>
@@ -37,7 +38,7 @@ std::map<std::string, SecretBytes>& KnownKeys() {
     return keys;
 }
 
-// Closes at its end.
+// An open file descriptor, closed at the end.
 class File {
 public:
     explicit File(int descriptor) : descriptor_(descriptor) {}
@@ -76,7 +77,8 @@ fs::path KeyPath() {
     return (given ? fs::path(data) : fs::path(HomeFolder()) / ".local/share") / "kestrona" / "user.key";
 }
 
-// Signals and short transfers aside, read and write move all bytes.
+// Calls `move(offset, size)`, a read or a write, until all bytes have been moved: one call may move fewer, or be broken
+// off by a signal. False with errno, EBADMSG at the end of a file.
 template <typename Move>
 bool MoveAll(Move move, std::size_t size) {
     for (std::size_t done = 0; done < size;) {
@@ -130,14 +132,6 @@ bool MakeFolder(const fs::path& folder) {
     return mkdir(folder.c_str(), kOwnersFolder) == 0 || errno == EEXIST;
 }
 
-// What is protected with a key whose name a power failure took would be lost. Not every file system can do it.
-void KeepEntries(const fs::path& folder) {
-    const File file(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (file.IsOpen()) {
-        fsync(file.Descriptor());
-    }
-}
-
 // The key appears under its name whole or not at all. Where two processes make one, the first wins: a link never
 // replaces a file.
 bool MakeKey(const fs::path& path, SecretBytes& key) {
@@ -157,7 +151,8 @@ bool MakeKey(const fs::path& path, SecretBytes& key) {
     const bool made = WriteKey(file, fresh) && (link(draft.c_str(), path.c_str()) == 0 || errno == EEXIST);
     const int error = errno;
     unlink(draft.c_str());
-    KeepEntries(path.parent_path());
+    // Without the key, all that was protected with it is lost: its name must outlive a power failure.
+    FlushFolder(path.parent_path().string());
     errno = error;
     return made && ReadKey(path, key);
 }

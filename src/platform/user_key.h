@@ -13,7 +13,7 @@ namespace Kestrona::Platform {
 // read, belongs to somebody else or can be read by others.
 std::optional<SecretBytes> UserKey(std::string& error);
 
-// Forgets the keys that were read.
+// Forgets the keys that were read. For tests that change the place of the key.
 void ForgetUserKeys();
 
 } // namespace Kestrona::Platform

@@ -10,6 +10,7 @@ namespace Kestrona::Configuration::Compiled {
 
 namespace {
 
+// UTF-16 units. A shorter text has nothing to translate.
 constexpr std::int32_t kShortestShownText = 2;
 
 } // namespace

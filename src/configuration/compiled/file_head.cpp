@@ -19,7 +19,7 @@ namespace {
 
 constexpr const wchar_t* kBannerTitle = L"Compiled configuration of Kestrona\n\r"; // readers take no notice of it
 constexpr const wchar_t* kBannerVersion = L"Version %s Compiled with Build %li\n\r\n\r%c";
-constexpr std::int32_t kBuild = 59698;
+constexpr std::int32_t kBuild = 59698; // part of the form; no build of this library has the number
 
 // The banner is 16-bit text, as all texts of the file; its zero bytes tell the reader so.
 void WriteBanner(std::FILE* file) {

@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <functional>
 
+/// \file
+/// What a host hears of duplicated formats.
+
 namespace Kestrona::Host {
 
 /// Hands the comings and goings of duplicated formats on to functions; without them it does nothing.

@@ -49,7 +49,8 @@ public:
 
 private:
     void Show();
-    [[nodiscard]] bool IsPatient();
+    // Begins to measure at the first call in a load.
+    [[nodiscard]] bool IsTooEarlyToShow();
 
     TextSink sink_;
     std::chrono::milliseconds patience_;

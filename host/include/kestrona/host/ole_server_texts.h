@@ -4,6 +4,9 @@
 
 #include <string>
 
+/// \file
+/// The two texts of the host that travel with a compiled configuration.
+
 namespace Kestrona::Host {
 
 /// Keeps the two texts that travel with a compiled configuration. Both are empty at first. `DefaultHost` puts the

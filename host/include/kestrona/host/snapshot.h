@@ -31,11 +31,11 @@ enum class FileFault : std::uint8_t {
 /// A failure, with what there is to say about it.
 struct FileProblem {
     FileFault fault = FileFault::None;
-    std::string path;                   ///< UTF-8.
-    std::optional<std::int64_t> offset; ///< In the uncompressed file; of a broken
-                                        ///< compression in the compressed one.
-    std::string found;                  ///< What stands there, or what the system says.
-    std::string expected;               ///< What should stand there, "" where nothing is to be said.
+    std::string path; ///< UTF-8.
+    /// Where in the file, in bytes: the uncompressed file, unless it is the compression that is broken.
+    std::optional<std::int64_t> offset;
+    std::string found;    ///< What stands there, or what the system says.
+    std::string expected; ///< What should stand there, "" where nothing is to be said.
 
     /// One line of UTF-8: "'a.kes' ends too early at offset 62: found 3 bytes, expected 128 bytes".
     [[nodiscard]] std::string ToString() const;

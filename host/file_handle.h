@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace Kestrona::Host {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// Closes at its end and drops the result of closing; whoever writes must flush and test before.
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+// Opens a file (UTF-8 path) for reading in binary. Null for what cannot be opened and for what is no regular file: a
+// pipe would keep the reader waiting.
+[[nodiscard]] FileHandle OpenRegularFile(const std::string& path);
+
+} // namespace Kestrona::Host
