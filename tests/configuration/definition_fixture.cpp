@@ -2,7 +2,9 @@
 
 #include <kestrona/classes.h>
 #include <kestrona/process.h>
+#include <kestrona/unicode.h>
 
+#include <ostream>
 #include <utility>
 
 namespace Kestrona::ConfigurationTest {
@@ -142,12 +144,30 @@ void DefinitionFixture::SetParent(std::int32_t format, std::int32_t parent) {
     store_.AddChildTable(parent, format);
 }
 
+std::wstring DefinitionFixture::Changes(bool (*pass)(MemoryResidentData&), const wchar_t* other) {
+    const std::wstring own = L"Orders.";
+    const Snapshot before = TakeSnapshot(store_);
+    succeeded_ = pass(store_);
+    Snapshot after = TakeSnapshot(store_);
+    std::erase_if(after,
+                  [&](const auto& item) { return !item.first.starts_with(own) && !item.first.starts_with(other); });
+    std::wstring changes = Differences(before, after);
+    for (std::size_t at = changes.find(own); at != std::wstring::npos; at = changes.find(own)) {
+        changes.erase(at, own.size());
+    }
+    return changes;
+}
+
 std::wstring DefinitionFixture::Boxes() const {
     std::wstring text;
     for (const Fixtures::RecordingMessages::Box& box : messages_->boxes) {
         text += (text.empty() ? L"" : L"\n") + box.text;
     }
     return text;
+}
+
+void PrintTo(const KeywordCase& each, std::ostream* out) {
+    *out << ToUtf8(each.x.classification);
 }
 
 Fixtures::Field Matrix(const std::wstring& name, const std::wstring& classification, std::vector<Class> classes) {

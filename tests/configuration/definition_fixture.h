@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <string>
@@ -39,6 +40,9 @@ protected:
     void SetExtension(std::int32_t format, const wchar_t* extension);
     void SetParent(std::int32_t format, std::int32_t parent);
 
+    // What a pass changes in the format "Orders", without that name, and in the field `other`. Sets `succeeded_`.
+    std::wstring Changes(bool (*pass)(MemoryResidentData&), const wchar_t* other = L"Orders.");
+
     // The texts of all boxes so far, one line each.
     std::wstring Boxes() const;
 
@@ -47,7 +51,17 @@ protected:
     Fixtures::RecordingMessages* messages_;
     std::unique_ptr<MemoryResidentData> owned_store_;
     MemoryResidentData& store_;
+    bool succeeded_ = false;
 };
+
+// A field X with a keyword, and what comes of it: the changes, or the box that refuses it.
+struct KeywordCase {
+    Fixtures::Field x;
+    const wchar_t* expected;
+    std::vector<Fixtures::Field> more = {}; // behind the other fields of X's format
+};
+
+void PrintTo(const KeywordCase& each, std::ostream* out);
 
 // A matrix field.
 Fixtures::Field Matrix(const std::wstring& name, const std::wstring& classification, std::vector<Class> classes = {});

@@ -59,16 +59,11 @@ TEST_F(Model, ReadsWhatAFieldsStringAndClassesSay) {
         {Real(L"A", L""), L"A", -1, L""},
         {Real(L"A", L"DIALOG FIELD NAME \"Shown\" | FORMAT(8.2) | TIP DISPLAY"), L"Shown", -1, L"8.2"},
         {Real(L"A", L"BUTTON TEXT \"Push\" | FORMAT(MAX 0.3) | TIP DISPLAY(0)"), L"A", 0, L"0.3"},
-        {Real(L"A", L"FORMAT(MAX) | TIP DISPLAY ( 12 ) | TIP DISPLAY(3)"), L"A", 12, L".2"},
         {{.name = L"A",
           .type = TypeBit::kFreeString,
           .classification = L"BUTTON TEXT \"Push\" | TIP DISPLAY(99999999999)"},
          L"Push",
          2147483647,
-         L""},
-        {{.name = L"A", .type = TypeBit::kFreeString, .classification = L"DIALOG FIELD NAME(Shown)"},
-         L"Shown",
-         -1,
          L""},
     };
     for (const Case& c : cases) {

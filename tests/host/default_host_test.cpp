@@ -141,15 +141,11 @@ TEST_F(DefaultHostTest, SaysHowALoadEnded) {
         EXPECT_EQ(out_, once + once);
     }
     DefaultHost host(Options());
-    EXPECT_EQ(host.FillAndResolve("absent.kstdf", host.Store()), LoadOutcome::Unreadable);
-}
-
-TEST_F(DefaultHostTest, ErrorsInTheSourceLeaveTheStoreAsItWas) {
-    files_["bad.kstdf"] = "format A {";
-    DefaultHost host(Options());
     ASSERT_EQ(host.FillAndResolve("plant.kstdf", host.Store()), LoadOutcome::Ok);
+    files_["bad.kstdf"] = "format A {";
     EXPECT_EQ(host.FillAndResolve("bad.kstdf", host.Store()), LoadOutcome::Findings);
-    ExpectPlant(host.Store());
+    EXPECT_EQ(host.FillAndResolve("absent.kstdf", host.Store()), LoadOutcome::Unreadable);
+    ExpectPlant(host.Store()); // as it was
 }
 
 TEST_F(DefaultHostTest, LogsToItsOutputOrToAFile) {

@@ -7,8 +7,6 @@
 #include <kestrona/records.h>
 #include <kestrona/unicode.h>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -52,15 +50,11 @@ format Draft {
 )";
 
 SnapshotTest::SnapshotTest() {
-    std::string name = (std::filesystem::temp_directory_path() / "kestrona-snapshot-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
     Restart();
 }
 
 SnapshotTest::~SnapshotTest() {
     host_.reset();
-    std::error_code error;
-    std::filesystem::remove_all(folder_, error);
     ResetProcessStateForTests();
 }
 
@@ -76,7 +70,7 @@ void SnapshotTest::Restart() {
 }
 
 std::size_t SnapshotTest::FilesInFolder() const {
-    const std::filesystem::directory_iterator files(folder_);
+    const std::filesystem::directory_iterator files(folder_.Path());
     return static_cast<std::size_t>(std::distance(begin(files), end(files)));
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "fixtures/scratch_files.h"
+
 #include <kestrona/host/default_host.h>
 #include <kestrona/host/snapshot.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -23,7 +24,7 @@ protected:
     SnapshotTest();
     ~SnapshotTest() override;
 
-    [[nodiscard]] std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+    [[nodiscard]] std::string Path(const std::string& name) const { return folder_.Path(name); }
 
     [[nodiscard]] std::size_t FilesInFolder() const;
 
@@ -36,7 +37,7 @@ protected:
     std::unique_ptr<Store> MakeSmallStore(unsigned seed = 1);
 
     std::string out_; // what the host has said
-    std::filesystem::path folder_;
+    Testing::ScratchFolder folder_;
     std::unique_ptr<DefaultHost> host_;
 };
 

@@ -2,7 +2,6 @@
 """Snapshots by a second writer and reader, which know the bytes and nothing of the library.
 
     snapshot.py write FILE    writes a small plant and prints what a reader must find in it, as JSON
-    snapshot.py decode FILE   prints any snapshot as JSON: header, definition, directory, cells
 
 A text is UTF-16. Inside the definition it is scrambled; in table data and block heads it is plain.
 """
@@ -463,10 +462,6 @@ def write(path):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3 or sys.argv[1] not in ("write", "decode"):
+    if len(sys.argv) != 3 or sys.argv[1] != "write":
         sys.exit(__doc__)
-    if sys.argv[1] == "write":
-        write(sys.argv[2])
-    else:
-        with open(sys.argv[2], "rb") as file:
-            print(json.dumps(decode(file.read()), indent=1))
+    write(sys.argv[2])

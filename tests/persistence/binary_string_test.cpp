@@ -1,6 +1,6 @@
 // Scrambled texts of compiled definitions.
 #include "fixtures/recording_services.h"
-#include "persistence/scratch_files.h"
+#include "fixtures/scratch_files.h"
 
 #include <kestrona/binary_strings.h>
 #include <kestrona/host_settings.h>

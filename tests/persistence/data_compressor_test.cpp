@@ -1,5 +1,5 @@
 // Whole files compressed and back.
-#include "persistence/scratch_files.h"
+#include "fixtures/scratch_files.h"
 
 #include <kestrona/data_compressor.h>
 

@@ -1,7 +1,8 @@
 // The reader of snapshots beside a writer in another language, and damaged files.
+#include "fixtures/program_output.h"
 #include "fixtures/recording_services.h"
+#include "fixtures/scratch_files.h"
 #include "persistence/snapshot_walk.h"
-#include "platform/files.h"
 #include "platform/locale_dates.h"
 
 #include <kestrona/binary_strings.h>
@@ -15,13 +16,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 
 namespace Kestrona::DataExtraction {
@@ -45,11 +42,6 @@ ExtractedRows RowsOf(const Json& json) {
     return rows;
 }
 
-std::string BytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 // A snapshot that another program wrote, what that program expects of it, and an empty store.
 class Snapshot : public testing::Test {
 protected:
@@ -57,43 +49,32 @@ protected:
         messages.texts[0x69a1] = L"h";
         messages.texts[0x69a3] = L"min";
         Platform::OverrideLocaleDates({DateLayout::YearMonthDay, 10, L":"});
-        const std::string script = "python3 '" KESTRONA_SOURCE_DIR "/tests/oracles/snapshot.py' write '" + file + "'";
-        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(script.c_str(), "r"), pclose);
-        std::string output;
-        std::array<char, 4096> part{};
-        while (std::fgets(part.data(), part.size(), pipe.get()) != nullptr) {
-            output += part.data();
-        }
-        expected = Json::parse(output, nullptr, false);
-        bytes = BytesOf(file);
+        const std::string script =
+            "python3 '" KESTRONA_SOURCE_DIR "/tests/oracles/snapshot.py' write '" + folder.Path("file") + "'";
+        expected = Json::parse(Fixtures::OutputOf(script), nullptr, false);
+        bytes = folder.Read("file");
     }
 
-    ~Snapshot() override {
-        Platform::ForgetLocaleDates();
-        std::filesystem::remove(file);
-    }
+    ~Snapshot() override { Platform::ForgetLocaleDates(); }
 
     void SetUp() override {
         ASSERT_TRUE(expected.is_object()) << "python3 writes the file; scripts/bootstrap installs it";
     }
 
-    void Save(const std::string& content) { std::ofstream(file, std::ios::binary | std::ios::trunc) << content; }
+    void Save(const std::string& content) { folder.Write("file", content); }
 
     // What the library writes now.
     template <typename Write>
     std::string Written(const Write& write) {
-        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(std::tmpfile(), std::fclose);
+        const Testing::File out(std::tmpfile());
         write(out.get());
-        std::string content(static_cast<std::size_t>(std::ftell(out.get())), '\0');
-        std::rewind(out.get());
-        EXPECT_EQ(std::fread(content.data(), 1, content.size(), out.get()), content.size());
-        return content;
+        return Testing::BytesOf(out.get());
     }
 
     Fixtures::FreshProcess process;
     Fixtures::RecordingMessages& messages = Fixtures::InstallRecordingMessages();
-    std::string file = std::filesystem::temp_directory_path() / ("kestrona-extraction-" + std::to_string(getpid()));
-    std::wstring path = FromUtf8(file);
+    Testing::ScratchFolder folder;
+    std::wstring path = folder.WidePath("file");
     Json expected;
     std::string bytes;
     std::unique_ptr<Data::MemoryResident::MemoryResidentData> store = Data::MemoryResident::CreateMemoryResidentData();

@@ -1,5 +1,6 @@
 // The column of encrypted texts.
 #include "fixtures/audited_orders.h"
+#include "fixtures/scratch_files.h"
 #include "platform/user_key.h"
 
 #include <kestrona/audit_log.h>
@@ -7,11 +8,9 @@
 #include <kestrona/records.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -35,8 +34,7 @@ private:
 class EncryptedColumn : public testing::Test {
 protected:
     EncryptedColumn() {
-        std::filesystem::create_directories(folder_);
-        setenv("XDG_DATA_HOME", folder_.c_str(), 1);
+        setenv("XDG_DATA_HOME", folder_.Path().c_str(), 1);
         Platform::ForgetUserKeys();
         service.Initialise(Encryption::DataProtection().Protect(L"phrase"), true);
     }
@@ -44,14 +42,12 @@ protected:
     ~EncryptedColumn() override {
         service.Initialise();
         Platform::ForgetUserKeys();
-        std::filesystem::remove_all(folder_);
     }
 
     // Without the zeros behind a text.
     static std::wstring Trimmed(const std::wstring& text) { return text.c_str(); }
 
-    std::filesystem::path folder_ =
-        std::filesystem::path(testing::TempDir()) / ("kestrona-column-" + std::to_string(getpid()));
+    Testing::ScratchFolder folder_;
     EncryptionService& service = *EncryptionService::Instance();
     std::vector<std::int32_t> changed;
 };
@@ -89,7 +85,7 @@ TEST_F(EncryptedColumn, FilesHoldTheEncryptedTexts) {
     EncryptedStringColumn column(L"", new NullRecordStateStrategy(), &service);
     column.SetValue(0, L"first");
     column.SetValue(1, L"");
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+    const Testing::File file(std::tmpfile());
     column.WriteToFile(file.get());
     std::rewind(file.get());
     EncryptedStringColumn loaded(L"", new NullRecordStateStrategy(), &service);

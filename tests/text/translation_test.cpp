@@ -1,5 +1,6 @@
 // The translation table and the writers of lists.
 #include "fixtures/recording_services.h"
+#include "fixtures/scratch_files.h"
 #include "text/translation_writers.h"
 
 #include <kestrona/process.h>
@@ -9,12 +10,9 @@
 #include <kestrona/unicode.h>
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <array>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <vector>
 
@@ -46,9 +44,8 @@ TEST_F(Translation, EntriesApplyInTheOrderTheyCame) {
     };
 
     for (const Case& c :
-         {Case{L"red", L"Colours", L"rot"}, Case{L"reddish", L"Colours", L"reddish"},
-          Case{L"blue", L"Colours", L"blue"}, Case{L"green", L"Colours", L""}, Case{L"grey", L"Colours", L"grey"},
-          Case{L"red", L"colours", L"red"}, Case{L"big red", L"Sizes", L"gewaltig"},
+         {Case{L"red", L"Colours", L"rot"}, Case{L"blue", L"Colours", L"blue"}, Case{L"green", L"Colours", L""},
+          Case{L"grey", L"Colours", L"grey"}, Case{L"red", L"colours", L"red"}, Case{L"big red", L"Sizes", L"gewaltig"},
           Case{L"big big", L"Sizes", L"riesig big"}, Case{L"", L"Sizes", L""}}) {
         EXPECT_EQ(KSDLL_CheckTranslationEntryT(c.text, c.section), c.expected) << ::testing::PrintToString(c.text);
         std::array<wchar_t, 32> buffer{};
@@ -100,19 +97,8 @@ TEST_F(Translation, AnyTableTranslatesAsAPlainScanDoes) {
 
 class TranslationLists : public Translation {
 protected:
-    TranslationLists() {
-        std::filesystem::create_directories(folder_);
-        std::filesystem::current_path(folder_);
-    }
-
-    ~TranslationLists() override {
-        std::filesystem::current_path(former_folder_);
-        std::filesystem::remove_all(folder_);
-    }
-
-    static std::wstring TextOf(const char* file) {
-        std::ifstream stream(file, std::ios::binary);
-        const std::string bytes(std::istreambuf_iterator<char>(stream), {});
+    std::wstring TextOf(const char* file) {
+        const std::string bytes = folder_.Read(file);
         std::u16string units;
         for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
             units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
@@ -123,11 +109,7 @@ protected:
     }
 
 private:
-    std::filesystem::path former_folder_ = std::filesystem::current_path();
-    std::filesystem::path folder_ = [] {
-        std::string name = (std::filesystem::temp_directory_path() / "kestrona-XXXXXX").string();
-        return std::filesystem::path(::mkdtemp(name.data()));
-    }();
+    Testing::CurrentFolder folder_;
 };
 
 constexpr const wchar_t* kBanner = L"Format :- 'Original string'   'New String'\n\n"
@@ -175,22 +157,19 @@ TEST_F(TranslationLists, ANewLoadBeginsThemAgain) {
     EXPECT_NE(TextOf("KSSERVER.LST").find(L"second"), std::wstring::npos);
 }
 
-TEST_F(TranslationLists, AFileThatCannotBeOpenedSwallowsEverything) {
-    std::filesystem::create_directory("KSSERVER.LST");
-    Text::InstallTranslationWriters();
-    TranslationWriter_NewSection(L"Formats");
-    TranslationWriter_AddEntry(L"Orders");
-    TranslationWriter_Close();
-    EXPECT_TRUE(std::filesystem::is_directory("KSSERVER.LST"));
-}
-
-TEST_F(TranslationLists, WritersThatAreNotInstalledTakeAnything) {
+TEST_F(TranslationLists, WritersWithoutAFileTakeAnything) {
     TranslationWriter_NewSection(L"Formats");
     TranslationWriter_AddEntry(L"Orders", 1);
     DBTranslationWriter_AddEntry(std::wstring(L"Orders"));
     TranslationWriter_Close();
     DBTranslationWriter_Close();
     EXPECT_TRUE(std::filesystem::is_empty("."));
+
+    std::filesystem::create_directory("KSSERVER.LST"); // so that no file can be opened
+    Text::InstallTranslationWriters();
+    TranslationWriter_AddEntry(L"Orders");
+    TranslationWriter_Close();
+    EXPECT_TRUE(std::filesystem::is_directory("KSSERVER.LST"));
 }
 
 } // namespace

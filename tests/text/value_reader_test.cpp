@@ -15,13 +15,10 @@ namespace {
 
 using Data::MemoryResident::MemoryResidentData;
 using Fixtures::Field;
+using Testing::Of;
 using ValueReader = Testing::ValueWords;
 
 constexpr double kUntouched = 4711.25;
-
-Field Of(std::uint32_t type, std::vector<Class> classes = {}, const std::wstring& classification = {}) {
-    return {.name = L"Field", .type = type, .classes = std::move(classes), .classification = classification};
-}
 
 double Read(MemoryResidentData& store, std::int32_t format, const wchar_t* text) {
     double value = kUntouched;
@@ -40,12 +37,10 @@ TEST_F(ValueReader, TextsBecomeValuesOfTheirType) {
     const std::vector<Case> cases{
         {Of(TypeBit::kReal), L" 1234.5 kg", 1234.5},
         {Of(TypeBit::kReal), L"1,5", 1.0},
-        {Of(TypeBit::kReal), L"-1e3", -1000.0},
         {Of(TypeBit::kReal), L"abc", kUntouched},
         {Of(TypeBit::kReal), L"", kUntouched},
         {Of(TypeBit::kReal), nullptr, kUntouched},
         {Of(TypeBit::kReal), L"inf", kUntouched},
-        {Of(TypeBit::kReal), L"nan", kUntouched},
         {Of(TypeBit::kReal), L"1e999", kUntouched},
         {Of(TypeBit::kInteger), L" -12.9", -12.0},
         {Of(TypeBit::kInteger), L"99999999999", 2147483647.0},
@@ -54,14 +49,11 @@ TEST_F(ValueReader, TextsBecomeValuesOfTheirType) {
         {Of(TypeBit::kReal | TypeBit::kInteger), L"2.5", 2.5},
         {Of(TypeBit::kDateTime), L"2022-01-01 12:00", 44562.5},
         {Of(TypeBit::kDateTime), L"2022-02-31", kUntouched},
-        {Of(TypeBit::kDateTime), L"abc", kUntouched},
         {Of(TypeBit::kDateTime), L"UNBESTIMMT", -1.0},
         {Of(TypeBit::kDateTime, {Classes::kTimeForm}), L"6:00", 0.25},
         {Of(TypeBit::kDateTime, {Classes::kTimeForm}), L"25:00", kUntouched},
         {Of(TypeBit::kDuration), L"2 Tage 12:00", 2.5},
-        {Of(TypeBit::kDuration), L"unbestimmt", -1.0},
         {Of(TypeBit::kDuration), L"abc", kUntouched},
-        {Of(TypeBit::kDuration, {Classes::kTimeForm}), L"Tag 3 12:00", 2.5},
         {Of(TypeBit::kDuration, {Classes::kTimeForm, Classes::kDurationMode3}), L"Dienstag 12:00", 2.5},
         {Of(TypeBit::kToggle), L"jA", 1.0},
         {Of(TypeBit::kToggle), L"Jaja", 0.0},
@@ -69,8 +61,8 @@ TEST_F(ValueReader, TextsBecomeValuesOfTheirType) {
         {Of(TypeBit::kReference), L"5", kUntouched},
         {Of(TypeBit::kFreeString), L"5", kUntouched},
         {Of(TypeBit::kFreeString | TypeBit::kReal), L"5", 5.0},
-        {Of(TypeBit::kMatrix | TypeBit::kReal), L"5", kUntouched},
         {Of(0x100 | TypeBit::kReal), L"5", kUntouched},
+        {Of(TypeBit::kMatrix | TypeBit::kReal), L"5", kUntouched},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(Read(store, AddField(c.field), c.text), c.value)

@@ -13,13 +13,10 @@ namespace {
 
 using Configuration::BuiltInTableManager;
 using Fixtures::Field;
+using Testing::Of;
 using Value = Testing::ValueWords;
 
 constexpr double kUnset = -1.0;
-
-Field Of(std::uint32_t type, std::vector<Class> classes = {}, const std::wstring& classification = {}) {
-    return {.name = L"Field", .type = type, .classes = std::move(classes), .classification = classification};
-}
 
 TEST_F(Value, EveryTypeShowsItsForm) {
     struct Case {
@@ -34,17 +31,15 @@ TEST_F(Value, EveryTypeShowsItsForm) {
         {Of(TypeBit::kReal), 1.5, L"1.50"},
         {Of(TypeBit::kReal, {}, L"FORMAT(MAX 0.3)"), 2.0, L"2"},
         {Of(TypeBit::kReal, {}, L"FORMAT(MAX 0.3)"), 2.25, L"2.250"},
-        {Of(TypeBit::kReal, {}, L"FORMAT(8.2)"), 1.5, L"    1.50"},
         {Of(TypeBit::kReal, {Classes::kSubstitute}, substitutes), 0.0, L"nichts"},
         {Of(TypeBit::kReal, {Classes::kSubstitute}, substitutes), 2.5, L"halb"},
-        {Of(TypeBit::kReal, {Classes::kSubstitute}, substitutes), 2.49, L"2.49"},
         {Of(TypeBit::kReal, {}, substitutes), 0.0, L"0.00"},
         {Of(TypeBit::kInteger), -1234567.0, L"-1234567"},
         {Of(TypeBit::kInteger), 2.5, L"2"},
         {Of(TypeBit::kInteger), -0.0, L"-0"},
         {Of(TypeBit::kInteger), 1e12, L"1000000000000"},
-        {Of(TypeBit::kInteger | TypeBit::kReal, {}, L"FORMAT(.3)"), 7.0, L"7"},
         {Of(TypeBit::kInteger | TypeBit::kFreeString), 7.0, L"7"},
+        {Of(TypeBit::kInteger | TypeBit::kReal, {}, L"FORMAT(.3)"), 7.0, L"7"},
         {Of(TypeBit::kToggle, {Classes::kSubstitute}, substitutes), 0.0, L"Nein"},
         {Of(TypeBit::kToggle), 1.0, L"Ja"},
         {Of(TypeBit::kToggle), 2.0, L"Nein"},
@@ -53,7 +48,6 @@ TEST_F(Value, EveryTypeShowsItsForm) {
         {Of(TypeBit::kDateTime, {Classes::kIncludeSeconds}), noon, L"2022-01-01 12:00:00"},
         {Of(TypeBit::kDateTime, {Classes::kShowDate}), noon, L"2022-01-01"},
         {Of(TypeBit::kDateTime, {Classes::kShowDate}), 0.0, L"1899-12-30 00:00"},
-        {Of(TypeBit::kDateTime, {Classes::kShowDate}), kUnset, L"Unbestimmt"},
         {Of(TypeBit::kDateTime, {Classes::kTimeForm}), noon, L"12:00"},
         {Of(TypeBit::kDateTime | TypeBit::kDuration), noon, L"2022-01-01 12:00"},
         {Of(TypeBit::kDuration), 2.5, L"2 Tage 12:00"},
@@ -66,7 +60,6 @@ TEST_F(Value, EveryTypeShowsItsForm) {
         {Of(TypeBit::kMatrix), 2.5, L""},
         {Of(0), 2.5, L""},
         {Of(TypeBit::kReference, {Classes::kDatabase, Classes::kDataList}), 0.07, L"0.07 "},
-        {Of(TypeBit::kReference, {Classes::kDatabase, Classes::kDataList}), 1e-12, L"1.00000000000000e-12 "},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(Shown(c.field, c.value), c.text) << std::hex << c.field.type << ' ' << c.value;
@@ -162,6 +155,7 @@ TEST_F(Value, ListEntriesAreShownThroughTheirTargets) {
     EXPECT_EQ(Shown(bare, 0.0, 2), L"gelb");
     bare.classes = {Classes::kParallelList};
     EXPECT_EQ(Shown(bare, 0.0, 2), L"blau");
+    EXPECT_EQ(Shown(Of(TypeBit::kReference, {}, L"TABLE(Farben)"), 1.0), L"1.00") << "without string tables";
 }
 
 TEST_F(Value, TextsOfAnySizeAndContentPass) {
@@ -217,10 +211,6 @@ TEST_F(StringTables, TheNumberIsKeptOnlyWithItsClass) {
     EXPECT_EQ(GetStringTableIndex(store, cached, 1), 0);
     store.SetDbClassString(cached, 1, L"TABLE(Neu)");
     EXPECT_EQ(GetStringTableIndex(store, cached, 1), 2);
-}
-
-TEST_F(Value, StoresWithoutStringTablesShowNumbers) {
-    EXPECT_EQ(Shown(Of(TypeBit::kReference, {}, L"TABLE(Farben)"), 1.0), L"1.00");
 }
 
 } // namespace

@@ -11,6 +11,11 @@
 
 namespace Kestrona::Testing {
 
+inline Fixtures::Field Of(std::uint32_t type, std::vector<Class> classes = {},
+                          const std::wstring& classification = {}) {
+    return {.name = L"Field", .type = type, .classes = std::move(classes), .classification = classification};
+}
+
 // A store, and a host with a word for everything that a value can be shown as.
 class ValueWords : public DateWords {
 protected:

@@ -15,7 +15,6 @@
 #include <kestrona/unicode.h>
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <set>
 
@@ -159,50 +158,33 @@ TEST_F(CompiledFile, HoldsADefinitionForBothReadersAndComesBack) {
 
 TEST_F(CompiledFile, FromTheSecondWriterIsReadOrRefused) {
     struct Case {
-        const char* what;
-        std::function<void(json&)> change;
+        const char* place;
+        json value;
         std::wstring outcome;
     };
 
     const json good = SmallFile();
     const Case cases[] = {
-        {"wide", [](json&) {}, L""},
-        {"narrow", [](json& file) { file["wide"] = false; }, L""},
-        {"no formats", [](json& file) { file["formats"] = json::array(); }, L""},
-        {"many texts", [](json& file) { file["opaque"] = json(100, "text"); }, L""},
-        {"14.2",
-         [](json& file) {
-             file["version"] = {14, 2};
-         },
-         L"old 14.2 15.0\n"},
-        {"14.9",
-         [](json& file) {
-             file["version"] = {14, 9};
-         },
-         L"old 14.9 15.0\n"},
-        {"15.1",
-         [](json& file) {
-             file["version"] = {15, 1};
-         },
-         L"new 15.1 15.0\n"},
-        {"16.-1",
-         [](json& file) {
-             file["version"] = {16, -1};
-         },
-         L"new 16.-1 15.0\n"},
-        {"11.5", [](json& file) { file["format_version"] = 11.5; }, L"old 11.5 15.0\n"},
-        {"no name", [](json& file) { file["formats"][0]["name"] = ""; }, L"unreadable\n"},
-        {"1001 formats", [](json& file) { file["format_count"] = 1001; }, L"unreadable\n"},
-        {"-1 formats", [](json& file) { file["format_count"] = -1; }, L"unreadable\n"},
-        {"-1 fields", [](json& file) { file["formats"][0]["field_count"] = -1; }, L"unreadable\n"},
-        {"2^31 fields", [](json& file) { file["formats"][0]["field_count"] = 0x7fffffff; }, L"unreadable\n"},
-        {"a parent that is not there", [](json& file) { file["formats"][0]["associated"] = "Nowhere"; },
-         L"21069 Gr\u00f6\u00dfen \n"},
+        {"/wide", true, L""},
+        {"/wide", false, L""},
+        {"/formats", json::array(), L""},
+        {"/opaque", json(100, "text"), L""},
+        {"/version/1", -1, L"old 15.-1 15.0\n"},
+        {"/version/0", 14, L"old 14.0 15.0\n"},
+        {"/version/1", 1, L"new 15.1 15.0\n"},
+        {"/version/0", 16, L"new 16.0 15.0\n"},
+        {"/format_version", 11.5, L"old 11.5 15.0\n"},
+        {"/formats/0/name", "", L"unreadable\n"},
+        {"/format_count", 1001, L"unreadable\n"},
+        {"/format_count", -1, L"unreadable\n"},
+        {"/formats/0/field_count", -1, L"unreadable\n"},
+        {"/formats/0/field_count", 0x7fffffff, L"unreadable\n"},
+        {"/formats/0/associated", "Nowhere", L"21069 Gr\u00f6\u00dfen \n"},
     };
     for (const Case& each : cases) {
         json file = good;
-        each.change(file);
-        EXPECT_EQ(ReadEncoded(file), each.outcome) << each.what;
+        file[json::json_pointer(each.place)] = each.value;
+        EXPECT_EQ(ReadEncoded(file), each.outcome) << each.place << ' ' << each.value;
     }
     ReadEncoded(good);
     EXPECT_EQ(KSDLL_GetLongSv(kSvFlagWord), 1);
@@ -334,7 +316,7 @@ TEST_F(CompiledFile, ThatCannotBeOpenedOrNamedIsReportedAndKept) {
     EXPECT_FALSE(FromCompiled());
     SetBytes("old");
     const std::wstring path = path_;
-    path_ = (folder_ / "nowhere" / "plant.ks").wstring();
+    path_ = folder_.WidePath("nowhere/plant.ks");
     EXPECT_FALSE(Write(*store));
     EXPECT_EQ(Boxes(), L"missing\nnot opened\n");
     path_ = path;
@@ -350,20 +332,15 @@ TEST_F(CompiledFile, ThatCannotBeOpenedOrNamedIsReportedAndKept) {
 
 TEST_F(CompiledFile, HasAVersionThatIsCheckedAndTold) {
     using Functions = CommonCompiledConfigFunctions;
-    const auto thrown = [](const CompiledVersionInfo& info, int result) -> std::wstring {
-        try {
-            Functions::DisplayCompiledVersionMessages(nullptr, L"f", L"c", info,
-                                                      static_cast<VersionCheckResult>(result));
-        } catch (const wchar_t* text) {
-            return text;
-        }
-        return L"";
+    const auto tell = [](float version, int result) {
+        Functions::DisplayCompiledVersionMessages(nullptr, L"f", L"c", {version, {}},
+                                                  static_cast<VersionCheckResult>(result));
     };
-    EXPECT_EQ(thrown({}, 5), L"Unexpected check result");
-    EXPECT_EQ(thrown({12.0F, {}}, 2), L"Expected a valid version");
-    EXPECT_EQ(thrown({12.0F, {}}, 3), L"Expected a valid version");
-    EXPECT_EQ(thrown({12.0F, {}}, 4), L"");
-    EXPECT_EQ(thrown({11.0F, {}}, 1), L"");
+    EXPECT_THROW(tell(12.0F, 5), const wchar_t*);
+    EXPECT_THROW(tell(12.0F, 2), const wchar_t*); // has no version
+    EXPECT_THROW(tell(12.0F, 3), const wchar_t*);
+    tell(12.0F, 4);
+    tell(11.0F, 1);
     EXPECT_EQ(messages_->boxes,
               (std::vector<Fixtures::RecordingMessages::Box>{{L"old 11.0 15.0", L"c", kMessageStyleWarning}}));
     EXPECT_EQ(Functions::CheckVersionInfo({std::numeric_limits<float>::quiet_NaN(), Version{15, 0}}),
@@ -372,8 +349,7 @@ TEST_F(CompiledFile, HasAVersionThatIsCheckedAndTold) {
 }
 
 TEST_F(CompiledFile, IsFoundUnderItsDefaultNames) {
-    const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(folder_);
+    const Testing::CurrentFolder folder;
     std::wstring name = L"as it was";
     EXPECT_FALSE(CommonCompiledConfigFunctions::FindInputFileEx(&name));
     EXPECT_EQ(name, L"as it was");
@@ -383,7 +359,6 @@ TEST_F(CompiledFile, IsFoundUnderItsDefaultNames) {
         EXPECT_TRUE(CommonCompiledConfigFunctions::FindInputFileEx(&name));
         EXPECT_EQ(name, file);
     }
-    std::filesystem::current_path(before);
 }
 
 class RecordingWriter : public NullTranslationWriter {

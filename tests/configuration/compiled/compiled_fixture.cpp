@@ -1,15 +1,13 @@
 #include "configuration/compiled/compiled_fixture.h"
 
 #include "configuration/compiled_configuration.h"
+#include "fixtures/program_output.h"
 
 #include <kestrona/execution_state.h>
 #include <kestrona/host/native_config.h>
 #include <kestrona/process.h>
 
-#include <unistd.h>
-
 #include <cstdlib>
-#include <fstream>
 
 namespace Kestrona::ConfigurationTest {
 
@@ -46,9 +44,7 @@ Fixtures::RecordingMessages* InstallFileMessages() {
 CompiledFixture::CompiledFixture()
     : log_(&Fixtures::InstallRecordingLogger()),
       messages_(InstallFileMessages()),
-      folder_(std::filesystem::path(testing::TempDir()) / ("kestrona-compiled-" + std::to_string(getpid()))),
-      path_((folder_ / "plant.ks").wstring()) {
-    std::filesystem::create_directories(folder_);
+      path_(folder_.WidePath("plant.ks")) {
     ExecutionState::Instance().set_IsRunningHeadless(true);
     CompilationState& compilation = CompilationState::Instance() = CompilationState();
     compilation.set_CompileType(ConfigurationCompileType::Cnf);
@@ -57,7 +53,6 @@ CompiledFixture::CompiledFixture()
 
 CompiledFixture::~CompiledFixture() {
     CompilationState::Instance() = CompilationState();
-    std::filesystem::remove_all(folder_);
 }
 
 std::unique_ptr<MemoryResidentData> CompiledFixture::LoadDefinition(const std::string& file) {
@@ -89,28 +84,17 @@ bool CompiledFixture::Read(MemoryResidentData& store) {
     return Configuration::ReadCompiledConfiguration(store, path_, this, nullptr, this);
 }
 
-std::string CompiledFixture::Bytes() const {
-    std::ifstream file(folder_ / "plant.ks", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void CompiledFixture::SetBytes(const std::string& bytes) const {
-    std::ofstream(folder_ / "plant.ks", std::ios::binary) << bytes;
-}
-
 nlohmann::json CompiledFixture::Decode(int kind) const {
-    const std::string output = (folder_ / "decoded.json").string();
-    const std::string command = kOracle + ("decode '" + (folder_ / "plant.ks").string()) + "' " + std::to_string(kind);
-    EXPECT_EQ(std::system((command + " > '" + output + "'").c_str()), 0) << "python3 reads the file as well";
-    std::ifstream file(output);
-    return nlohmann::json::parse(file, nullptr, false);
+    const std::string found =
+        Fixtures::OutputOf(kOracle + ("decode '" + folder_.Path("plant.ks")) + "' " + std::to_string(kind));
+    EXPECT_NE(found, "") << "python3 reads the file as well";
+    return nlohmann::json::parse(found, nullptr, false);
 }
 
 void CompiledFixture::Encode(const nlohmann::json& file) const {
-    const std::string input = (folder_ / "encoded.json").string();
-    std::ofstream(input) << file;
-    const std::string command = kOracle + ("encode '" + (folder_ / "plant.ks").string()) + "' < '" + input + "'";
-    EXPECT_EQ(std::system(command.c_str()), 0) << "python3 writes the file";
+    folder_.Write("encoded.json", file.dump());
+    const std::string files = folder_.Path("plant.ks") + "' < '" + folder_.Path("encoded.json");
+    EXPECT_EQ(std::system((kOracle + ("encode '" + files) + "'").c_str()), 0) << "python3 writes the file";
 }
 
 std::wstring CompiledFixture::Boxes() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fixtures/recording_services.h"
+#include "fixtures/scratch_files.h"
 
 #include <kestrona/compilation_state.h>
 #include <kestrona/host_interfaces.h>
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -50,8 +50,9 @@ protected:
     bool Write(MemoryResidentData& store);
     bool Read(MemoryResidentData& store);
 
-    std::string Bytes() const;
-    void SetBytes(const std::string& bytes) const;
+    std::string Bytes() const { return folder_.Read("plant.ks"); }
+
+    void SetBytes(const std::string& bytes) const { folder_.Write("plant.ks", bytes); }
 
     // What the second reader finds in the file, and the file as the second writer makes it.
     nlohmann::json Decode(int kind) const;
@@ -63,7 +64,7 @@ protected:
     Fixtures::FreshProcess process_;
     Fixtures::RecordingLogger* log_;
     Fixtures::RecordingMessages* messages_;
-    std::filesystem::path folder_;
+    Testing::ScratchFolder folder_;
     std::wstring path_;
     std::wstring origin_;
     std::wstring first_text_;
