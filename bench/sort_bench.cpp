@@ -152,10 +152,11 @@ void SortByRadix(benchmark::State& state, const std::vector<OrderField>& fields)
     const Plant& data = DataOf(state);
     std::vector<std::vector<std::uint64_t>> bits;
     for (const OrderField field : fields) {
-        std::vector<std::uint64_t>& of_field = bits.emplace_back();
+        std::vector<std::uint64_t> of_field;
         for (std::int32_t record = 0; record < data.Records(); ++record) {
             of_field.push_back(std::bit_cast<std::uint64_t>(data.Number(field, record)));
         }
+        bits.push_back(std::move(of_field));
     }
     for (auto _ : state) {
         std::vector<RadixKey> keys(bits[0].size());

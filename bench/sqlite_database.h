@@ -42,10 +42,13 @@ private:
     sqlite3* handle_ = nullptr;
 };
 
-// Runs a statement that gives no rows, or whose rows nobody wants, with the values that were bound.
+// Runs a statement that gives no rows, or whose rows nobody wants, with the values that were bound. A peer that does
+// not do its work must not be measured.
 inline void RunOnce(const Statement& statement) {
     sqlite3_step(statement.get());
-    sqlite3_reset(statement.get());
+    if (const int code = sqlite3_reset(statement.get()); code != SQLITE_OK) { // tells what the step failed of
+        throw std::runtime_error(sqlite3_errstr(code));
+    }
 }
 
 } // namespace Kestrona::Bench

@@ -190,9 +190,8 @@ void DataStorage<T>::MoveValuesUp(std::int32_t first, std::int32_t last, Equal e
         const std::int32_t low = std::max(high - high % kBlock, first + 1);
         ReportMoves(low, high, equal);
         std::move_backward(values_.begin() + low - 1, values_.begin() + high, values_.begin() + high + 1);
-        if (low == first + 1) {
-            values_[static_cast<std::size_t>(first)] = T(values_[static_cast<std::size_t>(low)]);
-        }
+        // A text that has moved is gone from its place: `first` keeps its own, and the next block compares with it.
+        values_[static_cast<std::size_t>(low) - 1] = T(values_[static_cast<std::size_t>(low)]);
         high = low - 1;
     }
 }

@@ -5,6 +5,9 @@
 #include <memory>
 #include <numeric>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 // Searches of DataStorage<T>, and its extreme values with their cached positions.
 namespace Kestrona::Data::MemoryResident {
@@ -122,11 +125,11 @@ T DataStorage<T>::FindMinValue() {
 template <typename T>
 T DataStorage<T>::FindMaxValue(bool exclude_default) {
     RequireRecords(kMaxOfEmptyColumn);
-    const std::int32_t& position = exclude_default ? extremes_.maxNonDefault : extremes_.max;
-    if (position < 0) {
+    const auto wanted = exclude_default ? &Extremes::maxNonDefault : &Extremes::max;
+    if (extremes_.*wanted < 0) {
         ScanForMax();
     }
-    // cppcheck-suppress duplicateCondition ; the scan moves what it refers to
+    const std::int32_t position = extremes_.*wanted;
     if (position < 0) {
         return exclude_default ? GetMinTypeValue() : defaultValue_;
     }
@@ -136,11 +139,11 @@ T DataStorage<T>::FindMaxValue(bool exclude_default) {
 template <typename T>
 T DataStorage<T>::FindMinValue(bool exclude_default) {
     RequireRecords(kMinOfEmptyColumn);
-    const std::int32_t& position = exclude_default ? extremes_.minNonDefault : extremes_.min;
-    if (position < 0) {
+    const auto wanted = exclude_default ? &Extremes::minNonDefault : &Extremes::min;
+    if (extremes_.*wanted < 0) {
         ScanForMin();
     }
-    // cppcheck-suppress duplicateCondition ; the scan moves what it refers to
+    const std::int32_t position = extremes_.*wanted;
     if (position < 0) {
         return exclude_default ? GetMaxTypeValue() : defaultValue_;
     }
@@ -161,16 +164,19 @@ std::int32_t FirstExtreme(const std::vector<T>& values, const T& start, Beyond b
     return position;
 }
 
+// The position among all values, and that among those that are not the default.
+template <typename T, typename Beyond>
+std::pair<std::int32_t, std::int32_t> FirstExtremes(const std::vector<T>& values, const T& start,
+                                                    const T& default_value, Beyond beyond) {
+    return {FirstExtreme(values, start, beyond, [](const T&) { return true; }),
+            FirstExtreme(values, start, beyond, [&](const T& value) { return !(value == default_value); })};
+}
+
 template <typename T>
 void DataStorage<T>::ScanForMax() {
     watched_ = true;
-    const T start = GetMinTypeValue();
-    const auto beyond = [](const T& a, const T& b) {
-        return IsGreaterThan(a, b);
-    };
-    extremes_.max = FirstExtreme(values_, start, beyond, [](const T&) { return true; });
-    extremes_.maxNonDefault =
-        FirstExtreme(values_, start, beyond, [this](const T& value) { return !AreEqual(value, defaultValue_); });
+    std::tie(extremes_.max, extremes_.maxNonDefault) =
+        FirstExtremes(values_, GetMinTypeValue(), defaultValue_, [](const T& a, const T& b) { return IsBelow(b, a); });
     if (values_.size() < GetCurrentSize()) {
         ForgetExtremesBeyondDefault();
     }
@@ -179,13 +185,8 @@ void DataStorage<T>::ScanForMax() {
 template <typename T>
 void DataStorage<T>::ScanForMin() {
     watched_ = true;
-    const T start = GetMaxTypeValue();
-    const auto beyond = [](const T& a, const T& b) {
-        return IsLessThan(a, b);
-    };
-    extremes_.min = FirstExtreme(values_, start, beyond, [](const T&) { return true; });
-    extremes_.minNonDefault =
-        FirstExtreme(values_, start, beyond, [this](const T& value) { return !AreEqual(value, defaultValue_); });
+    std::tie(extremes_.min, extremes_.minNonDefault) =
+        FirstExtremes(values_, GetMaxTypeValue(), defaultValue_, [](const T& a, const T& b) { return IsBelow(a, b); });
     if (values_.size() < GetCurrentSize()) {
         ForgetExtremesBeyondDefault();
     }

@@ -9,13 +9,13 @@ MatrixIdentityColumn::MatrixIdentityColumn(IRecordStateStrategy* record_state)
       ValueManagedDataStorage<std::int32_t>(MatrixTable::kNoId, record_state) {}
 
 std::int32_t MatrixIdentityColumn::InOrder(std::uint32_t size) const {
-    return size == size_ && lostCounts_ == MatrixTable::Instance().LostCounts() ? inOrder_ : 0;
+    return size == size_ && orderBreaks_ == MatrixTable::Instance().OrderBreaks() ? inOrder_ : 0;
 }
 
 void MatrixIdentityColumn::NoteInOrder(std::int32_t records, std::uint32_t size) {
     inOrder_ = records;
     size_ = size;
-    lostCounts_ = MatrixTable::Instance().LostCounts();
+    orderBreaks_ = MatrixTable::Instance().OrderBreaks();
     HearOfNextChange();
 }
 

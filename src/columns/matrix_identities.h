@@ -15,7 +15,7 @@ public:
 
     // The records from 0 on that were noted with this size; 0 where an id or a matrix has changed since.
     [[nodiscard]] std::int32_t InOrder(std::uint32_t size) const;
-    // Requires: the matrices of the records are marked as counted.
+    // Requires: the matrices of the records are marked as noted.
     void NoteInOrder(std::int32_t records, std::uint32_t size);
 
 protected:
@@ -24,7 +24,7 @@ protected:
 private:
     std::int32_t inOrder_ = 0;
     std::uint32_t size_ = 0;
-    std::uint64_t lostCounts_ = 0; // of the matrix table when it was noted
+    std::uint64_t orderBreaks_ = 0; // of the matrix table when it was noted
 };
 
 } // namespace Kestrona::Data::MemoryResident

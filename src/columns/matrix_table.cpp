@@ -83,23 +83,23 @@ bool MatrixTable::ClaimId(std::int32_t id) {
 void MatrixTable::Put(std::int32_t id, MatrixEntry matrix) {
     Page& page = NeedPage(id);
     MatrixEntry& entry = page.entries[static_cast<std::uint32_t>(id) % kPageEntries];
-    LoseCount(entry);
+    BreakOrder(entry);
     page.matrices += (matrix.IsMatrix() ? 1 : 0) - (entry.IsMatrix() ? 1 : 0);
     entry = std::move(matrix);
     HeldMark(id) = true;
 }
 
-void MatrixTable::LoseCount(MatrixEntry& entry) {
-    if (entry.isCounted) {
-        entry.isCounted = false;
-        ++lostCounts_;
+void MatrixTable::BreakOrder(MatrixEntry& entry) {
+    if (entry.isNotedInOrder) {
+        entry.isNotedInOrder = false;
+        ++orderBreaks_;
     }
 }
 
 void MatrixTable::SetSize(std::int32_t id, std::uint32_t size) {
     MatrixEntry* const entry = Find(id);
     if (entry != nullptr && entry->size != size) {
-        LoseCount(*entry);
+        BreakOrder(*entry);
         entry->size = size;
     }
 }
@@ -111,7 +111,7 @@ void MatrixTable::Free(std::int32_t id) {
     }
     const auto page = static_cast<std::size_t>(id >> kPageShift);
     const bool was_matrix = entry->IsMatrix();
-    LoseCount(*entry);
+    BreakOrder(*entry);
     *entry = {};
     if (was_matrix) {
         --pages_[page]->matrices;
@@ -168,7 +168,7 @@ void MatrixTable::FreeColumns() {
     for (const std::unique_ptr<Page>& page : pages_) {
         if (page != nullptr) {
             std::ranges::for_each(page->entries, [this](MatrixEntry& entry) {
-                LoseCount(entry);
+                BreakOrder(entry);
                 entry.FreeElements();
             });
             page->matrices = 0;
@@ -179,7 +179,7 @@ void MatrixTable::FreeColumns() {
 void MatrixTable::Reset() {
     pages_.clear();
     held_.clear();
-    ++lostCounts_;
+    ++orderBreaks_;
     nextId_ = 0;
     capacity_ = kFirstCapacity;
 }

@@ -17,10 +17,10 @@ struct MatrixEntry {
     std::unique_ptr<MatrixColumn> column; // instead of cells where the elements are calculated
     std::uint32_t size = 0;               // elements as announced; the cells may be more or fewer
     bool isCalculated = false;
-    bool isCounted = false;      // `LostCounts` tells when the size changes or the matrix goes
-    std::uint8_t otherCells = 0; // that share the id with the one that it was made for
+    bool isNotedInOrder = false; // by a column of ids, which looks at `OrderBreaks`
+    std::uint8_t otherCells = 0; // that hold the id beside one; kUnknownCells for many, or when nobody knows
 
-    static constexpr std::uint8_t kUnknownCells = 255; // stays
+    static constexpr std::uint8_t kUnknownCells = 255;
 
     [[nodiscard]] bool IsMatrix() const { return cells.IsMatrix() || column != nullptr; }
 
@@ -68,9 +68,9 @@ public:
     void Free(std::int32_t id);
     // Frees an id whose cell is about to go.
     void Release(std::int32_t id);
-    // Another cell has taken over the id.
+    // One more cell holds the id.
     void NoteSharing(std::int32_t id);
-    // Nobody knows how many cells hold the id: it had been freed while they did.
+    // Nobody knows how many cells hold the id, as where it had been freed while they did.
     void NoteUnknownSharing(std::int32_t id);
     // A cell has got another id instead. The matrix goes with the last cell, unless nobody knows which that is.
     void Leave(std::int32_t id);
@@ -81,8 +81,8 @@ public:
 
     [[nodiscard]] std::int32_t Capacity() const { return capacity_; }
 
-    // How often a matrix marked as counted got another size or went.
-    [[nodiscard]] std::uint64_t LostCounts() const { return lostCounts_; }
+    // How often a matrix that was noted as in order got another size or went.
+    [[nodiscard]] std::uint64_t OrderBreaks() const { return orderBreaks_; }
 
 private:
     static constexpr std::int32_t kPageShift = 9;
@@ -99,13 +99,13 @@ private:
     Page& NeedPage(std::int32_t id);
     Marks::reference HeldMark(std::int32_t id);
     void ReleasePageIfSpent(std::size_t page);
-    void LoseCount(MatrixEntry& entry);
+    void BreakOrder(MatrixEntry& entry);
 
     std::vector<std::unique_ptr<Page>> pages_;
     std::vector<std::unique_ptr<Marks>> held_; // ids that a cell may hold, in pages likewise, of 4096
     std::int32_t nextId_ = 0;
     std::int32_t capacity_ = kFirstCapacity;
-    std::uint64_t lostCounts_ = 0;
+    std::uint64_t orderBreaks_ = 0;
 };
 
 } // namespace Kestrona::Data::MemoryResident

@@ -117,6 +117,13 @@ void IndexColumn(formats_info& format, field_info& field, ColumnSlot<T> slot) {
     }
 }
 
+IColumn<double>* FindOverrideTarget(const formats_info& format, const IColumn<double>* column) {
+    const auto owner = std::ranges::find_if(format.fields, [column](const field_info& field) {
+        return field.column == column && field.overrideTarget != nullptr;
+    });
+    return owner != format.fields.end() ? owner->overrideTarget : nullptr;
+}
+
 void FreeColumns(formats_info& format) {
     for (field_info& field : format.fields) {
         field.overrideTarget = nullptr;

@@ -34,6 +34,9 @@ void ReplaceColumn(formats_info& format, field_info& field, ColumnSlot<T> slot, 
 template <typename T>
 void IndexColumn(formats_info& format, field_info& field, ColumnSlot<T> slot);
 
+// The column that writes to an OVERRIDE column go through to, null for any other column.
+IColumn<double>* FindOverrideTarget(const formats_info& format, const IColumn<double>* column);
+
 // Frees every column of every field, and the update column.
 void FreeColumns(formats_info& format);
 

@@ -9,9 +9,12 @@
 
 namespace Kestrona::Data::MemoryResident {
 
+bool HoldsMatrices(const field_info& field) {
+    return (field.type & TypeBit::kMatrix) != 0 && field.matrixColumn != nullptr;
+}
+
 bool OwnsMatrices(const field_info& field) {
-    return (field.type & TypeBit::kMatrix) != 0 && field.matrixColumn != nullptr &&
-           !HasClass(field, Classes::kAdditionalReference);
+    return HoldsMatrices(field) && !HasClass(field, Classes::kAdditionalReference);
 }
 
 bool IsAnyList(const field_info& field) {

@@ -7,6 +7,8 @@
 // Which matrix fields depend on the records of which formats.
 namespace Kestrona::Data::MemoryResident {
 
+bool HoldsMatrices(const field_info& field);
+
 // A matrix field with matrices of its own; one that shares those of another field leaves them to that field.
 bool OwnsMatrices(const field_info& field);
 

@@ -2,6 +2,8 @@
 
 #include "platform/format_text.h"
 #include "store/class_test.h"
+#include "text/date_messages.h"
+#include "text/value_forms.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/free_strings.h>
@@ -19,8 +21,6 @@ namespace {
 constexpr const wchar_t* kSelectAll = L"Select all Auto list entries";
 constexpr const wchar_t* kKeyNotFound = L"ERROR :- Key Value of %lf not found in Database";
 constexpr const wchar_t* kPlainNumber = L"%.2lf";
-constexpr std::int32_t kMsgUnset = 0x698a;
-constexpr std::int32_t kMsgUnsetOther = 0x69a6;
 constexpr double kNothingSelected = -1.0;
 constexpr std::int32_t kNoRecord = -1;
 
@@ -40,8 +40,8 @@ std::wstring EntryText(IMemoryResidentData& store, const field_info& list, doubl
         return record != kNoRecord ? KSDLL_FieldToTString(store, list.table, list.source, record)
                                    : Platform::FormatText(kPlainNumber, key);
     }
-    const bool has_other_word = HasClass(list, Classes::kSequenceOwner) || HasClass(list, Classes::kSecondUnsetWord);
-    return MessageManager::getInstance()->GetMessage(has_other_word ? kMsgUnsetOther : kMsgUnset);
+    const bool has_second_word = HasClass(list, Classes::kSequenceOwner) || HasClass(list, Classes::kSecondUnsetWord);
+    return Text::Message(has_second_word ? Text::kSecondUnsetWord : Text::kUnsetWord);
 }
 
 // What the related field selects; nothing in particular without a related field, or without two steps to the source.

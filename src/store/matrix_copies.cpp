@@ -1,7 +1,9 @@
 // Implements: CopyMatrix, SwapMatrix, CopyMatrixItemInfo, SwapMatrixItemInfo.
 #include "columns/matrix_table.h"
 #include "store/class_test.h"
+#include "store/dimensioned_fields.h"
 #include "store/record_matrices.h"
+#include "store/row_fields.h"
 #include "store/row_shuffle.h"
 
 #include <kestrona/classes.h>
@@ -24,26 +26,39 @@ struct MatrixPlace {
     std::int32_t record;
 };
 
-bool IsMatrix(const field_info& field) {
-    return (field.type & TypeBit::kMatrix) != 0;
-}
-
 // Within a format a list moves by its identity: the copy is the same list. So does the one matrix of COMMON MATRIX. A
 // copy into another format never shares, since either format may be destroyed.
 bool SharesIdentity(const field_info& target, bool same_format) {
-    return same_format && (HasClass(target, Classes::kList) || HasClass(target, Classes::kCommonMatrix));
+    return same_format && MovesByIdentity(target);
 }
 
 // A list that no cell holds any more goes. Rows that are only passing through hold theirs twice for a while.
+//
+// The new holder is counted before it is one: where the write fails, a list stays that could go, and not the other way
+// round.
 void ShareIdentity(const field_info& target, std::int32_t record, std::int32_t id) {
+    MatrixTable& table = MatrixTable::Instance();
     const std::int32_t former = MatrixIdOf(target, record);
-    target.matrixColumn->SetValue(record, id);
-    if (former == id || RowShuffle::IsRunning()) {
-        return;
+    const bool is_counted = former != id && !RowShuffle::IsRunning();
+    if (is_counted) {
+        table.NoteSharing(id);
     }
-    MatrixTable::Instance().NoteSharing(id);
-    if (!HasClass(target, Classes::kCommonMatrix)) {
-        MatrixTable::Instance().Leave(former);
+    target.matrixColumn->SetValue(record, id);
+    if (is_counted && !HasClass(target, Classes::kCommonMatrix)) {
+        table.Leave(former);
+    }
+}
+
+// Where a write fails, both cells may hold the second id.
+void SwapIdentities(IColumn<std::int32_t>& identities, std::int32_t record1, std::int32_t record2) {
+    const std::int32_t id1 = identities.GetValue(record1);
+    const std::int32_t id2 = identities.GetValue(record2);
+    try {
+        identities.SetValue(record1, id2);
+        identities.SetValue(record2, id1);
+    } catch (...) {
+        MatrixTable::Instance().NoteUnknownSharing(id2);
+        throw;
     }
 }
 
@@ -110,7 +125,7 @@ void MemoryResidentData::CopyMatrix(std::int32_t source_format, std::int32_t sou
                                     std::int32_t target_format, std::int32_t target_field, std::int32_t target_record) {
     const field_info* const source = FindField(source_format, source_field);
     const field_info* const target = FindField(target_format, target_field);
-    if (source == nullptr || target == nullptr || !IsMatrix(*target) || target->matrixColumn == nullptr) {
+    if (source == nullptr || target == nullptr || !HoldsMatrices(*target)) {
         return;
     }
     const std::int32_t id = MatrixIdOf(*source, source_record);
@@ -125,14 +140,9 @@ void MemoryResidentData::CopyMatrix(std::int32_t source_format, std::int32_t sou
 void MemoryResidentData::SwapMatrix(std::int32_t format, std::int32_t field, std::int32_t record1,
                                     std::int32_t record2) {
     const field_info* const info = FindField(format, field);
-    if (info == nullptr || info->matrixColumn == nullptr || !IsMatrix(*info) ||
-        HasClass(*info, Classes::kCommonMatrix)) {
-        return;
+    if (info != nullptr && HoldsMatrices(*info) && !HasClass(*info, Classes::kCommonMatrix)) {
+        SwapIdentities(*info->matrixColumn, record1, record2);
     }
-    const std::int32_t id1 = MatrixIdOf(*info, record1);
-    const std::int32_t id2 = MatrixIdOf(*info, record2);
-    info->matrixColumn->SetValue(record1, id2);
-    info->matrixColumn->SetValue(record2, id1);
 }
 
 void MemoryResidentData::CopyMatrixItemInfo(std::int32_t source_record, std::int32_t target_record,

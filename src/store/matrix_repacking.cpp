@@ -142,7 +142,7 @@ private:
 
 bool HasMatrices(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     const field_info* const info = store.GetFieldInfo(format, field);
-    return info != nullptr && (info->type & TypeBit::kMatrix) != 0 && info->matrixColumn != nullptr;
+    return info != nullptr && HoldsMatrices(*info);
 }
 
 } // namespace

@@ -39,7 +39,7 @@ public:
     void Run() {
         auto* const identities = dynamic_cast<MatrixIdentityColumn*>(info_.matrixColumn);
         const std::int32_t in_order = identities != nullptr ? identities->InOrder(size_) : 0;
-        const std::uint64_t lost_counts = MatrixTable::Instance().LostCounts();
+        const std::uint64_t order_breaks = MatrixTable::Instance().OrderBreaks();
         ForEachFrom(in_order, [this](std::int32_t record, std::int32_t id) {
             if (!IsDone(record, id)) {
                 Create(record);
@@ -47,7 +47,7 @@ public:
             return true;
         });
         if (identities != nullptr) {
-            Note(*identities, lost_counts == MatrixTable::Instance().LostCounts() ? in_order : 0);
+            Note(*identities, order_breaks == MatrixTable::Instance().OrderBreaks() ? in_order : 0);
         }
     }
 
@@ -73,7 +73,7 @@ private:
         ForEachFrom(start, [&](std::int32_t record, std::int32_t id) {
             const bool is_done = IsDone(record, id);
             if (is_done && !(is_common_ && record != 0)) {
-                MatrixTable::Instance().Find(id)->isCounted = true;
+                MatrixTable::Instance().Find(id)->isNotedInOrder = true;
             }
             in_order += is_done ? 1 : 0;
             return is_done;

@@ -1,9 +1,11 @@
 // Implements: KSDLL_InsertDbItem, KSDLL_CreateRecord, find_next_value.
+#include "columns/matrix_table.h"
 #include "store/as_store.h"
 #include "store/class_test.h"
 #include "store/hooks.h"
 #include "store/matrix_growth.h"
 #include "store/new_record_matrices.h"
+#include "store/record_matrices.h"
 #include "store/row_shift.h"
 #include "store/row_shuffle.h"
 #include "store/sequencer_orders.h"
@@ -24,29 +26,47 @@ constexpr const wchar_t* kMatricesDone = L"Array sizes adjusted";
 constexpr const wchar_t* kShuffleDone = L"Field shuffle is done";
 constexpr double kLargestKeyStep = 1.0;
 constexpr double kKeyBeforeFirst = 0.0;
-constexpr std::int32_t kNoMatrix = -1;
 
 bool GetsDefault(const field_info& field) {
     return (field.type & (TypeBit::kFreeString | TypeBit::kMatrix)) == 0 && !HasClass(field, Classes::kFreeFormat) &&
            !HasClass(field, Classes::kEvaluate) && !HasClass(field, Classes::kAutomaticKey);
 }
 
-// The scratch record has taken over the lists of the row that passed through it, which have a record now.
-void ForgetScratchLists(const formats_info& info) {
+template <typename Action>
+void ForEachListField(const formats_info& info, Action action) {
     for (const field_info& field : info.fields) {
         if (field.matrixColumn != nullptr && HasClass(field, Classes::kList)) {
-            field.matrixColumn->SetValue(KSDLL_GetScratchRecord(), kNoMatrix);
+            action(field);
         }
     }
 }
 
-// Brings the last row to `record`; the rows from there on move one up.
+void ClearScratchCell(const field_info& field) {
+    field.matrixColumn->SetValue(KSDLL_GetScratchRecord(), MatrixTable::kNoId);
+}
+
+// The list that the scratch record has from an earlier copy goes, unless a row has it too.
+void LeaveScratchList(const field_info& field) {
+    const std::int32_t id = MatrixIdOf(field, KSDLL_GetScratchRecord());
+    ClearScratchCell(field);
+    MatrixTable::Instance().Leave(id);
+}
+
+// Brings the last row to `record`, by way of the scratch record; the rows from there on move one up. Where that breaks
+// off, two rows may have one list.
 void MoveLastRowTo(MemoryResidentData& store, std::int32_t format, std::int32_t record, std::int32_t last) {
+    const formats_info& info = *store.GetFormatInfo(format);
+    ForEachListField(info, LeaveScratchList);
     const RowShuffle shuffle;
-    store.CopyItemInfo(last, KSDLL_GetScratchRecord(), format);
-    ShiftRowsUp(store, format, record, last);
-    store.CopyItemInfo(KSDLL_GetScratchRecord(), record, format);
-    ForgetScratchLists(*store.GetFormatInfo(format));
+    try {
+        store.CopyItemInfo(last, KSDLL_GetScratchRecord(), format);
+        ShiftRowsUp(store, format, record, last);
+        store.CopyItemInfo(KSDLL_GetScratchRecord(), record, format);
+    } catch (...) {
+        ForEachListField(info, ForgetHolders);
+        throw;
+    }
+    ForEachListField(info, ClearScratchCell); // its lists have a row now
 }
 
 void WriteDefaults(IMemoryResidentData& store, std::int32_t format, std::int32_t record) {

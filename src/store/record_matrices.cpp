@@ -71,6 +71,15 @@ void EmptyMatrices(field_info& field) {
     });
 }
 
+void ForgetHolders(const field_info& field) {
+    const auto forget = [](std::int32_t id) {
+        MatrixTable::Instance().NoteUnknownSharing(id);
+        return true;
+    };
+    ForEachIdentity(*field.matrixColumn, 0, Records(*field.matrixColumn), forget);
+    ForEachIdentity(*field.matrixColumn, kFirstScratchRecord, kScratchRecords, forget);
+}
+
 void FreeMatrices(formats_info& format) {
     for (const field_info& field : format.fields) {
         if (field.matrixColumn != nullptr) {

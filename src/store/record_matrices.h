@@ -28,6 +28,9 @@ bool HasMatrixOfSize(const field_info& field, std::int32_t record, std::uint32_t
 // Sets the size of every matrix of the field to 0, up to the first record without one.
 void EmptyMatrices(field_info& field);
 
+// Nobody knows any more which cells of the field hold which matrix: none goes before its column does.
+void ForgetHolders(const field_info& field);
+
 // Frees the matrices of every record of every field. The scratch records keep theirs.
 void FreeMatrices(formats_info& format);
 

@@ -1,23 +1,19 @@
 // Implements: CopyField, CopyItemInfo, SwapItemInfo, ItemInfoIsEqual.
 #include "store/class_test.h"
+#include "store/column_ownership.h"
+#include "store/row_fields.h"
 
 #include <kestrona/classes.h>
 #include <kestrona/encrypted_string_column.h>
 #include <kestrona/free_strings.h>
 #include <kestrona/store.h>
 
-#include <algorithm>
 #include <array>
 #include <vector>
 
 namespace Kestrona::Data::MemoryResident {
 
 namespace {
-
-// Matrices are copied apart from cells; free strings and calculated fields are not copied.
-bool TakesPart(const field_info& field) {
-    return (field.type & (TypeBit::kMatrix | TypeBit::kFreeString)) == 0 && !HasClass(field, Classes::kEvaluate);
-}
 
 bool HoldsText(const field_info& field) {
     return field.column != nullptr && field.column->IsNullColumn();
@@ -76,19 +72,19 @@ bool CellsAreEqual(IMemoryResidentData& store, std::int32_t format, std::int32_t
 
 // While rows move, each column moves its own cells: what an OVERRIDE column writes through to others is taken back, or
 // their own values would be lost. Those further along a chain of overrides are restored last.
+//
+// Not by a destructor: a write may find no memory for its mark, and what it throws must not end the process.
 class KeptTargets {
 public:
     KeptTargets(const formats_info& format, const field_info& field, std::int32_t record1, std::int32_t record2)
         : records_{record1, record2} {
-        for (IColumn<double>* column = field.overrideTarget; column != nullptr; column = TargetOf(format, column)) {
+        for (IColumn<double>* column = field.overrideTarget; column != nullptr;
+             column = FindOverrideTarget(format, column)) {
             cells_.push_back({column, {column->GetValue(record1), column->GetValue(record2)}});
         }
     }
 
-    KeptTargets(const KeptTargets&) = delete;
-    KeptTargets& operator=(const KeptTargets&) = delete;
-
-    ~KeptTargets() {
+    void Restore() const {
         for (const Cells& cells : cells_) {
             cells.column->SetValue(records_[0], cells.values[0]);
             cells.column->SetValue(records_[1], cells.values[1]);
@@ -100,13 +96,6 @@ private:
         IColumn<double>* column;
         std::array<double, 2> values;
     };
-
-    static IColumn<double>* TargetOf(const formats_info& format, const IColumn<double>* column) {
-        const auto owner = std::ranges::find_if(format.fields, [column](const field_info& field) {
-            return field.column == column && field.overrideTarget != nullptr;
-        });
-        return owner != format.fields.end() ? owner->overrideTarget : nullptr;
-    }
 
     std::array<std::int32_t, 2> records_;
     std::vector<Cells> cells_;
@@ -133,9 +122,10 @@ void MemoryResidentData::CopyItemInfo(std::int32_t source_record, std::int32_t t
         return;
     }
     for (std::size_t i = 0; i < info->fields.size(); ++i) {
-        if (TakesPart(info->fields[i])) {
+        if (MovesWithRow(info->fields[i])) {
             const KeptTargets kept(*info, info->fields[i], target_record, target_record);
             CopyField(format, static_cast<std::int32_t>(i), source_record, target_record);
+            kept.Restore();
         }
     }
     CopyMatrixItemInfo(source_record, target_record, format);
@@ -151,7 +141,7 @@ void MemoryResidentData::SwapItemInfo(std::int32_t record1, std::int32_t record2
     }
     for (std::size_t i = 0; i < info->fields.size(); ++i) {
         const field_info& field = info->fields[i];
-        if (!TakesPart(field) || HasClass(field, Classes::kAdditionalReference)) {
+        if (!MovesWithRow(field) || HasClass(field, Classes::kAdditionalReference)) {
             continue;
         }
         const KeptTargets kept(*info, field, record1, record2);
@@ -160,6 +150,7 @@ void MemoryResidentData::SwapItemInfo(std::int32_t record1, std::int32_t record2
         } else if (field.stringColumn != nullptr) {
             SwapTexts(*this, format, static_cast<std::int32_t>(i), record1, record2);
         }
+        kept.Restore();
     }
     SwapMatrixItemInfo(record1, record2, format);
     if (info->updateColumn != nullptr) {
@@ -173,7 +164,7 @@ bool MemoryResidentData::ItemInfoIsEqual(std::int32_t record1, std::int32_t reco
         return true;
     }
     for (std::size_t i = 0; i < info->fields.size(); ++i) {
-        if (TakesPart(info->fields[i]) &&
+        if (MovesWithRow(info->fields[i]) &&
             !CellsAreEqual(*this, format, static_cast<std::int32_t>(i), record1, record2)) {
             return false;
         }

@@ -1,8 +1,9 @@
 #include "store/row_shift.h"
 
-#include "store/class_test.h"
+#include "store/column_ownership.h"
+#include "store/dimensioned_fields.h"
+#include "store/row_fields.h"
 
-#include <kestrona/classes.h>
 #include <kestrona/encrypted_string_column.h>
 #include <kestrona/free_strings.h>
 
@@ -22,11 +23,6 @@ struct Rows {
     std::int32_t first; // stays
     std::int32_t last;  // is written last to first + 1
 };
-
-// Matrices are moved apart from cells; free strings and calculated fields stay where they are.
-bool TakesPart(const field_info& field) {
-    return (field.type & (TypeBit::kMatrix | TypeBit::kFreeString)) == 0 && !HasClass(field, Classes::kEvaluate);
-}
 
 // Calls `move` with the number of a row and the values of the row before and of the row itself, from the back to the
 // front. What it writes to the row is not seen by later calls.
@@ -91,16 +87,11 @@ void ShiftTexts(IMemoryResidentData& store, std::int32_t format, std::int32_t fi
 // The columns that writes to `column` go through to.
 std::vector<IColumn<double>*> OverriddenBy(const formats_info& format, const IColumn<double>* column) {
     std::vector<IColumn<double>*> targets;
-    for (;;) {
-        const auto owner = std::ranges::find_if(format.fields, [column](const field_info& field) {
-            return field.column == column && field.overrideTarget != nullptr;
-        });
-        if (owner == format.fields.end()) {
-            return targets;
-        }
-        column = owner->overrideTarget;
-        targets.push_back(owner->overrideTarget);
+    for (IColumn<double>* target = FindOverrideTarget(format, column); target != nullptr;
+         target = FindOverrideTarget(format, target)) {
+        targets.push_back(target);
     }
+    return targets;
 }
 
 // Each column moves its own cells, so what a write brings about elsewhere is taken back.
@@ -134,7 +125,7 @@ void ShiftFields(IMemoryResidentData& store, std::int32_t format, const formats_
     boost::unordered_flat_set<const void*> moved;
     for (std::size_t i = 0; i < info.fields.size(); ++i) {
         const field_info& field = info.fields[i];
-        if (!TakesPart(field) || field.column == nullptr) {
+        if (!MovesWithRow(field) || field.column == nullptr) {
             continue;
         }
         if (!field.column->IsNullColumn()) {
@@ -147,16 +138,7 @@ void ShiftFields(IMemoryResidentData& store, std::int32_t format, const formats_
     }
 }
 
-bool HoldsMatrices(const field_info& field) {
-    return (field.type & TypeBit::kMatrix) != 0 && field.matrixColumn != nullptr;
-}
-
-// Lists, and the one matrix of a whole field, move with their ids.
-bool MovesByIdentity(const field_info& field) {
-    return HasClass(field, Classes::kList) || HasClass(field, Classes::kCommonMatrix);
-}
-
-// Other matrices keep their ids, and their cells are copied. So are those of a field that shares its ids with such one.
+// Whether the cells of the matrices are copied: also those of a field that shares its ids with one that copies them.
 bool IsCopied(const formats_info& format, const field_info& field) {
     return std::ranges::any_of(format.fields, [&](const field_info& other) {
         return other.matrixColumn == field.matrixColumn && HoldsMatrices(other) && !MovesByIdentity(other);

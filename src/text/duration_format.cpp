@@ -4,10 +4,10 @@
 #include "text/date_messages.h"
 #include "text/digits.h"
 #include "text/number_format.h"
+#include "text/value_forms.h"
 #include "text/weekday_names.h"
 
 #include <kestrona/durations.h>
-#include <kestrona/services.h>
 #include <kestrona/value_text.h>
 
 #include <algorithm>
@@ -20,6 +20,7 @@ using Kestrona::NumberFormat;
 using Kestrona::Platform::TruncateToInt32;
 using Kestrona::Text::AppendNumber;
 using Kestrona::Text::AppendTwoDigits;
+using Kestrona::Text::Message;
 
 namespace {
 
@@ -35,10 +36,6 @@ struct Pieces {
 
     std::int32_t WholeMinutes() const { return TruncateToInt32(minutes); }
 };
-
-std::wstring Message(std::int32_t id) {
-    return MessageManager::getInstance()->GetMessage(id);
-}
 
 Pieces Split(double value, std::int16_t mode) {
     constexpr double kNoMinutes = 1e-10;

@@ -30,6 +30,7 @@ inline bool HasClass(const Data::MemoryResident::field_info& info, Class c) {
     return (info.current.classWords[static_cast<std::size_t>(c.word)] & c.mask) == c.mask;
 }
 
+// The host's word.
 std::wstring Message(std::int32_t id);
 
 // What a value of the reference type stands for. `text` stays as it is where the target shows none.

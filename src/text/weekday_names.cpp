@@ -2,9 +2,9 @@
 
 #include "text/copy_out.h"
 #include "text/date_messages.h"
+#include "text/value_forms.h"
 
 #include <kestrona/dates.h>
-#include <kestrona/services.h>
 
 #include <array>
 
@@ -17,10 +17,6 @@ constexpr std::int32_t kWeekdays = 7;
 // "Wedday" is no slip of this table: stored texts are matched with these words, so they must never change.
 constexpr std::array<const wchar_t*, kWeekdays> kFixedNames{L"Sunday",   L"Monday", L"Tuesday", L"Wedday",
                                                             L"Thursday", L"Friday", L"Saturday"};
-
-std::wstring Message(std::int32_t id) {
-    return MessageManager::getInstance()->GetMessage(id);
-}
 
 } // namespace
 

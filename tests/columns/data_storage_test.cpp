@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -107,6 +108,26 @@ TEST(DataStorage, AColumnOfDefaultsHoldsNothingAndAnswersForItsSize) {
     EXPECT_EQ(column.Find(3.0), 0);
     column.Resize(std::numeric_limits<std::uint32_t>::max());
     EXPECT_EQ(column.GetCurrentSize(), static_cast<std::uint32_t>(kFirstScratchRecord));
+}
+
+// Texts are moved from one record to the next, and reported a block at a time.
+TEST(DataStorage, TextsMoveUpAsIfWrittenOneByOne) {
+    constexpr std::int32_t kRecords = 10000;
+    const auto reports_and_lengths = [](bool one_by_one) {
+        Log log;
+        StringColumn column(L"", new RecordingStrategy(log));
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            column.SetValue(record, std::wstring(static_cast<std::size_t>(record * 7 % 11 % 3), L'x'));
+        }
+        log.clear();
+        one_by_one ? column.IColumn<std::wstring>::MoveUp(1, kRecords - 1) : column.MoveUp(1, kRecords - 1);
+        std::ranges::sort(log);
+        for (std::int32_t record = 0; record < kRecords; ++record) {
+            log.push_back(std::to_string(column.GetValue(record).size()));
+        }
+        return log;
+    };
+    EXPECT_EQ(reports_and_lengths(false), reports_and_lengths(true));
 }
 
 TEST(DataStorage, ExtremesOfAnEmptyColumnAreRefusedWithTheirTexts) {

@@ -163,7 +163,7 @@ TEST(MatrixIdentityColumn, ForgetsWhatItKnewWithAnyChange) {
         MatrixEntry matrix;
         matrix.cells = MatrixCells(nullptr, 0, kDefault);
         matrix.size = kSize;
-        matrix.isCounted = is_counted;
+        matrix.isNotedInOrder = is_counted;
         const std::int32_t id = table.TakeId();
         table.Put(id, std::move(matrix));
         return id;

@@ -15,6 +15,10 @@ public:
 
     void RecordChanged(std::int32_t record) override { log_.push_back("changed " + std::to_string(record)); }
 
+    void RecordsChanged(std::int32_t first, std::uint64_t bits) override {
+        IRecordStateStrategy::RecordsChanged(first, bits);
+    }
+
     void RecordErased(double key) override {
         log_.push_back("erased " + std::to_string(static_cast<std::int32_t>(key)));
     }

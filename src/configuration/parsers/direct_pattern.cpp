@@ -1,5 +1,6 @@
 #include "configuration/parsers/direct_pattern.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -38,6 +39,10 @@ bool TakeSteps(PatternReader& reader, Steps& steps) {
     return true;
 }
 
+bool TakesOneCharacter(const PatternStep& step) {
+    return step.required && !step.repeats;
+}
+
 } // namespace
 
 DirectPattern::DirectPattern(std::wstring_view pattern) {
@@ -55,7 +60,7 @@ bool DirectPattern::TakePieces(PatternReader& reader) {
             return false;
         }
         piece.optional = piece.captures && reader.Skip(L'?');
-        if (piece.steps.empty()) {
+        if (piece.steps.empty() || (piece.optional && !std::ranges::all_of(piece.steps, &TakesOneCharacter))) {
             return false;
         }
         pieces_.push_back(std::move(piece));

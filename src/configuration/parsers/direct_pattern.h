@@ -14,7 +14,8 @@ namespace Kestrona::Configuration::Parsers {
 // the engine's. Where it does not, the engine may still find one.
 //
 // A pattern of the elements of PatternStep and of groups has such a way: groups that capture, one beside the other, as
-// they are or followed by "?". Of alternatives of the whole pattern it is the first one's. Any other pattern has none.
+// they are or followed by "?". A group with "?" holds no repetition: an engine would give some of that back before it
+// does without the group. Of alternatives of the whole pattern it is the first one's. Any other pattern has none.
 class DirectPattern {
 public:
     explicit DirectPattern(std::wstring_view pattern);

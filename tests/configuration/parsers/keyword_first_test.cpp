@@ -1,4 +1,5 @@
 // The search by keyword and outline against the pattern alone, and against texts made to be slow.
+#include "configuration/parsers/direct_pattern.h"
 #include "configuration/parsers/parser_cases.h"
 
 #include <kestrona/unicode.h>
@@ -99,6 +100,23 @@ TEST(KeywordFirst, FindsWhatThePatternAloneFinds) {
         }
         EXPECT_GT(matches, kTexts / 20) << c.name;
         EXPECT_LT(matches, kTexts) << c.name;
+    }
+}
+
+TEST(DirectPattern, MatchesAsTheEngineWhereItMatches) {
+    for (const wchar_t* pattern : {L"(\\d+5)?5", L"(a?)?a", L"(a)?ab", L"(ab)?a*", L"(a*)b"}) {
+        for (const wchar_t* text : {L"555", L"5", L"a", L"aab", L"ab", L"b"}) {
+            Platform::PatternMatch direct;
+            Platform::PatternMatch found;
+            if (DirectPattern(pattern).MatchAt(text, 0, 0, direct)) {
+                ASSERT_TRUE(Platform::WidePattern(pattern).Search(text, 0, found)) << ToUtf8(pattern);
+                for (std::size_t group = 0; group < found.groups.size(); ++group) {
+                    const auto& expected = found.groups[group];
+                    ASSERT_EQ(direct.groups.at(group).has_value(), expected.has_value()) << ToUtf8(pattern);
+                    EXPECT_TRUE(!expected || expected->length == direct.groups[group]->length) << ToUtf8(pattern);
+                }
+            }
+        }
     }
 }
 
