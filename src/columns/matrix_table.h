@@ -49,6 +49,9 @@ public:
     // Sizes and indices end here.
     static constexpr std::uint32_t kSizeLimit = 0x7fffffff;
 
+    static constexpr std::int32_t kPageShift = 9;
+    static constexpr std::int32_t kPageEntries = 1 << kPageShift;
+
     static MatrixTable& Instance();
 
     // Gives out the next id, `kNoId` when there are no more.
@@ -85,8 +88,6 @@ public:
     [[nodiscard]] std::uint64_t OrderBreaks() const { return orderBreaks_; }
 
 private:
-    static constexpr std::int32_t kPageShift = 9;
-    static constexpr std::int32_t kPageEntries = 1 << kPageShift;
     static constexpr std::int32_t kMarksShift = 12;
     static constexpr std::int32_t kMarks = 1 << kMarksShift;
     static constexpr std::int32_t kFirstCapacity = 128;

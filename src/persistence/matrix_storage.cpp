@@ -60,22 +60,22 @@ void ReleaseMatricesOf(const IColumn<std::int32_t>& identities) {
     }
 }
 
-// Claims the ids of a file in the table of matrices. The table makes a page for each 4096 ids that it uses, so that a
-// few ids of a damaged file, far from one another, could fill the memory: the number of pages is bounded by the number
-// of ids, and ids beyond that are not claimed.
+// Claims the ids of a file in the table of matrices. The table makes a page of entries for ids that are close
+// together, so that a few ids of a damaged file, far from one another, could fill the memory: the number of pages is
+// bounded by the number of ids, and ids beyond that are not claimed.
 class IdClaims {
 public:
     explicit IdClaims(std::size_t ids) : pages_left_(kFreePages + ids / kIdsForPage) {}
 
     // True when the id is the caller's from now on; false for one that a cell of the process may hold.
     bool Claim(std::int32_t id) {
-        return id >= 0 && id < kMaxFileMatrixIds && TakePage(id / kPageIds) && MatrixTable::Instance().ClaimId(id);
+        return id >= 0 && id < kMaxFileMatrixIds && TakePage(id / MatrixTable::kPageEntries) &&
+               MatrixTable::Instance().ClaimId(id);
     }
 
 private:
-    static constexpr std::int32_t kPageIds = 4096;
-    static constexpr std::size_t kFreePages = 16;
-    static constexpr std::size_t kIdsForPage = 256;
+    static constexpr std::size_t kFreePages = 128;
+    static constexpr std::size_t kIdsForPage = 32;
 
     bool TakePage(std::int32_t page) {
         const bool is_open = pages_.contains(page);
