@@ -32,8 +32,8 @@ namespace {
 
 constexpr const wchar_t* kUnwritten = L"The configuration file %s cannot be written: %s";
 
-bool Warn(const std::wstring& text) {
-    MessageManager::getInstance()->ShowMessage(nullptr, text, GetMessageCaption(), kMessageStyleWarning);
+bool Tell(const std::wstring& text, std::int32_t style) {
+    MessageManager::getInstance()->ShowMessage(nullptr, text, GetMessageCaption(), style);
     return false;
 }
 
@@ -78,7 +78,7 @@ bool ReadCompiledConfiguration(MemoryResidentData& store, const std::wstring& pa
     const Platform::FileHandle file(Platform::OpenFile(path, "rb"));
     TellOrigin(native_config, path);
     if (file == nullptr) {
-        return Warn(Platform::FormatText(Message(kMsgNoCompiledFile), path));
+        return Tell(Platform::FormatText(Message(kMsgNoCompiledFile), path), kMessageStyleWarning);
     }
     SetFromCompiled(true);
     const CompiledResolution resolution;
@@ -100,7 +100,7 @@ bool WriteCompiledConfiguration(MemoryResidentData& store, const std::wstring& p
     KSDLL_ResetChecksum();
     Compiled::WriteFileHead(compilation, file.File());
     WriteTableDefinitionToStream(store, nullptr, nullptr, file.File(), ole_servers);
-    return file.Commit() || Warn(Platform::FormatText(kUnwritten, path, file.Error()));
+    return file.Commit() || Tell(Platform::FormatText(kUnwritten, path, file.Error()), kMessageStyleError);
 }
 
 } // namespace Kestrona::Configuration
