@@ -22,7 +22,6 @@ using namespace Kestrona::Tool;
 
 constexpr std::array kForms{ValueForm::Number, ValueForm::Integer,  ValueForm::Toggle,
                             ValueForm::Date,   ValueForm::Duration, ValueForm::Reference};
-constexpr double kUnset = -1.0;
 constexpr double kSecond = 1.0 / 86400.0;
 
 // A date before the epoch counts the time of its day away from zero.

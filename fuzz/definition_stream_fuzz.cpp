@@ -28,9 +28,9 @@ struct Kind {
 };
 
 // The stream of what was read; nothing where it cannot be read.
-std::optional<std::string> ReadAndWrite(std::string bytes, const Kind& kind) {
+std::optional<std::string> ReadAndWrite(const std::string& bytes, const Kind& kind) {
     const auto store = CreateMemoryResidentData();
-    const File file(fmemopen(bytes.data(), bytes.size(), "rb"));
+    const File file(fmemopen(const_cast<char*>(bytes.data()), bytes.size(), "rb"));
     KSDLL_ResetChecksum();
     if (!ReadTableDefinitionFromStream(*store, file.get(), nullptr, kind.wide, kind.has_common_dataset_flag,
                                        kind.has_trailer_texts, L"file", L"", nullptr)) {

@@ -106,7 +106,13 @@ LoadOutcome DefaultHost::CompileDefinition(const std::string& source, const std:
     LoadSettings::State().set_Source(ConfigurationSource::SourceDefinition);
     LoadSettings::State().set_CompileType(ConfigurationCompileType::Cnf);
     LoadSettings::State().set_CompiledConfigurationFile(FromUtf8(target));
-    return LoadDefinition(source);
+    file_problem_ = {};
+    const LoadOutcome outcome = LoadDefinition(source);
+    // The library says the same of a target that cannot be written as of a definition that cannot be resolved.
+    if (outcome == LoadOutcome::Findings && native_config_->LastOutcome() == LoadOutcome::Ok) {
+        file_problem_ = {FileFault::CannotWrite, target, {}, "", ""};
+    }
+    return outcome;
 }
 
 LoadOutcome DefaultHost::FillFromFile(const std::string& path, MemoryResidentData& store, const std::wstring& dataset) {

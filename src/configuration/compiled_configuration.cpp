@@ -33,8 +33,8 @@ namespace {
 constexpr const wchar_t* kCannotWrite = L"The configuration file %s cannot be written: %s";
 
 // Always false. Whoever fails the load calls `ErrorExit`.
-bool Warn(const std::wstring& text) {
-    MessageManager::getInstance()->ShowMessage(nullptr, text, GetMessageCaption(), kMessageStyleWarning);
+bool Tell(const std::wstring& text, std::int32_t style) {
+    MessageManager::getInstance()->ShowMessage(nullptr, text, GetMessageCaption(), style);
     return false;
 }
 
@@ -79,7 +79,7 @@ bool ReadCompiledConfiguration(MemoryResidentData& store, const std::wstring& pa
     const Platform::FileHandle file(Platform::OpenFile(path, "rb"));
     TellOrigin(native_config, path);
     if (file == nullptr) {
-        return Warn(Platform::FormatText(Message(kMsgNoCompiledFile), path));
+        return Tell(Platform::FormatText(Message(kMsgNoCompiledFile), path), kMessageStyleWarning);
     }
     SetFromCompiled(true);
     const CompiledResolution resolution;
@@ -101,7 +101,7 @@ bool WriteCompiledConfiguration(MemoryResidentData& store, const std::wstring& p
     KSDLL_ResetChecksum();
     Compiled::WriteFileHead(compilation, file.File());
     WriteTableDefinitionToStream(store, nullptr, nullptr, file.File(), ole_servers);
-    return file.Commit() || Warn(Platform::FormatText(kCannotWrite, path, file.Error()));
+    return file.Commit() || Tell(Platform::FormatText(kCannotWrite, path, file.Error()), kMessageStyleError);
 }
 
 } // namespace Kestrona::Configuration

@@ -1,7 +1,7 @@
 #include "faults/plant_work.h"
 
-#include "commands/commands.h"
 #include "commands/file_commands.h"
+#include "commands/record_commands.h"
 #include "exit_codes.h"
 #include "host/snapshot_fixture.h"
 #include "store/process_state.h"

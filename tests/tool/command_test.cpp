@@ -1,4 +1,5 @@
 #include "tool/run_tool.h"
+#include "tool/table_folder.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -90,7 +91,7 @@ TEST_F(Commands, ExitCodesTellWhatHappened) {
         }
         EXPECT_EQ(run.exit_code, c.code) << line << '\n' << run.out << run.err;
         if (c.code != 0) {
-            const bool reports = c.arguments.size() == 2 && c.arguments[0] == "check";
+            const bool reports = c.code == 1 && c.arguments[0] == "check";
             EXPECT_EQ(run.out != "", reports) << line;
             EXPECT_EQ(run.err != "", !reports) << line;
         }
@@ -176,10 +177,8 @@ TEST_F(Commands, ConditionsAndColumnsChooseWhatIsShown) {
         {{"--where", "Quantity"}, nullptr},
     };
     for (const Case& c : cases) {
-        std::vector<std::string> arguments{"show", definition_, "--data",    folder_, "Orders",
-                                           "-o",   "csv",       "--columns", "Number"};
-        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-        const ToolRun run = RunTool(arguments);
+        const ToolRun run = RunTool(Joined(
+            {"show", definition_, "--data", folder_, "Orders", "-o", "csv", "--columns", "Number"}, c.arguments));
         EXPECT_EQ(run.exit_code, c.out != nullptr ? 0 : 2) << c.arguments[1] << run.err;
         EXPECT_EQ(run.out, c.out != nullptr ? c.out : "") << c.arguments[1];
     }
@@ -232,11 +231,8 @@ TEST_F(Commands, ReferencesWithoutTargetAreCounted) {
         << run.err;
 }
 
-TEST_F(Commands, FormsAgree) {
+TEST_F(Commands, FormsForPeopleAreLaidOut) {
     WriteFile(folder_ + "/Products.csv", "Number,Name\n2,Wheel\n3,Frame | blue\n");
-    const auto array = nlohmann::json::parse(Show("Products", "json").out);
-    ASSERT_EQ(array.size(), 2U);
-    EXPECT_EQ(array[1]["Name"], "Frame | blue");
     EXPECT_EQ(Show("Products", "markdown").out,
               "| Number | Name |\n| ---: | --- |\n| 2 | Wheel |\n| 3 | Frame \\| blue |\n");
     EXPECT_EQ(Show("Products", "table").out, "Number  Name\n"
@@ -315,21 +311,6 @@ TEST_F(Commands, DocsNameEveryFormatFieldTableAndConstant) {
           "| Level | integer | 0 |  | hidden if {\\#Number} == 2; 1 = low |\n", "\n## Table Units\n", "| a\\|b | 1 |\n",
           "\n## Constants\n", "| MOST | 12 |\n"}) {
         EXPECT_NE(text.find(told), std::string::npos) << told << text;
-    }
-}
-
-TEST_F(Commands, SamplePlantLoadsWithoutAFinding) {
-    const std::string plant = SourcePath("examples/plant/plant.ksdef");
-    const ToolRun check = RunTool({"check", plant});
-    EXPECT_EQ(check.exit_code, 0) << check.err;
-    const auto formats = nlohmann::json::parse(RunTool({"schema", plant, "-o", "json"}).out);
-    EXPECT_GE(formats.size(), 8U);
-    for (const auto& format : formats) {
-        const std::string name = format["Format"];
-        const ToolRun run = RunTool({"show", plant, "--data", SourcePath("examples/plant/data"), name, "-o", "jsonl"});
-        EXPECT_EQ(run.exit_code, 0) << name << run.err;
-        EXPECT_NE(run.out, "") << name << " has no records";
-        EXPECT_EQ(run.err.find("no target"), std::string::npos) << run.err;
     }
 }
 

@@ -68,14 +68,11 @@ TEST_F(CsvReader, KeepsCellsAndTheLineOnWhichARowBegins) {
     }
 }
 
-TEST_F(CsvReader, TellsAnUnclosedQuoteAndItsLine) {
+TEST_F(CsvReader, TellsAnUnclosedQuoteAndItsLineAndAMissingFile) {
     const CsvOutcome outcome = Read("a,b\n1,2\n3,\"open\nmore\n");
     EXPECT_FALSE(outcome.unreadable);
     EXPECT_NE(outcome.error.find("line 3"), std::string::npos) << outcome.error;
     EXPECT_EQ(rows_.size(), 2U);
-}
-
-TEST_F(CsvReader, TellsThatAFileIsNotThere) {
     EXPECT_TRUE(ReadCsv("no/such/file.csv", TextEncoding::Auto, [](const CsvRow&) { return true; }).unreadable);
 }
 

@@ -6,9 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iostream>
 #include <random>
-#include <sstream>
 
 namespace Kestrona::Tool {
 namespace {
@@ -200,53 +198,6 @@ TEST_F(Diff, NeverTakesAFailureForADifference) {
     EXPECT_EQ(code(folder_ + "/bad.ksdef", {}), 4);
     WriteFile(folder_ + "/new/Stock.csv", "Code,Amount\na,1\nb,many\n");
     EXPECT_EQ(Run({}).exit_code, 4);
-}
-
-// The 2025 edition has the same products with other dates.
-TEST_F(Diff, TheProductsOfTwoEditionsDifferInTheirDates) {
-    const std::string data = SourcePath("../shared/data/adventureworks");
-    if (!std::filesystem::is_directory(data)) {
-        std::cout << "[   NOTE   ] " << data << " is not there; nothing was checked\n";
-        return;
-    }
-    const std::string definition = SourcePath("examples/adventureworks/adventureworks.ksdef");
-    const ToolRun run = RunTool({"diff", definition, definition, "--data-old", data + "/raw-tsv-2017", "--data-new",
-                                 data + "/raw-tsv-2025", "--table", "Product", "-o", "csv"});
-    EXPECT_EQ(run.exit_code, 1) << run.err;
-    const auto cells = [](const std::string& path) {
-        std::map<std::string, std::vector<std::string>> rows;
-        std::istringstream text(ReadFile(path));
-        for (std::string line; std::getline(text, line);) {
-            std::vector<std::string> row(1);
-            for (const char c : line) {
-                c == '\t' ? row.emplace_back() : row.back() += c;
-            }
-            row.back().resize(row.back().find_last_not_of('\r') + 1);
-            rows[row[0]] = row;
-        }
-        return rows;
-    };
-    const auto old_rows = cells(data + "/raw-tsv-2017/Product.csv");
-    const auto new_rows = cells(data + "/raw-tsv-2025/Product.csv");
-    std::map<std::string, std::size_t> expected;
-    const std::vector<std::pair<std::string, std::size_t>> fields{
-        {"SellStartDate", 20}, {"SellEndDate", 21}, {"rowguid", 23}, {"ModifiedDate", 24}};
-    for (const auto& [key, row] : old_rows) {
-        for (const auto& [field, c] : fields) {
-            // The editions write times with other decimals, which the files of one edition agree in.
-            const bool same = row[c].substr(0, 19) == new_rows.at(key)[c].substr(0, 19);
-            expected[field] += same ? 0U : 1U;
-        }
-    }
-    std::map<std::string, std::size_t> found;
-    const CsvTable rows = Rows(run);
-    for (std::size_t r = 1; r < rows.size(); ++r) {
-        EXPECT_EQ(rows[r][1], "changed");
-        ++found[rows[r][3]];
-    }
-    std::erase_if(expected, [](const auto& entry) { return entry.second == 0; });
-    EXPECT_EQ(found, expected);
-    EXPECT_THAT(run.err, HasSubstr("0 records removed, 0 added, 504 changed"));
 }
 
 } // namespace

@@ -196,7 +196,7 @@ TEST_F(PlantFiles, DamageIsToldByItsKind) {
 }
 
 TEST_F(PlantFiles, WrongUseIsRefusedAndWritesNothing) {
-    const std::string target = folder_ + "/untouched";
+    const std::string target = folder_ + "/KSSERVER.LST"; // the lists of an earlier extraction stay, too
     const std::string absent = folder_ + "/absent";
     WriteFile(target, "as it was");
     const std::string trailing = folder_ + "/trailing";

@@ -23,6 +23,11 @@ format Works {
     field Town length 20  : REFERENCE | FREE FORMAT
     field Prices          : MATRIX | REAL | AUTO DIMENSION(P,Products(Number),M,Makers(Number))
 }
+format Kits {
+    key Code
+    field Code length 5   : TEXT
+    field "Part of"       : REFERENCE | FAMILY(Code)
+}
 format Orders {
     key Number
     field Number          : INTEGER | UNIQUE
@@ -30,6 +35,7 @@ format Orders {
     field Product         : REFERENCE | DATABASE(Products(Number))
     field "Product.Name"  : REAL
     field Quantity        : INTEGER
+    field "Up=Down"       : INTEGER
     field Note length 5   : REFERENCE | FREE FORMAT
     field Supplier        : REFERENCE | DATABASE(Makers(Number))
     field Works           : REFERENCE | DATABASE(Works(Number))
@@ -50,6 +56,7 @@ protected:
         : TableFolder(kDefinition, {{"Makers.csv", "Number,Name\n7,Oak & Co\n8,Elm\n"},
                                     {"Products.csv", "Number,Name,Maker\n2,Wheel,8\n3,Axle,\n"},
                                     {"Works.csv", "Number,Town,Prices\n2,Odra,0.5;1.5|2.5;3.5\n"},
+                                    {"Kits.csv", "Code\nb\na\nc\n"},
                                     {"Orders.csv", kOrders}}) {}
 
     // An empty text stands for wrong usage.
@@ -76,6 +83,7 @@ TEST_F(OrdersAndPaths, RecordsStandInTheOrderAskedFor) {
         {{"--group-family"}, "10\n11\n13\n12\n14\n"},
         {{"--order", "Quantity:desc", "--where", "Number>10", "--limit", "3"}, "12\n13\n14\n"},
         {{"--order", "Product.Name:desc", "--limit", "1"}, "10\n"}, // a field of the orders
+        {{"--order", "Quantity", "--where", "Up=Down = 0", "--limit", "1"}, "11\n"},
     };
     for (const Case& c : cases) {
         std::vector<std::string> arguments{"Orders", "--columns", "Number"};
@@ -84,6 +92,7 @@ TEST_F(OrdersAndPaths, RecordsStandInTheOrderAskedFor) {
     }
     Expect("eval", {"Orders", "{#Quantity} * 2", "--order", "Quantity:desc,Note", "--limit", "2"},
            "Number,Value\n13,10\n10,10\n");
+    Expect("show", {"Kits", "--group-family", "--columns", "Code"}, "Code\nb\na\nc\n"); // keys that are texts
     for (const char* wrong : {"Nix", "Quantity:up", "Product.Maker", ":desc", ""}) {
         Expect("show", {"Orders", "--order", wrong}, "");
     }

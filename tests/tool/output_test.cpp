@@ -92,6 +92,7 @@ TEST(Output, TableLinesAlignWhateverTheScript) {
 }
 
 TEST(Output, FittedTextsNeverPassTheirWidth) {
+    EXPECT_EQ(FitToWidth("a\tb\x7F\xC2\x85", 9), "a b  ") << "control characters take a cell";
     std::mt19937 random(1);
     for (int round = 0; round < 2000; ++round) {
         std::string text;

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <tuple>
 
@@ -163,42 +162,6 @@ TEST(RealData, WorkOrdersComeSortedByDueDateProductAndQuantity) {
     ASSERT_EQ(sorted.size(), source.size());
     for (std::size_t row = 0; row < source.size(); ++row) {
         ASSERT_EQ(sorted[row].at("WorkOrderID"), source[row].at("WorkOrderID")) << row;
-    }
-}
-
-/// The texts of one column of a file without a heading, by the numbers of the first.
-std::map<std::string, std::string> ReadNames(const std::string& path) {
-    std::map<std::string, std::string> names;
-    std::istringstream lines(ReadFile(path));
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream cells(line);
-        std::string number;
-        std::string name;
-        std::getline(cells, number, '\t');
-        std::getline(cells, name, '\t');
-        names[number] = name;
-    }
-    return names;
-}
-
-TEST(RealData, EveryRoutingKnowsItsWorkCentreAndProduct) {
-    const std::string data = DataFolder();
-    if (data.empty()) {
-        return;
-    }
-    const auto locations = ReadNames(data + "/raw-tsv-2017/Location.csv");
-    const auto products = ReadNames(data + "/raw-tsv-2017/Product.csv");
-    const Rows source = ReadRows(data + "/derived-csv/Production.WorkOrderRouting.csv");
-    const Rows shown =
-        RunOver(data, "show", {"WorkOrderRouting", "--columns", "LocationID.Name,WorkOrderID.ProductID.Name"});
-    const Rows tracked = RunOver(data, "track", {"WorkOrderRouting", "Location.Name"});
-    ASSERT_EQ(shown.size(), source.size());
-    ASSERT_EQ(tracked.size(), source.size());
-    for (std::size_t row = 0; row < source.size(); ++row) {
-        const std::string& location = locations.at(source[row].at("LocationID"));
-        ASSERT_EQ(shown[row].at("LocationID.Name"), location) << row;
-        ASSERT_EQ(tracked[row].at("Location.Name"), location) << row;
-        ASSERT_EQ(shown[row].at("WorkOrderID.ProductID.Name"), products.at(source[row].at("ProductID"))) << row;
     }
 }
 

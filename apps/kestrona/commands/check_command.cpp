@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "commands/definition_commands.h"
 #include "commands/file_problems.h"
 #include "exit_codes.h"
 #include "lint/check_definition.h"
@@ -22,7 +22,7 @@ std::string Written(const Lint::Report& report, Lint::ReportForm form) {
     return Lint::TextReport(report);
 }
 
-int CodeOf(const Lint::Report& report, bool strict) {
+int ExitCodeOf(const Lint::Report& report, bool strict) {
     if (report.unreadable) {
         return kExitUnreadableInput;
     }
@@ -36,13 +36,16 @@ int RunCheck(const CheckOptions& options) {
     if (const int code = RefuseCompiled(options.definition, "check"); code != kExitGood) {
         return code;
     }
+    if (const int code = RefuseUnreadable(options.definition); code != kExitGood) {
+        return code;
+    }
     const Lint::Report report = Lint::CheckDefinition(options.definition);
     std::string text = Written(report, options.form);
     if (options.form == Lint::ReportForm::Text && UsesColor(stdout)) {
         text = PaintedLabels(text);
     }
     const int code = WriteText(text, "");
-    return code == kExitGood ? CodeOf(report, options.strict) : code;
+    return code == kExitGood ? ExitCodeOf(report, options.strict) : code;
 }
 
 } // namespace Kestrona::Tool

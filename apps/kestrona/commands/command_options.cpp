@@ -34,6 +34,20 @@ void AddEncoding(CLI::App& command, TextEncoding& encoding) {
         ->option_text("ENCODING");
 }
 
+void AddFile(CLI::App& command, std::string& file) {
+    command.add_option("-f,--file", file, "File to write; stdout without it")->option_text("FILE");
+}
+
+void AddDataset(CLI::App& command, std::string& dataset) {
+    command.add_option("--dataset", dataset, "Dataset of the tables of a snapshot that have several")
+        ->option_text("NAME");
+}
+
+void AddCellStyle(CLI::App& command, bool& raw, bool& text) {
+    CLI::Option* const stored = command.add_flag("--raw", raw, "Print stored values; csv, json and jsonl do so");
+    command.add_flag("--text", text, "Print display texts; table and markdown do so")->excludes(stored);
+}
+
 void AddKey(CLI::App& command, KeyOptions& key) {
     command.add_option("--key-file", key.file, "File with the key of encrypted fields, protected or plain")
         ->option_text("FILE");
@@ -46,8 +60,7 @@ void AddRecordChoice(CLI::App& command, RecordChoice& choice) {
     command.add_option("TABLE", choice.table, "Format of the records")->required();
     AddFolders(command, choice.folders);
     AddEncoding(command, choice.encoding);
-    command.add_option("--dataset", choice.dataset, "Dataset of the tables of a snapshot that have several")
-        ->option_text("NAME");
+    AddDataset(command, choice.dataset);
     command
         .add_option("--where", choice.conditions,
                     "Print only records with FIELD=VALUE (the sign may be = < <= > >=), or for which an expression is "

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "commands/commands.h"
+#include "commands/record_commands.h"
 
 #include <string>
 #include <vector>
@@ -27,6 +27,14 @@ CLI::Option* AddFolders(CLI::App& command, std::vector<std::string>& folders);
 
 /// How the texts of CSV files are encoded.
 void AddEncoding(CLI::App& command, TextEncoding& encoding);
+
+/// The file that a text goes to, in place of stdout.
+void AddFile(CLI::App& command, std::string& file);
+
+void AddDataset(CLI::App& command, std::string& dataset);
+
+/// Stored values or display texts, where the output form does not choose.
+void AddCellStyle(CLI::App& command, bool& raw, bool& text);
 
 /// The switches that name a key.
 void AddKey(CLI::App& command, KeyOptions& key);

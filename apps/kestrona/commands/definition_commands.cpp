@@ -2,7 +2,6 @@
 
 #include "commands/choice.h"
 #include "commands/command_options.h"
-#include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -10,10 +9,6 @@
 
 namespace Kestrona::Tool {
 namespace {
-
-void AddFile(CLI::App& command, std::string& file) {
-    command.add_option("-f,--file", file, "File to write; stdout without it")->option_text("FILE");
-}
 
 void AddCheck(CLI::App& app, int& code) {
     const auto options = std::make_shared<CheckOptions>();

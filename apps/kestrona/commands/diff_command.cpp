@@ -6,13 +6,13 @@
 #include "commands/import_folders.h"
 #include "commands/record_source.h"
 #include "commands/saved_secrets.h"
-#include "commands/session.h"
 #include "data/compiled_head.h"
 #include "data/definition_reader.h"
 #include "data/field_names.h"
 #include "diff/diff_source.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/peak_memory.h"
 #include "output/text_output.h"
 
 #include <kestrona/host/default_host.h>
@@ -33,13 +33,8 @@ using Data::MemoryResident::IMemoryResidentData;
 using Data::MemoryResident::MemoryResidentData;
 
 /// The code that differences have must not stand for findings in a definition or rejected rows.
-int CodeOfInput(int code) {
+int ExitCodeOfInput(int code) {
     return code == kExitFindings ? static_cast<int>(kExitDamagedInput) : code;
-}
-
-bool IsSnapshot(const std::string& file) {
-    const Host::FileKind kind = Host::KindOfFile(file);
-    return kind == Host::FileKind::Snapshot || kind == Host::FileKind::CompressedSnapshot;
 }
 
 /// Whether the beginning of a file is one that is read; `problem` otherwise.
@@ -58,20 +53,20 @@ int LoadFile(Host::DefaultHost& host, const std::string& file, const std::string
     }
     switch (host.FillFromFile(file, store, FromUtf8(dataset))) {
     case Host::LoadOutcome::Ok:
-        return IsSnapshot(file) ? OpenSavedSecrets(store) : int{kExitGood};
+        return IsSnapshot(Host::KindOfFile(file)) ? OpenSavedSecrets(store) : int{kExitGood};
     case Host::LoadOutcome::Unreadable:
         return kExitUnreadableInput;
     case Host::LoadOutcome::Findings:
     case Host::LoadOutcome::AlreadyLoaded:
         break;
     }
-    return CodeOfInput(ExitCodeOf(host.LastFileProblem().fault));
+    return ExitCodeOfInput(ExitCodeOf(host.LastFileProblem().fault));
 }
 
 /// Returns whether the store can be compared; `code` takes the worst of what has happened.
 bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const DiffOptions& options, MemoryResidentData& store,
               int& code) {
-    if (!input.folders.empty() && IsSnapshot(input.file)) {
+    if (!input.folders.empty() && IsSnapshot(Host::KindOfFile(input.file))) {
         TellError(Code::RecordsTwice, Hint{"Give it no folder."}, "'{}' is a snapshot and has its own records",
                   input.file);
         code = kExitUsage;
@@ -85,7 +80,7 @@ bool LoadSide(Host::DefaultHost& host, const DiffInput& input, const DiffOptions
     if (input.folders.empty()) {
         return true;
     }
-    const int imported = CodeOfInput(ImportFolders(store, input.folders, options.encoding));
+    const int imported = ExitCodeOfInput(ImportFolders(store, input.folders, options.encoding));
     code = std::max(code, imported);
     return imported != kExitUnreadableInput;
 }
@@ -138,8 +133,8 @@ bool TellNumbers(const DiffSides& sides, const std::vector<TableDiff>& diffs) {
         added += diff.added.size();
         changed += diff.changed_records;
     }
-    fmt::print(stderr, "{} of {} tables differ: {} records removed, {} added, {} changed; peak memory {:.1f} MB\n",
-               differing, diffs.size(), removed, added, changed, static_cast<double>(PeakMemory()) / 1.0e6);
+    fmt::print(stderr, "{} of {} tables differ: {} records removed, {} added, {} changed; {}\n", differing,
+               diffs.size(), removed, added, changed, PeakMemoryText());
     return differing > 0;
 }
 
@@ -183,7 +178,8 @@ int RunDiff(const DiffOptions& options) {
         !LoadSide(host, options.new_input, options, *new_store, code)) {
         return code;
     }
-    const bool only_saved = IsSnapshot(options.old_input.file) || IsSnapshot(options.new_input.file);
+    const bool only_saved =
+        IsSnapshot(Host::KindOfFile(options.old_input.file)) || IsSnapshot(Host::KindOfFile(options.new_input.file));
     return std::max(code, Compare(options, {*old_store, *new_store, options.tolerance, only_saved}));
 }
 
@@ -210,8 +206,7 @@ void AddDiffCommand(CLI::App& app, int& code) {
     command->add_option("--dataset", options->dataset, "Dataset of the tables of snapshots that have several")
         ->option_text("NAME");
     AddOutputForm(*command, options->form);
-    CLI::Option* const raw = command->add_flag("--raw", options->raw, "Print stored values; csv, json and jsonl do so");
-    command->add_flag("--text", options->text, "Print display texts; table and markdown do so")->excludes(raw);
+    AddCellStyle(*command, options->raw, options->text);
     AddKey(*command, options->key);
     command->callback([options, &code] { code = RunDiff(*options); });
 }

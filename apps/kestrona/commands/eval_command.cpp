@@ -1,5 +1,5 @@
-#include "commands/commands.h"
 #include "commands/opened_table.h"
+#include "commands/record_commands.h"
 #include "exit_codes.h"
 #include "output/message.h"
 

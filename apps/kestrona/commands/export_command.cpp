@@ -7,7 +7,9 @@
 #include "exit_codes.h"
 #include "export/record_tables.h"
 #include "output/message.h"
+#include "output/peak_memory.h"
 #include "output/progress.h"
+#include "output/text_output.h"
 
 #include <kestrona/unicode.h>
 
@@ -20,15 +22,12 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 namespace Kestrona::Tool {
 namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
-
-constexpr std::string_view kStdout = "-";
 
 const std::map<std::string, ExportForm>& ExportFormNames() {
     static const std::map<std::string, ExportForm> names{{"csv", ExportForm::Csv},
@@ -121,8 +120,7 @@ int TellResult(const ExportResult& result, const std::vector<ExportTable>& table
         TellError(*result.error);
         return kExitUnreadableInput;
     }
-    fmt::print(stderr, "{} records of {} formats to {}; peak memory {:.1f} MB\n", RowsOf(tables), tables.size(), target,
-               static_cast<double>(PeakMemory()) / 1.0e6);
+    fmt::print(stderr, "{} records of {} formats to {}; {}\n", RowsOf(tables), tables.size(), target, PeakMemoryText());
     return result.lossy ? kExitFindings : kExitGood;
 }
 
@@ -137,9 +135,8 @@ int RunExport(const ExportOptions& options) {
     if (const int code = session.Load(options.file, options.key, options.dataset); code != kExitGood) {
         return code;
     }
-    if (session.HasRecords() && !options.folders.empty()) {
-        TellError(Code::RecordsTwice, "'{}' is a snapshot and has its own records", options.file);
-        return kExitUsage;
+    if (const int code = session.RefuseFolders(options.folders); code != kExitGood) {
+        return code;
     }
     const auto formats = ChooseFormats(session, options.tables);
     if (!formats) {
@@ -165,8 +162,7 @@ void AddExportCommand(CLI::App& app, int& code) {
     command->add_option("FILE", options->file, "Definition file, compiled definition or snapshot")->required();
     AddFolders(*command, options->folders);
     AddEncoding(*command, options->encoding);
-    command->add_option("--dataset", options->dataset, "Dataset of the tables of a snapshot that have several")
-        ->option_text("NAME");
+    AddDataset(*command, options->dataset);
     command->add_option("-f,--form", options->form, "Form: csv (a folder of files), json, sqlite or xlsx")
         ->required()
         ->transform(OneOf(ExportFormNames()))

@@ -1,6 +1,7 @@
 #include "commands/file_commands.h"
 
 #include "commands/command_options.h"
+#include "output/text_output.h"
 
 #include <CLI/CLI.hpp>
 
@@ -11,7 +12,7 @@ namespace {
 
 /// These files are written aside and renamed, so that stdout cannot take their place.
 std::string RefuseStdout(const std::string& target) {
-    return target == "-" ? "'-' is no file to write; name one" : "";
+    return target == kStdout ? "'-' is no file to write; name one" : "";
 }
 
 void AddTarget(CLI::App& command, std::string& target) {

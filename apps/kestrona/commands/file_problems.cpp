@@ -85,6 +85,10 @@ bool CheckIsText(const std::string& path, Host::FileProblem& problem) {
     return false;
 }
 
+bool IsSnapshot(FileKind kind) {
+    return kind == FileKind::Snapshot || kind == FileKind::CompressedSnapshot;
+}
+
 int RefuseUnreadable(const std::string& path) {
     std::error_code unknown;
     if (path == kStdin || std::filesystem::is_regular_file(path, unknown)) {
@@ -107,7 +111,7 @@ int RefuseSameFile(const std::string& source, const std::string& target) {
 int RefuseCompiled(const std::string& path, const char* command) {
     const FileKind kind = path == kStdin ? FileKind::Other : Host::KindOfFile(path);
     const bool compiled = kind == FileKind::CompiledDefinition;
-    if (!compiled && kind != FileKind::Snapshot && kind != FileKind::CompressedSnapshot) {
+    if (!compiled && !IsSnapshot(kind)) {
         return kExitGood;
     }
     TellError(Code::NeedsDefinition, "'{}' is a {}; {} needs the source of a definition", path,

@@ -22,6 +22,9 @@ int TellProblem(const Host::FileProblem& problem);
 /// parser would find each of its bytes wrong.
 [[nodiscard]] bool CheckIsText(const std::string& path, Host::FileProblem& problem);
 
+/// Tells whether a file holds records beside a definition.
+[[nodiscard]] bool IsSnapshot(Host::FileKind kind);
+
 /// Says on stderr why the source of a definition cannot be opened, if it is so. Returns `kExitUnreadableInput` then,
 /// else `kExitGood`.
 int RefuseUnreadable(const std::string& path);

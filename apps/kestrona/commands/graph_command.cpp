@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "commands/definition_commands.h"
 #include "commands/session.h"
 #include "exit_codes.h"
 #include "graph/format_graph.h"

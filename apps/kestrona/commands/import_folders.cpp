@@ -1,6 +1,7 @@
 #include "commands/import_folders.h"
 
 #include "data/data_import.h"
+#include "data/matrix_import.h"
 #include "data/reference_import.h"
 #include "exit_codes.h"
 #include "output/message.h"

@@ -3,6 +3,7 @@
 #include "commands/import_folders.h"
 #include "exit_codes.h"
 #include "output/message.h"
+#include "output/peak_memory.h"
 #include "output/text_output.h"
 
 #include <kestrona/unicode.h>
@@ -29,9 +30,8 @@ std::optional<RecordOrder> ParseOrder(Data::MemoryResident::MemoryResidentData& 
 } // namespace
 
 int OpenedTable::CheckSource(NoRecords without) const {
-    if (session_.HasRecords() && !choice_->folders.empty()) {
-        TellError(Code::RecordsTwice, "'{}' is a snapshot and has its own records", choice_->source);
-        return kExitUsage;
+    if (const int code = session_.RefuseFolders(choice_->folders); code != kExitGood) {
+        return code;
     }
     if (without == NoRecords::Refused && !HasRecords()) {
         TellError(Code::NoRecords, "'{}' is a definition without records", choice_->source);
@@ -85,9 +85,8 @@ bool OpenedTable::Print(const std::vector<FollowedField>& fields, std::vector<Na
         return false;
     }
     const std::string matching = filter_->IsEmpty() ? "" : fmt::format(" ({} match)", found);
-    fmt::print(stderr, "{} of {} records of {}{}; peak memory {:.1f} MB\n", source.RowCount(),
-               Store().GetCurrentDbSize(format_), ToUtf8(Store().GetDbName(format_)), matching,
-               static_cast<double>(PeakMemory()) / 1.0e6);
+    fmt::print(stderr, "{} of {} records of {}{}; {}\n", source.RowCount(), Store().GetCurrentDbSize(format_),
+               ToUtf8(Store().GetDbName(format_)), matching, PeakMemoryText());
     return true;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "commands/added_columns.h"
-#include "commands/commands.h"
+#include "commands/record_commands.h"
 #include "commands/record_filter.h"
 #include "commands/session.h"
 #include "data/followed_field.h"

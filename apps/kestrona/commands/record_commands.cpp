@@ -1,7 +1,6 @@
 #include "commands/record_commands.h"
 
 #include "commands/command_options.h"
-#include "commands/commands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,9 +22,7 @@ void AddShow(CLI::App& app, int& code) {
                      "Print a further column NAME with the value of EXPRESSION; may be repeated")
         ->option_text("NAME=EXPRESSION")
         ->allow_extra_args(false);
-    CLI::Option* const raw =
-        command->add_flag("--raw", options->records.raw, "Print stored values; csv, json and jsonl do so");
-    command->add_flag("--text", options->records.text, "Print display texts; table and markdown do so")->excludes(raw);
+    AddCellStyle(*command, options->records.raw, options->records.text);
     command->callback([options, &code] { code = RunShow(*options); });
 }
 

@@ -2,19 +2,12 @@
 
 #include "output/message.h"
 
-#include <numeric>
 #include <utility>
 
 namespace Kestrona::Tool {
 namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
-
-std::vector<std::int32_t> AllRecords(IMemoryResidentData& store, std::int32_t format) {
-    std::vector<std::int32_t> records(static_cast<std::size_t>(store.GetCurrentDbSize(format)));
-    std::iota(records.begin(), records.end(), 0);
-    return records;
-}
 
 /// Keeps the records for which the expression is not 0, which a NaN is not.
 std::vector<std::int32_t> Kept(const std::vector<std::int32_t>& records, const RecordExpression& expression) {
@@ -76,8 +69,7 @@ bool RecordFilter::AddExpression(const std::string& text, Problem& problem) {
 }
 
 std::vector<std::int32_t> RecordFilter::Find() const {
-    std::vector<std::int32_t> records =
-        conditions_.empty() ? AllRecords(*store_, format_) : FindRecords(*store_, format_, conditions_);
+    std::vector<std::int32_t> records = FindRecords(*store_, format_, conditions_);
     for (const RecordExpression& expression : expressions_) {
         records = Kept(records, expression);
     }

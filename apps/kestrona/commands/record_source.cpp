@@ -70,8 +70,4 @@ std::string RecordSource::CellOfStyle(const Field& shown, std::int32_t record) c
                   : CellText(store_, place.format, place.field, record, form);
 }
 
-bool IsShown(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return HasCells(store, format, field) || KeepsMatrices(store, format, field);
-}
-
 } // namespace Kestrona::Tool

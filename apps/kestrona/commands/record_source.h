@@ -55,7 +55,4 @@ private:
     std::vector<std::int32_t> records_;
 };
 
-/// Tells whether the field has something to print.
-[[nodiscard]] bool IsShown(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field);
-
 } // namespace Kestrona::Tool

@@ -1,10 +1,11 @@
-#include "commands/commands.h"
+#include "commands/definition_commands.h"
 #include "commands/session.h"
+#include "data/field_names.h"
 #include "exit_codes.h"
-#include "field_description.h"
 #include "output/property_sheet.h"
 #include "output/text_output.h"
 #include "schema/class_names.h"
+#include "schema/field_description.h"
 #include "schema/field_links.h"
 
 #include <kestrona/classification_readers.h>
@@ -32,7 +33,7 @@ int ListFormats(IMemoryResidentData& store, OutputForm form) {
                        {"Part of"},
                        {"Refers to"}});
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-        source.AddRow({Utf8(store.GetDbName(format)), ToUtf8(store.GetDbDisplayName(format)),
+        source.AddRow({FormatName(store, format), ToUtf8(store.GetDbDisplayName(format)),
                        std::to_string(store.GetDbFields(format)), FieldName(store, format, store.GetDbKey(format)),
                        Utf8(store.GetDbExtension(format)), Utf8(store.GetAssociatedTable(format)),
                        ReferredFormats(store, format)});

@@ -14,10 +14,8 @@
 #include <kestrona/unicode.h>
 
 #include <fmt/format.h>
-#include <sys/resource.h>
 
 #include <set>
-#include <vector>
 
 namespace Kestrona::Tool {
 namespace {
@@ -33,7 +31,7 @@ Host::DefaultHostOptions HostOptions(const std::string& source) {
     return options;
 }
 
-int CodeOf(Host::LoadOutcome outcome) {
+int ExitCodeOf(Host::LoadOutcome outcome) {
     switch (outcome) {
     case Host::LoadOutcome::Ok:
         return kExitGood;
@@ -48,8 +46,7 @@ int CodeOf(Host::LoadOutcome outcome) {
 
 /// Says on stderr that the file has no dataset of this name. Returns an exit code.
 int FindDataset(const std::string& path, const std::string& dataset) {
-    const Host::FileKind kind = Host::KindOfFile(path);
-    if (kind != Host::FileKind::Snapshot && kind != Host::FileKind::CompressedSnapshot) {
+    if (!IsSnapshot(Host::KindOfFile(path))) {
         TellError(Code::UnknownDataset, Hint{"Leave out --dataset."}, "'{}' is no snapshot and has no datasets", path);
         return kExitUsage;
     }
@@ -77,7 +74,7 @@ Session::Session() : host_(HostOptions(source_)) {}
 int Session::Load(const std::string& path) {
     source_ = path;
     const Host::FileKind kind = path == kStdin ? Host::FileKind::Other : Host::KindOfFile(path);
-    if (kind == Host::FileKind::Snapshot || kind == Host::FileKind::CompressedSnapshot) {
+    if (IsSnapshot(kind)) {
         return LoadSnapshot(path, {});
     }
     return LoadDefinition(path, kind);
@@ -90,6 +87,7 @@ int Session::Load(const std::string& path, const KeyOptions& key, const std::str
     if (dataset.empty()) {
         return Load(path);
     }
+    source_ = path;
     const int code = FindDataset(path, dataset);
     return code == kExitGood ? LoadSnapshot(path, dataset) : code;
 }
@@ -105,7 +103,7 @@ int Session::LoadDefinition(const std::string& path, Host::FileKind kind) {
     if (kind == Host::FileKind::Other && path != kStdin && !CheckIsText(path, problem)) {
         return TellProblem(problem);
     }
-    return CodeOf(host_.LoadDefinition(path));
+    return ExitCodeOf(host_.LoadDefinition(path));
 }
 
 int Session::LoadCompiled(const std::string& path) {
@@ -123,11 +121,13 @@ int Session::Compile(const std::string& definition, const std::string& target) {
     if (const int code = RefuseUnreadable(definition); code != kExitGood) {
         return code;
     }
-    // The library says the same of a target that cannot be written as of a definition that cannot be resolved.
+    // Before the load, which takes its time.
     if (const SafeFile probe(FromUtf8(target)); !probe.IsOpen()) {
         return TellProblem({Host::FileFault::CannotWrite, target, {}, ToUtf8(probe.Error()), ""});
     }
-    return CodeOf(host_.CompileDefinition(definition, target));
+    const Host::LoadOutcome outcome = host_.CompileDefinition(definition, target);
+    const Host::FileFault fault = host_.LastFileProblem().fault;
+    return fault == Host::FileFault::None ? ExitCodeOf(outcome) : ExitCodeOf(fault);
 }
 
 int Session::LoadSnapshot(const std::string& path, const std::string& dataset) {
@@ -143,14 +143,21 @@ Data::MemoryResident::MemoryResidentData& Session::Store() {
     return host_.Store();
 }
 
+int Session::RefuseFolders(const std::vector<std::string>& folders) const {
+    if (!has_records_ || folders.empty()) {
+        return kExitGood;
+    }
+    TellError(Code::RecordsTwice, "'{}' is a snapshot and has its own records", source_);
+    return kExitUsage;
+}
+
 std::int32_t Session::FindFormat(const std::string& name) {
     auto& store = Store();
     const std::int32_t named = FormatNamed(store, name);
     if (named < 0) {
         std::vector<std::string> known;
         for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
-            const wchar_t* const format_name = store.GetDbName(format);
-            known.push_back(format_name == nullptr ? std::string() : ToUtf8(format_name));
+            known.push_back(FormatName(store, format));
         }
         TellError(Code::UnknownFormat, ThereAre(known), "no format is called '{}'", name);
     }
@@ -168,11 +175,6 @@ std::int32_t Session::FindField(std::int32_t format, const std::string& name) {
         TellError(Code::UnknownField, ThereAre(known), "no field of the format is called '{}'", name);
     }
     return named;
-}
-
-std::size_t PeakMemory() {
-    rusage usage{};
-    return getrusage(RUSAGE_SELF, &usage) == 0 ? static_cast<std::size_t>(usage.ru_maxrss) * 1024 : 0;
 }
 
 } // namespace Kestrona::Tool

@@ -6,9 +6,9 @@
 #include <kestrona/host/snapshot.h>
 #include <kestrona/store.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// \file
 /// One run of the tool over one definition.
@@ -37,6 +37,9 @@ public:
     /// Tells whether the file was one that holds records.
     [[nodiscard]] bool HasRecords() const { return has_records_; }
 
+    /// Says on stderr that a file with records takes no folders of others, if there are any. Returns an exit code.
+    [[nodiscard]] int RefuseFolders(const std::vector<std::string>& folders) const;
+
     /// Returns the format with this name or display name; says on stderr what there is and gives -1 when none has it.
     [[nodiscard]] std::int32_t FindFormat(const std::string& name);
     /// Returns the field of the format with this name; says on stderr what there is and gives -1 when none has it.
@@ -51,8 +54,5 @@ private:
     Host::DefaultHost host_;
     bool has_records_ = false;
 };
-
-/// Peak resident memory of this process in bytes, 0 when it is not known.
-[[nodiscard]] std::size_t PeakMemory();
 
 } // namespace Kestrona::Tool

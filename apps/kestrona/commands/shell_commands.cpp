@@ -1,6 +1,7 @@
 #include "commands/shell_commands.h"
 
 #include "commands/choice.h"
+#include "commands/command_options.h"
 #include "output/text_output.h"
 #include "shell/command_tree.h"
 #include "shell/completion_script.h"
@@ -45,7 +46,7 @@ std::string CompletionScript(const CommandNode& tool, Shell shell) {
 
 CLI::App* AddHidden(CLI::App& app, const char* name, const char* help, std::string& file) {
     CLI::App* const command = app.add_subcommand(name, help)->group("");
-    command->add_option("-f,--file", file, "File to write; stdout without it")->option_text("FILE");
+    AddFile(*command, file);
     return command;
 }
 

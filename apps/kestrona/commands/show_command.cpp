@@ -1,6 +1,6 @@
-#include "commands/commands.h"
 #include "commands/opened_table.h"
-#include "commands/record_source.h"
+#include "commands/record_commands.h"
+#include "data/matrix_text.h"
 #include "exit_codes.h"
 #include "output/message.h"
 
@@ -19,7 +19,7 @@ std::vector<FollowedField> AllFields(IMemoryResidentData& store, std::int32_t fo
     std::vector<FollowedField> fields;
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
         FollowedField own = OwnField(store, format, field);
-        if (IsShown(store, format, field)) {
+        if (HasValues(store, format, field)) {
             fields.push_back(std::move(own));
         } else {
             left_out += (left_out.empty() ? "" : ", ") + own.name;

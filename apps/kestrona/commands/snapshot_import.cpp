@@ -2,10 +2,10 @@
 
 #include "commands/file_problems.h"
 #include "commands/import_folders.h"
-#include "commands/session.h"
 #include "data/data_import.h"
 #include "encryption.h"
 #include "output/message.h"
+#include "output/peak_memory.h"
 
 #include <kestrona/records.h>
 #include <kestrona/unicode.h>
@@ -136,9 +136,8 @@ void SnapshotImport::AddTable(Host::SnapshotWriter& writer, std::int32_t format,
 
 int SnapshotImport::Finish() const {
     std::error_code unknown;
-    fmt::print(stderr, "'{}': {} records in {} tables, {} bytes; peak memory {:.1f} MB\n", options_.target, records_,
-               Blocks(), std::filesystem::file_size(options_.target, unknown),
-               static_cast<double>(PeakMemory()) / 1.0e6);
+    fmt::print(stderr, "'{}': {} records in {} tables, {} bytes; {}\n", options_.target, records_, Blocks(),
+               std::filesystem::file_size(options_.target, unknown), PeakMemoryText());
     return code_;
 }
 

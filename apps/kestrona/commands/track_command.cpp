@@ -1,5 +1,5 @@
-#include "commands/commands.h"
 #include "commands/opened_table.h"
+#include "commands/record_commands.h"
 #include "commands/tracked_source.h"
 #include "data/track_target.h"
 #include "exit_codes.h"

@@ -1,4 +1,4 @@
-#include "commands/commands.h"
+#include "commands/definition_commands.h"
 #include "commands/file_problems.h"
 #include "commands/session.h"
 #include "data/definition_reader.h"
@@ -29,6 +29,7 @@ namespace fs = std::filesystem;
 using Host::TranslationList;
 using Host::TranslationListEntry;
 
+constexpr const char* kCommand = "translate";
 constexpr const char* kDefinitionList = "KSSERVER.LST";
 constexpr std::array kLists{kDefinitionList, "KS_PDB.LST"};
 
@@ -80,9 +81,6 @@ private:
 
 /// Loads the definition and leaves its lists in the folder. Returns an exit code.
 int Extract(Session& session, const std::string& definition, const fs::path& folder) {
-    if (const int code = RefuseCompiled(definition, "translate"); code != kExitGood) {
-        return code;
-    }
     const std::string absolute = definition == kStdin ? definition : fs::absolute(definition).string();
     int code = kExitGood;
     {
@@ -172,8 +170,6 @@ std::optional<GivenEntries> TakeLists(const std::vector<std::string>& files) {
     return given;
 }
 
-constexpr std::array kColumns{"Section", "Text", "Translation", "Entry"};
-
 /// Fills the table with the definition's texts and what the applied lists make of them.
 void Translate(const TranslationList& texts, GivenEntries& given, ListSource& table) {
     for (const TranslationListEntry& entry : texts.entries) {
@@ -206,6 +202,9 @@ void TellUnused(const GivenEntries& given) {
 } // namespace
 
 int RunTranslateExtract(const TranslateExtractOptions& options) {
+    if (const int code = RefuseCompiled(options.definition, kCommand); code != kExitGood) {
+        return code;
+    }
     const fs::path folder = fs::absolute(options.folder);
     std::error_code failure;
     if (!fs::is_directory(folder, failure)) {
@@ -229,6 +228,9 @@ int RunTranslateExtract(const TranslateExtractOptions& options) {
 }
 
 int RunTranslateApply(const TranslateApplyOptions& options) {
+    if (const int code = RefuseCompiled(options.definition, kCommand); code != kExitGood) {
+        return code;
+    }
     const ScratchFolder scratch;
     if (scratch.Path().empty()) {
         return TellUnwritable(fs::temp_directory_path(), {});
@@ -245,11 +247,7 @@ int RunTranslateApply(const TranslateApplyOptions& options) {
     if (!given) {
         return kExitUnreadableInput;
     }
-    std::vector<OutputColumn> columns;
-    for (const char* name : kColumns) {
-        columns.push_back({name, CellKind::Text});
-    }
-    ListSource table(std::move(columns));
+    ListSource table({{"Section"}, {"Text"}, {"Translation"}, {"Entry"}});
     Translate(*texts, *given, table);
     if (const int code = OutputCode(WriteTable(table, options.form, stdout)); code != kExitGood) {
         return code;

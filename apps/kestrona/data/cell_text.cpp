@@ -1,5 +1,7 @@
 #include "data/cell_text.h"
 
+#include "output/number_cell.h"
+
 #include <kestrona/classes.h>
 #include <kestrona/unicode.h>
 
@@ -17,7 +19,6 @@ namespace {
 using std::chrono::sys_days;
 
 constexpr std::chrono::year_month_day kEpoch{std::chrono::year{1899}, std::chrono::December, std::chrono::day{30}};
-constexpr double kUnset = -1.0;
 constexpr std::int64_t kSecondsPerDay = 86400;
 /// Days from the epoch to 1 January 10000, where the ISO form ends.
 constexpr double kLastDay = 2958466.0;
@@ -28,12 +29,7 @@ std::optional<double> ParseNumber(std::string_view text) {
     if (text.substr(0, 1) == "+") {
         text.remove_prefix(1);
     }
-    double value = 0.0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || end != text.data() + text.size() || !std::isfinite(value)) {
-        return std::nullopt;
-    }
-    return value;
+    return NumberOfCell(text);
 }
 
 std::optional<double> ParseToggle(std::string_view text) {

@@ -26,7 +26,10 @@ enum class ValueForm {
 [[nodiscard]] ValueForm FormOfField(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                     std::int32_t field);
 
-/// Tells whether -1.0 stands for nothing in cells of this form.
+/// What a cell that holds nothing stores, in the forms that `HasUnset`.
+inline constexpr double kUnset = -1.0;
+
+/// Tells whether `kUnset` stands for nothing in cells of this form.
 [[nodiscard]] constexpr bool HasUnset(ValueForm form) {
     return form == ValueForm::Date || form == ValueForm::Duration || form == ValueForm::Reference;
 }

@@ -1,5 +1,7 @@
 #include "data/compiled_head.h"
 
+#include "data/open_file.h"
+
 #include <kestrona/unicode.h>
 
 #include <fmt/format.h>
@@ -7,7 +9,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 namespace Kestrona::Tool {
@@ -21,12 +22,6 @@ using Host::FileFault;
 constexpr std::int64_t kTypeSize = 4;
 /// The format version and both parts of the version.
 constexpr std::int64_t kVersionSize = 12;
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
 
 std::int64_t SizeOf(std::FILE* file) {
     std::fseek(file, 0, SEEK_END);

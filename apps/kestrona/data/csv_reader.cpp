@@ -1,5 +1,7 @@
 #include "data/csv_reader.h"
 
+#include "data/open_file.h"
+
 #include <csv.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 
 namespace Kestrona::Tool {
 namespace {
@@ -19,10 +20,6 @@ constexpr std::size_t kBlock = std::size_t{1} << 16;
 constexpr int kNoRowBegun = 0;
 /// libcsv's parser state inside a cell; in a quoted one, its closing quote has not come.
 constexpr int kCellBegun = 2;
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 /// Makes rows of text that comes in blocks. libcsv takes apart what may hold quotes; it cannot do without a quote
 /// character, so what has none is split here.
@@ -201,7 +198,7 @@ CsvDialect GuessDialect(std::string_view start) {
 }
 
 CsvOutcome ReadCsv(const std::string& path, TextEncoding encoding, const std::function<bool(const CsvRow&)>& take) {
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
+    const OpenFile file(std::fopen(path.c_str(), "rb"));
     if (!file) {
         return {std::strerror(errno), true};
     }

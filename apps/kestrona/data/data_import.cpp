@@ -26,7 +26,6 @@ using Data::MemoryResident::IMemoryResidentData;
 namespace fs = std::filesystem;
 
 constexpr std::string_view kExtension = ".csv";
-constexpr double kUnset = -1.0;
 
 /// Files of the folder by the table name that they may stand for.
 using FilesByTable = std::unordered_map<std::string, fs::path>;
@@ -38,7 +37,7 @@ struct DirectoryCloser {
 /// Null at the end, and with errno for a folder that cannot be read on.
 const dirent* NextEntry(DIR* directory) {
     errno = 0;
-    return readdir(directory);
+    return readdir(directory); // cppcheck-suppress readdirCalled ; the folder is open here alone
 }
 
 // Not with an iterator of std::filesystem, which ends the program where there is no memory for a name.
@@ -104,7 +103,7 @@ void ImportFile(IMemoryResidentData& store, ImportedFile& file, TextEncoding enc
     }
 }
 
-DanglingReferences FollowReferences(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+DanglingReferences CountDangling(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     DanglingReferences result{format, field, 0, 0};
     const std::int32_t target = store.GetDbTable(format, field);
     for (std::int32_t record = 0; record < store.GetCurrentDbSize(format); ++record) {
@@ -158,12 +157,20 @@ ImportReport ImportFolder(IMemoryResidentData& store, const std::string& folder,
     return report;
 }
 
+std::map<std::int32_t, const ImportedFile*> LastFiles(const std::vector<ImportedFile>& files) {
+    std::map<std::int32_t, const ImportedFile*> last_files;
+    for (const ImportedFile& file : files) {
+        last_files[file.format] = &file;
+    }
+    return last_files;
+}
+
 std::vector<DanglingReferences> CheckReferences(IMemoryResidentData& store) {
     std::vector<DanglingReferences> results;
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             if (IsReferenceBetweenData(store, format, field)) {
-                results.push_back(FollowReferences(store, format, field));
+                results.push_back(CountDangling(store, format, field));
             }
         }
     }

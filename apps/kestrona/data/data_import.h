@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -72,11 +73,8 @@ struct FormatFile {
 ImportReport ImportFolder(Data::MemoryResident::IMemoryResidentData& store, const std::string& folder,
                           TextEncoding encoding);
 
-/// Gives the records of the imported formats their lists and matrices, once all formats hold their records: the sizes
-/// depend on them. Of several files of a format the last one counts. A cell that does not fit is returned; its matrix
-/// keeps the default values.
-std::vector<Rejection> FillMatrices(Data::MemoryResident::IMemoryResidentData& store,
-                                    const std::vector<ImportedFile>& files);
+/// Returns the last one of each format's files, which is the one that counts.
+[[nodiscard]] std::map<std::int32_t, const ImportedFile*> LastFiles(const std::vector<ImportedFile>& files);
 
 /// References of a field that no record of the format referred to has.
 struct DanglingReferences {

@@ -16,7 +16,6 @@ namespace {
 using Data::MemoryResident::IMemoryResidentData;
 
 constexpr std::int32_t kNoRecord = -1;
-constexpr double kUnset = -1.0;
 /// Bits of types whose values have a text of their own.
 constexpr std::uint32_t kSingleTypes = TypeBit::kReal | TypeBit::kInteger | TypeBit::kReference | TypeBit::kDateTime |
                                        TypeBit::kDuration | TypeBit::kToggle;

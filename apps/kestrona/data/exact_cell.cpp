@@ -15,7 +15,6 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-constexpr double kUnset = -1.0;
 constexpr double kSecondsPerDay = 86400.0;
 /// Ten decimals tell all times from one another whose days have three digits or more.
 constexpr int kMostDecimals = 10;
@@ -47,7 +46,7 @@ std::string ExactMatrix(IMemoryResidentData& store, const ExactField& field, std
         return {};
     }
     return JoinMatrix(store, field.format, field.field, record, [&field](double value, std::int32_t) {
-        return value == kUnset ? std::string("-1") : ExactText(value, field.form);
+        return value == kUnset ? ValueText(value, ValueForm::Number) : ExactText(value, field.form);
     });
 }
 

@@ -6,6 +6,11 @@ namespace Kestrona::Tool {
 
 using Data::MemoryResident::IMemoryResidentData;
 
+std::string FormatName(IMemoryResidentData& store, std::int32_t format) {
+    const wchar_t* const name = store.GetDbName(format);
+    return name == nullptr ? std::string() : ToUtf8(name);
+}
+
 std::int32_t FormatNamed(IMemoryResidentData& store, std::string_view name) {
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
         const wchar_t* const format_name = store.GetDbName(format);

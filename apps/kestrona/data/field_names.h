@@ -3,12 +3,16 @@
 #include <kestrona/memory_resident_data.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 /// \file
-/// Formats and fields by the names that a command line gives, without a word about those that are not there.
+/// Formats and fields by their names, without a word about those that are not there.
 
 namespace Kestrona::Tool {
+
+/// Returns the name of a format (UTF-8), "" for one without.
+[[nodiscard]] std::string FormatName(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format);
 
 /// Returns the format with this name or display name (UTF-8), -1 for none.
 [[nodiscard]] std::int32_t FormatNamed(Data::MemoryResident::IMemoryResidentData& store, std::string_view name);

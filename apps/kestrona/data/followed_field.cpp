@@ -15,12 +15,6 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-constexpr double kUnset = -1.0;
-
-bool HasValues(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return HasCells(store, format, field) || KeepsMatrices(store, format, field);
-}
-
 bool IsReference(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     const std::int32_t target = store.GetDbTable(format, field);
     return store.ClassDefined(format, field, Classes::kDatabase) && HasCells(store, format, field) &&

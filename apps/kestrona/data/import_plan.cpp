@@ -24,10 +24,6 @@ std::unordered_map<std::string, std::int32_t> FieldsByName(IMemoryResidentData& 
     return fields;
 }
 
-bool IsImported(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return KeepsCells(store, format, field) || KeepsMatrices(store, format, field);
-}
-
 PlannedColumn ColumnFor(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     PlannedColumn column{field, FormOfField(store, format, field), 0, ToUtf8(store.GetColumnName(format, field))};
     column.matrix = KeepsMatrices(store, format, field);
@@ -43,18 +39,21 @@ PlannedColumn ColumnFor(IMemoryResidentData& store, std::int32_t format, std::in
 void PlanByHeading(IMemoryResidentData& store, std::int32_t format, const std::vector<std::string>& heading,
                    const std::unordered_map<std::string, std::int32_t>& fields, ImportPlan& plan) {
     std::vector<bool> taken(static_cast<std::size_t>(store.GetDbFields(format)));
+    const auto leave_out = [&plan](const std::string& name) {
+        plan.columns.push_back({-1, ValueForm::Text, 0, name});
+    };
     for (const std::string& name : heading) {
         const auto found = fields.find(name);
         if (found == fields.end()) {
-            plan.columns.push_back({-1, ValueForm::Text, 0, name});
+            leave_out(name);
             plan.warnings.push_back(
                 {Code::UnknownColumn, fmt::format("column '{}' belongs to no field and is left out", name)});
         } else if (taken[static_cast<std::size_t>(found->second)]) {
-            plan.columns.push_back({-1, ValueForm::Text, 0, name});
+            leave_out(name);
             plan.warnings.push_back(
                 {Code::RepeatedColumn, fmt::format("column '{}' stands twice; the first one is taken", name)});
-        } else if (!IsImported(store, format, found->second)) {
-            plan.columns.push_back({-1, ValueForm::Text, 0, name});
+        } else if (!KeepsValues(store, format, found->second)) {
+            leave_out(name);
             plan.notes.push_back(fmt::format("field '{}' keeps no value of its own; the column is left out", name));
         } else {
             taken[static_cast<std::size_t>(found->second)] = true;

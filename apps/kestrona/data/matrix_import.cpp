@@ -1,5 +1,5 @@
-// Implements: FillMatrices.
-#include "data/data_import.h"
+#include "data/matrix_import.h"
+
 #include "data/display_text.h"
 #include "data/matrix_text.h"
 #include "data/reference_texts.h"
@@ -11,14 +11,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 
 namespace Kestrona::Tool {
 namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-constexpr double kUnset = -1.0;
 constexpr std::uint64_t kMostElements = 0x7FFFFFFE;
 
 std::uint64_t Elements(const MatrixSize& size) {
@@ -72,13 +70,9 @@ std::string FillMatrix(IMemoryResidentData& store, ReferenceTexts& texts, std::i
 } // namespace
 
 std::vector<Rejection> FillMatrices(IMemoryResidentData& store, const std::vector<ImportedFile>& files) {
-    std::map<std::int32_t, const ImportedFile*> last_files;
-    for (const ImportedFile& file : files) {
-        last_files[file.format] = &file;
-    }
     std::vector<Rejection> rejections;
     ReferenceTexts texts(store);
-    for (const auto& [format, file] : last_files) {
+    for (const auto& [format, file] : LastFiles(files)) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             if (KeepsMatrices(store, format, field) &&
                 !store.ClassDefined(format, field, Classes::kAdditionalReference)) {

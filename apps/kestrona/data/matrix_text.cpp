@@ -14,7 +14,6 @@ using Data::MemoryResident::IMemoryResidentData;
 
 constexpr char kValueEnd = ';';
 constexpr char kRowEnd = '|';
-constexpr double kUnset = -1.0;
 
 std::uint32_t Records(IMemoryResidentData& store, std::int32_t format) {
     return static_cast<std::uint32_t>(std::max(0, store.GetCurrentDbSize(format)));
@@ -22,7 +21,7 @@ std::uint32_t Records(IMemoryResidentData& store, std::int32_t format) {
 
 /// An unset value is told, so that a list of one such value is no empty list.
 std::string ElementText(double value, ValueForm form) {
-    return value == kUnset ? "-1" : ValueText(value, form);
+    return ValueText(value, value == kUnset ? ValueForm::Number : form);
 }
 
 /// Cuts the text up to the next `end` off its front.
@@ -52,6 +51,14 @@ bool ParseRow(std::string_view text, const ElementReader& read, std::vector<doub
 bool KeepsMatrices(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     return (store.GetDbType(format, field) & TypeBit::kMatrix) != 0 &&
            !store.ClassDefined(format, field, Classes::kEvaluate);
+}
+
+bool KeepsValues(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return KeepsCells(store, format, field) || KeepsMatrices(store, format, field);
+}
+
+bool HasValues(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
+    return HasCells(store, format, field) || KeepsMatrices(store, format, field);
 }
 
 MatrixSize SizeOfMatrix(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {

@@ -34,6 +34,13 @@ struct MatrixSize {
 [[nodiscard]] bool KeepsMatrices(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                  std::int32_t field);
 
+/// Tells whether the records keep anything in this field: a value, a list or a matrix.
+[[nodiscard]] bool KeepsValues(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
+                               std::int32_t field);
+
+/// Tells whether the records have anything to show in this field, kept or calculated.
+[[nodiscard]] bool HasValues(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field);
+
 /// Returns the size that the matrices of the field have now.
 [[nodiscard]] MatrixSize SizeOfMatrix(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                       std::int32_t field);

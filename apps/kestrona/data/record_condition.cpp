@@ -1,7 +1,6 @@
 #include "data/record_condition.h"
 
 #include "data/display_text.h"
-#include "data/field_names.h"
 #include "data/reference_texts.h"
 #include "encryption.h"
 
@@ -21,8 +20,6 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-constexpr double kUnset = -1.0;
-
 /// The longer signs first.
 constexpr std::array<std::pair<std::string_view, FindOperator>, 5> kSigns{{{"<=", FindOperator::LessThanOrEqual},
                                                                            {">=", FindOperator::GreaterThanOrEqual},
@@ -30,12 +27,14 @@ constexpr std::array<std::pair<std::string_view, FindOperator>, 5> kSigns{{{"<="
                                                                            {">", FindOperator::GreaterThan},
                                                                            {"=", FindOperator::Equal}}};
 
+constexpr std::string_view kBlanks = " \t";
+
 std::string_view Trim(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t");
+    const std::size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) {
         return {};
     }
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 /// The text cut at a sign.
@@ -47,16 +46,25 @@ struct Parts {
 
 /// Cuts at the first sign behind the name of a field: names may hold signs, too.
 std::optional<Parts> Cut(IMemoryResidentData& store, std::int32_t format, std::string_view text) {
-    for (std::size_t place = text.find_first_of("<>="); place != std::string_view::npos;
-         place = text.find_first_of("<>=", place + 1)) {
-        const std::int32_t field = FieldNamed(store, format, Trim(text.substr(0, place)));
+    text = Trim(text);
+    std::optional<Parts> parts;
+    std::size_t first = std::string_view::npos;
+    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
+        const std::string name = ToUtf8(store.GetColumnName(format, field));
+        const std::size_t place =
+            text.starts_with(name) ? text.find_first_not_of(kBlanks, name.size()) : std::string_view::npos;
+        if (place >= first) {
+            continue;
+        }
         for (const auto& [sign, comparison] : kSigns) {
-            if (field >= 0 && text.substr(place).starts_with(sign)) {
-                return Parts{field, comparison, Trim(text.substr(place + sign.size()))};
+            if (text.substr(place).starts_with(sign)) {
+                parts = Parts{field, comparison, Trim(text.substr(place + sign.size()))};
+                first = place;
+                break;
             }
         }
     }
-    return std::nullopt;
+    return parts;
 }
 
 /// An unset date comes before no other.

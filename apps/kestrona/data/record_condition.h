@@ -38,7 +38,6 @@ struct RecordCondition {
                                                             Problem& problem);
 
 /// Returns the records that fulfil all conditions, ascending. Costs an index per field named and the records found.
-/// Requires: at least one condition.
 [[nodiscard]] std::vector<std::int32_t> FindRecords(Data::MemoryResident::IMemoryResidentData& store,
                                                     std::int32_t format, std::vector<RecordCondition> conditions);
 

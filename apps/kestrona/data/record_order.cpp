@@ -11,10 +11,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace Kestrona::Tool {
 namespace {
@@ -83,7 +83,18 @@ void RecordOrder::Arrange(std::vector<std::int32_t>& records) const {
         std::vector<SortDetails> details = details_;
         KSDLL_MulticolumnSort(*store_, format_, details, group_families_, false, sequence.get());
     }
-    std::ranges::sort(records, {}, [&](std::int32_t record) { return sequence->GetValue(record); });
+    // The places are 0, 1, 2 and so on, so that each record can go to its own.
+    constexpr std::int32_t kLeftOut = -1;
+    std::vector<std::int32_t> arranged(static_cast<std::size_t>(store_->GetCurrentDbSize(format_)), kLeftOut);
+    for (const std::int32_t record : records) {
+        const auto place = static_cast<std::size_t>(sequence->GetValue(record));
+        if (place >= arranged.size() || arranged[place] != kLeftOut) {
+            return; // families that have no column of values are not sorted
+        }
+        arranged[place] = record;
+    }
+    std::erase(arranged, kLeftOut);
+    records = std::move(arranged);
 }
 
 } // namespace Kestrona::Tool

@@ -31,13 +31,9 @@ std::int32_t ChainLength(IMemoryResidentData& store, std::int32_t format, std::i
 
 /// The cells in an order in which those that others are shown by come first.
 std::vector<PendingReference> InOrder(IMemoryResidentData& store, const std::vector<ImportedFile>& files) {
-    std::map<std::int32_t, const ImportedFile*> last_files;
-    for (const ImportedFile& file : files) {
-        last_files[file.format] = &file;
-    }
     std::map<std::pair<std::int32_t, std::int32_t>, std::int32_t> chains;
     std::vector<PendingReference> pending;
-    for (const auto& [format, file] : last_files) {
+    for (const auto& [format, file] : LastFiles(files)) {
         for (const PendingCell& cell : file->references) {
             const auto [chain, is_new] = chains.try_emplace({format, cell.field});
             if (is_new) {

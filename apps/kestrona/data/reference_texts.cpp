@@ -12,8 +12,6 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-constexpr double kUnset = -1.0;
-
 ReferenceTarget BySlots(IMemoryResidentData& store, std::int32_t format, std::int32_t field, std::int32_t format_slot,
                         std::int32_t field_slot) {
     return {store.GetDbData(format, field, format_slot), store.GetDbData(format, field, field_slot)};

@@ -14,7 +14,6 @@ namespace Kestrona::Tool {
 namespace {
 
 constexpr std::int32_t kFirstCapacity = 1024;
-constexpr double kUnset = -1.0;
 constexpr std::int32_t kMostRecords = kFirstScratchRecord;
 
 } // namespace
@@ -85,7 +84,7 @@ bool RowImporter::CheckCell(const CsvRow& row, std::size_t column) {
     Value& value = values_[column];
     value.present = true;
     value.pending = false;
-    const bool empty = row.cells[column].find_first_not_of(" \t\r") == std::string::npos;
+    const bool empty = TrimCell(row.cells[column]).empty();
     if (empty && (plan.field == key_field_ || !HasUnset(plan.form))) {
         // Left at the field's default; a key has none that could serve.
         value.present = false;
@@ -173,7 +172,7 @@ void RowImporter::Write(const CsvRow& row) {
 void RowImporter::KeepPending(std::vector<PendingCell>& cells, const CsvRow& row, std::size_t column,
                               std::int32_t record) {
     const std::string& cell = row.cells[column];
-    if (cell.find_first_not_of(" \t\r") != std::string::npos) {
+    if (!TrimCell(cell).empty()) {
         cells.push_back({record, plan_.columns[column].field, row.line, cell});
     }
 }

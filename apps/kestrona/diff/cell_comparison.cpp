@@ -9,8 +9,6 @@ namespace {
 
 using Data::MemoryResident::IMemoryResidentData;
 
-constexpr double kUnset = -1.0;
-
 bool Measures(ValueForm form) {
     return form == ValueForm::Number || form == ValueForm::Integer || form == ValueForm::Date ||
            form == ValueForm::Duration;

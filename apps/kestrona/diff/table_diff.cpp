@@ -19,10 +19,6 @@ using Data::MemoryResident::IMemoryResidentData;
 
 using FieldsByName = std::unordered_map<std::string, std::int32_t>;
 
-bool KeepsValues(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
-    return KeepsCells(store, format, field) || KeepsMatrices(store, format, field);
-}
-
 bool IsSaved(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     return !store.ClassDefined(format, field, Classes::kNotPersisted);
 }

@@ -1,5 +1,6 @@
 #include "export/record_tables.h"
 
+#include "data/field_names.h"
 #include "data/matrix_text.h"
 #include "data/reference_texts.h"
 
@@ -16,8 +17,9 @@ using Data::MemoryResident::IMemoryResidentData;
 std::vector<std::int32_t> ChooseFields(IMemoryResidentData& store, std::int32_t format, ExportFields which) {
     std::vector<std::int32_t> fields;
     for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        const bool is_kept = KeepsCells(store, format, field) || KeepsMatrices(store, format, field);
-        if (which == ExportFields::Kept ? is_kept : IsShown(store, format, field)) {
+        const bool is_wanted =
+            which == ExportFields::Kept ? KeepsValues(store, format, field) : HasValues(store, format, field);
+        if (is_wanted) {
             fields.push_back(field);
         }
     }
@@ -108,9 +110,8 @@ std::vector<ExportTable> TablesOf(IMemoryResidentData& store, const std::vector<
     std::vector<ExportTable> tables;
     for (const std::int32_t format : formats) {
         const std::vector<std::int32_t> chosen = ChooseFields(store, format, fields);
-        const wchar_t* const name = store.GetDbName(format);
         ExportTable& table = tables.emplace_back();
-        table.name = name == nullptr ? std::string() : ToUtf8(name);
+        table.name = FormatName(store, format);
         if (style == CellStyle::Shown) {
             table.source = ShownSource(store, format, chosen);
             DescribeShown(table);

@@ -1,8 +1,8 @@
 // Implements: WriteSqliteFile.
 #include "export/draft.h"
 #include "export/export_table.h"
-#include "export/number_cell.h"
 #include "export/unique_names.h"
+#include "output/number_cell.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>

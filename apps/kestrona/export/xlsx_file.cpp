@@ -2,8 +2,8 @@
 #include "data/cell_text.h"
 #include "export/draft.h"
 #include "export/export_table.h"
-#include "export/number_cell.h"
 #include "export/xlsx_text.h"
+#include "output/number_cell.h"
 
 #include <fmt/format.h>
 #include <xlsxwriter.h>

@@ -1,5 +1,6 @@
 #include "graph/format_graph.h"
 
+#include "data/field_names.h"
 #include "schema/field_links.h"
 
 #include <kestrona/unicode.h>
@@ -51,10 +52,9 @@ public:
 
 private:
     void AddNode(std::int32_t format) {
-        const wchar_t* const name = store_.GetDbName(format);
         const std::int32_t key = store_.GetDbKey(format);
         Node& node = graph_.nodes.emplace_back();
-        node.name = name == nullptr ? std::string() : ToUtf8(name);
+        node.name = FormatName(store_, format);
         node.title = ToUtf8(store_.GetDbDisplayName(format));
         node.title = node.title == node.name ? std::string() : node.title;
         node.key = key < 0 ? std::string() : ToUtf8(store_.GetColumnName(format, key));

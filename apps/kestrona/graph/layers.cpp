@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::size_t kMostPoints = 100000;
 
+/// Sweeps over the layers, of which the order with the fewest crossings is kept; few where each takes its time.
+constexpr std::size_t kSweeps = 40;
+constexpr std::size_t kSweepsOfMany = 4;
+constexpr std::size_t kManyItems = 20000;
+
 class LayerMaker {
 public:
     explicit LayerMaker(const LayoutInput& input) : input_(input), out_(input.boxes.size()) {
@@ -190,7 +195,7 @@ public:
         }
         auto best = layering_.layers;
         std::size_t fewest = CountCrossings(layering_);
-        const std::size_t sweeps = layering_.items.size() > 20000 ? 4 : 40;
+        const std::size_t sweeps = layering_.items.size() > kManyItems ? kSweepsOfMany : kSweeps;
         for (std::size_t sweep = 0; sweep < sweeps && fewest > 0; ++sweep) {
             Sweep(sweep % 2 == 0);
             const std::size_t crossings = CountCrossings(layering_);

@@ -9,6 +9,7 @@ constexpr double kBoxGap = 18.0;
 constexpr double kLineGap = 9.0;
 constexpr double kLineWeight = 4.0; // long edges are kept straight before boxes are centred
 constexpr int kSweeps = 24;
+constexpr int kLastSweeps = 4; // these look at the neighbours on both sides
 
 bool IsBox(const Item& item) {
     return item.layer % 2 == 0 && item.size.width > 0.0;
@@ -23,7 +24,7 @@ public:
             Stack(layer);
         }
         for (int sweep = 0; sweep < kSweeps; ++sweep) {
-            const bool both_sides = sweep + 4 >= kSweeps;
+            const bool both_sides = sweep + kLastSweeps >= kSweeps;
             for (std::size_t i = 0; i < layering_.layers.size(); ++i) {
                 const bool to_right = sweep % 2 == 0;
                 Settle(layering_.layers[to_right ? i : layering_.layers.size() - 1 - i], to_right || both_sides,

@@ -1,9 +1,12 @@
 #include "output/json_forms.h"
 
+#include "output/number_cell.h"
+
 #include <nlohmann/json.hpp>
 
-#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,30 +15,37 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+/// Below it a whole number is written without an exponent.
+constexpr double kLargestWhole = 9.0e15;
+
 Json NumberCell(const std::string& cell) {
     if (cell.empty()) {
         return nullptr;
     }
-    double value = 0.0;
-    const auto [end, error] = std::from_chars(cell.data(), cell.data() + cell.size(), value);
-    if (error != std::errc{} || end != cell.data() + cell.size() || !std::isfinite(value)) {
+    const std::optional<double> value = NumberOfCell(cell);
+    if (!value) {
         return cell;
     }
     // Whole numbers keep their form without a decimal point.
-    if (cell.find_first_of(".eE") == std::string::npos && std::abs(value) < 9.0e15) {
-        return static_cast<std::int64_t>(value);
+    if (cell.find_first_of(".eE") == std::string::npos && std::abs(*value) < kLargestWhole) {
+        return static_cast<std::int64_t>(*value);
     }
-    return value;
+    return *value;
+}
+
+/// What `make` makes of each piece of the text between the dividers, as an array.
+Json Pieces(std::string_view text, char divider, Json (*make)(std::string_view piece)) {
+    Json pieces = Json::array();
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+        end = text.find(divider);
+        pieces.push_back(make(text.substr(0, end)));
+        text.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
+    }
+    return pieces;
 }
 
 Json RowCell(std::string_view text) {
-    Json values = Json::array();
-    for (std::size_t end = 0; end != std::string_view::npos;) {
-        end = text.find(';');
-        values.push_back(NumberCell(std::string(text.substr(0, end))));
-        text.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
-    }
-    return values;
+    return Pieces(text, ';', [](std::string_view cell) { return NumberCell(std::string(cell)); });
 }
 
 // One row makes an array of values, several an array of arrays.
@@ -43,16 +53,7 @@ Json MatrixCell(std::string_view text) {
     if (text.empty()) {
         return Json::array();
     }
-    if (text.find('|') == std::string_view::npos) {
-        return RowCell(text);
-    }
-    Json rows = Json::array();
-    for (std::size_t end = 0; end != std::string_view::npos;) {
-        end = text.find('|');
-        rows.push_back(RowCell(text.substr(0, end)));
-        text.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
-    }
-    return rows;
+    return text.find('|') == std::string_view::npos ? RowCell(text) : Pieces(text, '|', RowCell);
 }
 
 Json CellValue(CellKind kind, std::string cell) {

@@ -3,7 +3,9 @@
 #include "output/terminal.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
+#include <functional>
 
 namespace Kestrona::Tool {
 namespace {
@@ -22,13 +24,15 @@ void TellLines(std::string_view text) {
 }
 
 void TellCoded(std::string_view head, std::string_view what, std::string_view code, std::string_view hint) {
-    static std::string last_hint;
+    // Its hash, which takes no memory for as long as the process runs.
+    static std::size_t last_hint = std::hash<std::string_view>()({});
+    const std::size_t this_hint = std::hash<std::string_view>()(hint);
     const std::size_t line = std::min(what.find('\n'), what.size());
     std::string text = fmt::format("{}{} [{}]{}\n", head, what.substr(0, line), code, what.substr(line));
-    if (hint != last_hint) {
+    if (this_hint != last_hint) {
         text += fmt::format("  hint: {}\n", hint);
     }
-    last_hint = hint;
+    last_hint = this_hint;
     TellLines(text);
 }
 

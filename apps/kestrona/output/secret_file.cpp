@@ -13,14 +13,16 @@ namespace Kestrona::Tool {
 namespace {
 
 /// A new file beside the one to be written, of mode 0600. Removed at the end.
-class Draft {
+class SecretDraft {
 public:
-    explicit Draft(const std::string& path) : path_(path + ".XXXXXX"), descriptor_(mkostemp(path_.data(), O_CLOEXEC)) {}
+    explicit SecretDraft(const std::string& path)
+        : path_(path + ".XXXXXX"),
+          descriptor_(mkostemp(path_.data(), O_CLOEXEC)) {}
 
-    Draft(const Draft&) = delete;
-    Draft& operator=(const Draft&) = delete;
+    SecretDraft(const SecretDraft&) = delete;
+    SecretDraft& operator=(const SecretDraft&) = delete;
 
-    ~Draft() {
+    ~SecretDraft() {
         if (descriptor_ >= 0) {
             close(descriptor_);
             unlink(path_.c_str());
@@ -55,7 +57,7 @@ Problem FileInTheWay() {
 }
 
 std::optional<Problem> WriteSecretFile(std::string_view content, const std::string& path, bool replace) {
-    const Draft draft(path);
+    const SecretDraft draft(path);
     if (draft.Write(content) && draft.Publish(path, replace)) {
         return std::nullopt;
     }

@@ -54,7 +54,7 @@ std::string WriteFile(std::string_view text, const std::string& path) {
 } // namespace
 
 int WriteText(std::string_view text, const std::string& path) {
-    const bool to_stdout = path.empty() || path == "-";
+    const bool to_stdout = path.empty() || path == kStdout;
     if (to_stdout) {
         return OutputCode(Write(text, stdout));
     }

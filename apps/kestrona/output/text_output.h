@@ -5,7 +5,10 @@
 
 namespace Kestrona::Tool {
 
-/// Writes a whole text to a file, or to stdout for the empty path and for "-". What cannot be written is told on
+/// The name of a file to write that stands for stdout.
+inline constexpr std::string_view kStdout = "-";
+
+/// Writes a whole text to a file, or to stdout for the empty path and for `kStdout`. What cannot be written is told on
 /// stderr. Returns an exit code.
 int WriteText(std::string_view text, const std::string& path);
 

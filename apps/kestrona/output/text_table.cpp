@@ -18,6 +18,10 @@ constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
 
 /// Decodes the character at the start of `text` into `code_point`; returns its bytes, 1 for a byte that is no UTF-8.
 std::size_t NextCharacter(std::string_view text, utf8proc_int32_t& code_point) {
+    if (!text.empty() && static_cast<unsigned char>(text.front()) < 0x80) { // most texts are of such characters alone
+        code_point = static_cast<unsigned char>(text.front());
+        return 1;
+    }
     const utf8proc_ssize_t used = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
                                                    static_cast<utf8proc_ssize_t>(text.size()), &code_point);
     if (used < 1) {
@@ -32,7 +36,8 @@ bool IsControl(utf8proc_int32_t code_point) {
 }
 
 std::size_t CharacterWidth(utf8proc_int32_t code_point) {
-    return IsControl(code_point) ? 1 : static_cast<std::size_t>(std::max(0, utf8proc_charwidth(code_point)));
+    const bool is_single = code_point < 0x80 || IsControl(code_point);
+    return is_single ? 1 : static_cast<std::size_t>(std::max(0, utf8proc_charwidth(code_point)));
 }
 
 std::vector<std::size_t> MeasureColumns(const TableSource& source) {

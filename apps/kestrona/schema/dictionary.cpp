@@ -1,6 +1,7 @@
 #include "schema/dictionary.h"
 
-#include "field_description.h"
+#include "data/field_names.h"
+#include "schema/field_description.h"
 #include "schema/field_links.h"
 
 #include <kestrona/built_in_tables.h>
@@ -72,7 +73,7 @@ public:
     }
 
 private:
-    [[nodiscard]] std::string Name(std::int32_t format) const { return Utf8(store_.GetDbName(format)); }
+    [[nodiscard]] std::string Name(std::int32_t format) const { return FormatName(store_, format); }
 
     [[nodiscard]] std::string FieldName(std::int32_t format, std::int32_t field) const {
         return field < 0 ? std::string() : ToUtf8(store_.GetColumnName(format, field));

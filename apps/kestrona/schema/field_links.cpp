@@ -1,5 +1,7 @@
 #include "schema/field_links.h"
 
+#include "data/field_names.h"
+
 #include <kestrona/classes.h>
 #include <kestrona/classification_parsers.h>
 #include <kestrona/record_search.h>
@@ -215,8 +217,7 @@ std::string TargetText(IMemoryResidentData& store, const FieldLink& link, std::i
     if (link.format == home && !field.empty()) {
         return field;
     }
-    const wchar_t* name = store.GetDbName(link.format);
-    const std::string format = name == nullptr ? std::string("?") : ToUtf8(name);
+    const std::string format = FormatName(store, link.format);
     return field.empty() ? format : format + "(" + field + ")";
 }
 

@@ -109,7 +109,7 @@ complete -F _kestrona kestrona
 } // namespace
 
 std::string BashScript(const CommandNode& tool) {
-    std::string general = BashValues(tool);
+    const std::string general = BashValues(tool);
     return fmt::format(kBashFrame, BashPaths(tool, ""), BashCase(tool, "", tool), general);
 }
 

@@ -75,8 +75,8 @@ public:
     LoadOutcome FillFromFile(const std::string& path, Data::MemoryResident::MemoryResidentData& store,
                              const std::wstring& dataset = {});
 
-    /// What was wrong with the file of the last `FillFromFile`; no fault where the definition in it was found wrong, or
-    /// nothing was.
+    /// What was wrong with the file of the last `FillFromFile`, or with the target of the last `CompileDefinition`; no
+    /// fault where the definition was found wrong, or nothing was.
     [[nodiscard]] const FileProblem& LastFileProblem() const { return file_problem_; }
 
     /// The store that `LoadDefinition`, `LoadCompiled` and `CompileDefinition` fill.

@@ -1,4 +1,4 @@
-#include "export/number_cell.h"
+#include "output/number_cell.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,6 +1,7 @@
-#include "field_description.h"
+#include "schema/field_description.h"
 
 #include "data/cell_text.h"
+#include "data/field_names.h"
 #include "schema/class_names.h"
 #include "schema/field_links.h"
 
@@ -17,11 +18,6 @@ namespace {
 
 using Data::MemoryResident::field_info;
 using Data::MemoryResident::IMemoryResidentData;
-
-std::string FormatName(IMemoryResidentData& store, std::int32_t format) {
-    const wchar_t* name = store.GetDbName(format);
-    return name == nullptr ? std::string("?") : ToUtf8(name);
-}
 
 std::string_view NameOf(ValueForm form) {
     switch (form) {
@@ -75,7 +71,7 @@ std::string DefaultText(IMemoryResidentData& store, std::int32_t format, std::in
         return {};
     }
     const double value = store.GetDbDefaultValue(format, field);
-    if (HasUnset(form) && value == -1.0) {
+    if (HasUnset(form) && value == kUnset) {
         return {};
     }
     return form == ValueForm::Date ? IsoDate(value) : fmt::format("{}", value);
