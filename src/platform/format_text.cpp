@@ -13,10 +13,11 @@ namespace {
 
 // Boost computes widths, precisions and argument numbers in int without a bound and pads to any width. A number of more
 // than three digits in a placeholder has no honest use, so such a text is not taken for a format. Nor is one with the
-// flag '_': together with '-' and '0' it fails an assertion of Boost.
+// flag '_', which together with '-' and '0' fails an assertion of Boost, or with the conversion 'T', which takes the
+// character behind it: where that is a '%', Boost counts its items wrong and writes beyond them.
 bool HasTamePlaceholders(std::wstring_view text) {
     constexpr std::size_t kMostDigits = 3;
-    constexpr std::wstring_view kBetween = L"+-#. '$|*=_<>";
+    constexpr std::wstring_view kBetween = L"+-#. '$|*=_<>hljzLwI";
     for (std::size_t i = text.find(L'%'); i != std::wstring_view::npos; i = text.find(L'%', i)) {
         std::size_t digits = 0;
         for (++i; i < text.size() && (IsDecimalDigit(text[i]) || kBetween.find(text[i]) != kBetween.npos); ++i) {
@@ -24,6 +25,9 @@ bool HasTamePlaceholders(std::wstring_view text) {
             if (digits > kMostDigits || text[i] == L'_') {
                 return false;
             }
+        }
+        if (i < text.size() && text[i] == L'T') {
+            return false;
         }
     }
     return true;
