@@ -35,9 +35,9 @@ FileProblem DamagedStream(const std::string& path, std::FILE* source) {
     return {FileFault::WrongMarker, path, 0, Snapshots::QuotedBytes(start), "a zlib stream"};
 }
 
-bool Convert(const std::string& source, Conversion conversion, const std::string& target, SafeFile& draft,
-             FileProblem& problem) {
-    const FileHandle file = Snapshots::OpenRegularFile(source, problem);
+// Requires: `file` is the source, null where it cannot be opened; `problem` tells then.
+bool Convert(std::FILE* file, const std::string& source, Conversion conversion, const std::string& target,
+             SafeFile& draft, FileProblem& problem) {
     if (file == nullptr) {
         return false;
     }
@@ -46,20 +46,16 @@ bool Convert(const std::string& source, Conversion conversion, const std::string
         return false;
     }
     errno = 0;
-    const std::int32_t result = (DataCompressor().*conversion)(FromUtf8(source), draft.DraftPath());
+    const std::int32_t result =
+        (DataCompressor().*conversion)(FromUtf8(PathOfOpenFile(file, source)), draft.DraftPath());
     if (result == DataCompressor::kDataDamaged) {
-        problem = DamagedStream(source, file.get());
+        problem = DamagedStream(source, file);
     } else if (result == DataCompressor::kFileFailed) {
         problem = SystemProblem(FileFault::CannotWrite, target); // the source has just been opened
     } else if (result != DataCompressor::kDone) {
         problem = {FileFault::CannotRead, source, {}, "not enough memory", ""};
     }
     return result == DataCompressor::kDone;
-}
-
-bool CheckEnd(const std::string& source, std::FILE* content, FileProblem& problem) {
-    const FileHandle file = Snapshots::OpenRegularFile(source, problem);
-    return file != nullptr && Snapshots::CheckStreamEnd(file.get(), source, content, problem);
 }
 
 bool Commit(const std::string& path, SafeFile& draft, FileProblem& problem) {
@@ -74,13 +70,16 @@ bool Commit(const std::string& path, SafeFile& draft, FileProblem& problem) {
 
 bool CompressFile(const std::string& source, const std::string& target, FileProblem& problem) {
     SafeFile draft(FromUtf8(target));
-    return Convert(source, &DataCompressor::CompressFile, target, draft, problem) && Commit(target, draft, problem);
+    const FileHandle file = Snapshots::OpenRegularFile(source, problem);
+    return Convert(file.get(), source, &DataCompressor::CompressFile, target, draft, problem) &&
+           Commit(target, draft, problem);
 }
 
 bool DecompressFile(const std::string& source, const std::string& target, FileProblem& problem) {
     SafeFile draft(FromUtf8(target));
-    return Convert(source, &DataCompressor::DecompressFile, target, draft, problem) &&
-           CheckEnd(source, draft.File(), problem) && Commit(target, draft, problem);
+    const FileHandle file = Snapshots::OpenRegularFile(source, problem);
+    return Convert(file.get(), source, &DataCompressor::DecompressFile, target, draft, problem) &&
+           Snapshots::CheckStreamEnd(file.get(), source, draft.File(), problem) && Commit(target, draft, problem);
 }
 
 } // namespace Kestrona::Host

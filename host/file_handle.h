@@ -17,4 +17,8 @@ using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 // pipe would keep the reader waiting.
 [[nodiscard]] FileHandle OpenRegularFile(const std::string& path);
 
+// A path to the very file that is open, for those who open by name: another file may have taken the name meanwhile. The
+// name itself where the system shows no open files.
+[[nodiscard]] std::string PathOfOpenFile(std::FILE* file, const std::string& path);
+
 } // namespace Kestrona::Host

@@ -61,7 +61,8 @@ bool SnapshotFile::Decompress(FileProblem& problem) {
         return false;
     }
     errno = 0;
-    switch (DataCompressor().DecompressFile(FromUtf8(path_), FromUtf8(copy_->Path()))) {
+    const std::string source = PathOfOpenFile(file_.get(), path_);
+    switch (DataCompressor().DecompressFile(FromUtf8(source), FromUtf8(copy_->Path()))) {
     case DataCompressor::kDone:
         return OpenCopy(problem);
     case DataCompressor::kDataDamaged:
