@@ -67,6 +67,11 @@ void* operator new(std::size_t size) {
     return block != nullptr ? block : throw std::bad_alloc();
 }
 
+// The sanitizers have one of their own, whose blocks are not malloc's.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return Fails() ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* block) noexcept {
     std::free(block);
 }
