@@ -6,8 +6,9 @@
 
 #include <kestrona/classes.h>
 
+#include <boost/iterator/transform_iterator.hpp>
+
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace Kestrona::Data::MemoryResident {
@@ -64,16 +65,23 @@ void FreeIfUnheld(formats_info& format, ColumnSlot<T> slot, IColumn<T>* column) 
     FreeColumn(column);
 }
 
+template <typename T>
+struct ColumnOfField {
+    ColumnSlot<T> slot;
+
+    IColumn<T>*& operator()(field_info& field) const { return field.*slot; }
+};
+
 // Frees the columns that the fields hold in this slot, each once. They are sorted where they stand: a store that goes
 // can ask for no memory.
 template <typename T>
 void FreeAllOf(formats_info& format, ColumnSlot<T> slot) {
-    auto columns = std::views::transform(
-        format.fields, [slot](field_info & field) -> auto& { return field.*slot; });
-    std::ranges::sort(columns);
+    const auto first = boost::make_transform_iterator(format.fields.begin(), ColumnOfField<T>{slot});
+    const auto last = boost::make_transform_iterator(format.fields.end(), ColumnOfField<T>{slot});
+    std::sort(first, last);
     IColumn<T>* freed = nullptr;
-    for (IColumn<T>*& held : columns) {
-        IColumn<T>* const column = std::exchange(held, nullptr);
+    for (auto held = first; held != last; ++held) {
+        IColumn<T>* const column = std::exchange(*held, nullptr);
         if (column != freed) {
             FreeColumn(column);
             freed = column;
