@@ -77,6 +77,13 @@ int TellUsage(const CLI::App& app, const CLI::ParseError& error) {
     return kExitUsage;
 }
 
+// TellError would ask for memory.
+void TellOutOfMemory() {
+    const CodeEntry& entry = EntryOf(Code::OutOfMemory);
+    std::fprintf(stderr, "kestrona: error: not enough memory [KES-%04d]\n  hint: %.*s\n", entry.number,
+                 static_cast<int>(entry.hint.size()), entry.hint.data());
+}
+
 int Run(int argc, char** argv) {
     CLI::App app{"Looks at plant definitions and their data.", "kestrona"};
     app.require_subcommand(1);
@@ -108,10 +115,7 @@ int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {
-        // Spelt out, since TellError would ask for more.
-        std::fputs("kestrona: error: not enough memory [KES-9002]\n"
-                   "  hint: Try again with fewer tables or more memory.\n",
-                   stderr);
+        TellOutOfMemory();
     } catch (const std::exception& error) {
         TellError(Code::Unexpected, "{}", error.what());
     } catch (const wchar_t* text) {
