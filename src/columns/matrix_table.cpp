@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <new>
 #include <utility>
 
 namespace Kestrona::Data::MemoryResident {
@@ -20,17 +21,24 @@ MatrixTable& MatrixTable::Instance() {
     return table;
 }
 
-MatrixEntry* MatrixTable::Find(std::int32_t id) const {
-    const std::size_t page = static_cast<std::uint32_t>(id) >> kPageShift; // beyond all pages for a negative id
-    if (page >= pages_.size() || pages_[page] == nullptr) {
-        return nullptr;
-    }
-    return &pages_[page]->entries[static_cast<std::uint32_t>(id) % kPageEntries];
+// Beyond all pages for a negative id.
+std::size_t MatrixTable::PageOf(std::int32_t id) {
+    return static_cast<std::uint32_t>(id) >> kPageShift;
 }
 
-MatrixTable::Page& MatrixTable::NeedPage(std::int32_t id) {
-    assert(id >= 0 && id < kMaxIds);
-    const auto page = static_cast<std::size_t>(id >> kPageShift);
+MatrixTable::Page* MatrixTable::FindPage(std::size_t page) const {
+    return page < pages_.size() ? pages_[page].get() : nullptr;
+}
+
+MatrixEntry* MatrixTable::Find(std::int32_t id) {
+    if (Page* const page = FindPage(PageOf(id))) {
+        return &page->entries[static_cast<std::uint32_t>(id) % kPageEntries];
+    }
+    const auto place = scattered_.find(id);
+    return place != scattered_.end() ? &place->second : nullptr;
+}
+
+MatrixTable::Page& MatrixTable::NeedPage(std::size_t page) {
     if (page >= pages_.size()) {
         pages_.resize(page + 1);
     }
@@ -38,6 +46,80 @@ MatrixTable::Page& MatrixTable::NeedPage(std::int32_t id) {
         pages_[page] = std::make_unique<Page>();
     }
     return *pages_[page];
+}
+
+MatrixTable::Place MatrixTable::NeedEntry(std::int32_t id) {
+    assert(id >= 0 && id < kMaxIds);
+    const std::size_t number = PageOf(id);
+    if (number < scatteredOfPage_.size() && scatteredOfPage_[number] > 0) {
+        const auto [place, is_new] = scattered_.try_emplace(id);
+        if (is_new) {
+            ++scatteredOfPage_[number];
+        }
+        if (scatteredOfPage_[number] <= kMostScattered) {
+            return {place->second, nullptr};
+        }
+        Gather(number);
+    }
+    Page& page = NeedPage(number);
+    return {page.entries[static_cast<std::uint32_t>(id) % kPageEntries], &page};
+}
+
+// The page takes its entries back.
+void MatrixTable::Gather(std::size_t page) {
+    Page& target = NeedPage(page);
+    auto id = static_cast<std::int32_t>(page) * kPageEntries;
+    for (MatrixEntry& entry : target.entries) {
+        if (const auto place = scattered_.find(id++); place != scattered_.end()) {
+            entry = std::move(place->second);
+            target.matrices += entry.IsMatrix() ? 1 : 0;
+            scattered_.erase(place);
+        }
+    }
+    scatteredOfPage_[page] = 0;
+}
+
+// Makes an empty entry in the map for each that the page holds, or none: a matrix is freed where nothing may fail, so a
+// lack of memory only means that the page stays.
+bool MatrixTable::MakeRoomInMap(std::size_t page) {
+    const auto first = static_cast<std::int32_t>(page) * kPageEntries;
+    try {
+        scatteredOfPage_.resize(std::max(scatteredOfPage_.size(), page + 1));
+        for (std::int32_t i = 0; i < kPageEntries; ++i) {
+            if (pages_[page]->entries[static_cast<std::size_t>(i)].HoldsAnything()) {
+                scattered_.try_emplace(first + i);
+            }
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+        for (std::int32_t i = 0; i < kPageEntries; ++i) {
+            scattered_.erase(first + i);
+        }
+        return false;
+    }
+}
+
+// Gives up a page that holds few entries and gets no new ones.
+void MatrixTable::ThinOut(std::size_t page) {
+    Page* const source = FindPage(page);
+    const bool has_new_ids = page >= PageOf(nextId_);
+    if (source == nullptr || has_new_ids || source->matrices > kFewEntries) {
+        return;
+    }
+    const auto held = std::ranges::count_if(source->entries, &MatrixEntry::HoldsAnything);
+    if (held > kFewEntries || (held > 0 && !MakeRoomInMap(page))) {
+        return;
+    }
+    if (held > 0) {
+        auto id = static_cast<std::int32_t>(page) * kPageEntries;
+        for (MatrixEntry& entry : source->entries) {
+            if (const auto place = scattered_.find(id++); place != scattered_.end()) {
+                place->second = std::move(entry);
+            }
+        }
+        scatteredOfPage_[page] = static_cast<std::uint8_t>(held);
+    }
+    pages_[page].reset();
 }
 
 MatrixTable::Marks::reference MatrixTable::HeldMark(std::int32_t id) {
@@ -56,8 +138,9 @@ std::int32_t MatrixTable::TakeId() {
     if (nextId_ == kMaxIds) {
         return kNoId;
     }
-    const std::int32_t id = nextId_++;
+    const std::int32_t id = nextId_;
     HeldMark(id) = true;
+    NoteNextId(id + 1);
     if (nextId_ > capacity_) {
         capacity_ = std::min(capacity_ + kCapacityStep, capacity_ * 2);
     }
@@ -66,8 +149,17 @@ std::int32_t MatrixTable::TakeId() {
 
 void MatrixTable::NoteId(std::int32_t id) {
     assert(id >= 0 && id < kMaxIds);
-    nextId_ = std::max(nextId_, id + 1);
+    NoteNextId(std::max(nextId_, id + 1));
     capacity_ = std::max(capacity_, nextId_);
+}
+
+// Pages that ids now lie behind may have lost their entries before.
+void MatrixTable::NoteNextId(std::int32_t id) {
+    std::size_t page = PageOf(nextId_);
+    nextId_ = id;
+    for (const std::size_t end = std::min(PageOf(id), pages_.size()); page < end; ++page) {
+        ThinOut(page);
+    }
 }
 
 bool MatrixTable::ClaimId(std::int32_t id) {
@@ -81,11 +173,12 @@ bool MatrixTable::ClaimId(std::int32_t id) {
 }
 
 void MatrixTable::Put(std::int32_t id, MatrixEntry matrix) {
-    Page& page = NeedPage(id);
-    MatrixEntry& entry = page.entries[static_cast<std::uint32_t>(id) % kPageEntries];
-    BreakOrder(entry);
-    page.matrices += (matrix.IsMatrix() ? 1 : 0) - (entry.IsMatrix() ? 1 : 0);
-    entry = std::move(matrix);
+    const Place place = NeedEntry(id);
+    BreakOrder(place.entry);
+    if (place.page != nullptr) {
+        place.page->matrices += (matrix.IsMatrix() ? 1 : 0) - (place.entry.IsMatrix() ? 1 : 0);
+    }
+    place.entry = std::move(matrix);
     HeldMark(id) = true;
 }
 
@@ -109,13 +202,15 @@ void MatrixTable::Free(std::int32_t id) {
     if (entry == nullptr) {
         return;
     }
-    const auto page = static_cast<std::size_t>(id >> kPageShift);
-    const bool was_matrix = entry->IsMatrix();
     BreakOrder(*entry);
-    *entry = {};
-    if (was_matrix) {
-        --pages_[page]->matrices;
-        ReleasePageIfSpent(page);
+    const std::size_t number = PageOf(id);
+    if (Page* const page = FindPage(number)) {
+        page->matrices -= entry->IsMatrix() ? 1 : 0;
+        *entry = {};
+        ThinOut(number);
+    } else {
+        scattered_.erase(id);
+        --scatteredOfPage_[number];
     }
 }
 
@@ -152,32 +247,26 @@ void MatrixTable::Leave(std::int32_t id) {
     }
 }
 
-void MatrixTable::ReleasePageIfSpent(std::size_t page) {
-    const bool has_new_ids = page >= static_cast<std::size_t>(nextId_ >> kPageShift);
-    if (has_new_ids || pages_[page]->matrices > 0) {
-        return;
-    }
-    const bool keeps_sizes =
-        std::ranges::any_of(pages_[page]->entries, [](const MatrixEntry& entry) { return entry.size > 0; });
-    if (!keeps_sizes) {
-        pages_[page].reset();
-    }
-}
-
 void MatrixTable::FreeColumns() {
+    const auto free = [this](MatrixEntry& entry) {
+        BreakOrder(entry);
+        entry.FreeElements();
+    };
     for (const std::unique_ptr<Page>& page : pages_) {
         if (page != nullptr) {
-            std::ranges::for_each(page->entries, [this](MatrixEntry& entry) {
-                BreakOrder(entry);
-                entry.FreeElements();
-            });
+            std::ranges::for_each(page->entries, free);
             page->matrices = 0;
         }
+    }
+    for (auto& [id, entry] : scattered_) {
+        free(entry);
     }
 }
 
 void MatrixTable::Reset() {
     pages_.clear();
+    scattered_.clear();
+    scatteredOfPage_.clear();
     held_.clear();
     ++orderBreaks_;
     nextId_ = 0;

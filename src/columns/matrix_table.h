@@ -5,8 +5,10 @@
 #include <kestrona/matrix_column.h>
 
 #include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace Kestrona::Data::MemoryResident {
@@ -24,6 +26,9 @@ struct MatrixEntry {
 
     [[nodiscard]] bool IsMatrix() const { return cells.IsMatrix() || column != nullptr; }
 
+    // A size stays when the elements have gone.
+    [[nodiscard]] bool HoldsAnything() const { return size > 0 || IsMatrix(); }
+
     void FreeElements() {
         cells = MatrixCells();
         column.reset();
@@ -32,10 +37,10 @@ struct MatrixEntry {
 
 // Every matrix of the process, by id.
 //
-// The entries stand in pages of 512: one matrix that lasts keeps no more than a page of those that went. A page is made
-// with its first entry, and goes when ids behind it have been given out and none of its entries holds anything any
-// more, since ids are not given out twice. So an entry keeps its place, a far id costs one page, and matrices that came
-// and went leave nothing behind.
+// The entries stand in pages of 512. A page is made with its first entry. Once ids behind it have been given out, it
+// goes when few of its entries hold anything any more, since ids are not given out twice: those entries move to a map,
+// until a page of them is worth while again. So a matrix that lasts costs little more than itself, however many came
+// and went around it, and a far id costs one page. An entry keeps its place until a matrix is made or freed.
 //
 // A cell goes on holding the id of a matrix that was freed, and may get a matrix under it again. So the table remembers
 // of each id whether a cell may hold it, in one bit, until the column of the cell goes: no file gets such an id.
@@ -51,6 +56,8 @@ public:
 
     static constexpr std::int32_t kPageShift = 9;
     static constexpr std::int32_t kPageEntries = 1 << kPageShift;
+    // So many entries are not worth a page.
+    static constexpr std::int32_t kFewEntries = kPageEntries / 8;
 
     static MatrixTable& Instance();
 
@@ -62,7 +69,7 @@ public:
     [[nodiscard]] bool ClaimId(std::int32_t id);
 
     // Null for an id that never had an entry. Its size is changed by `SetSize` alone.
-    [[nodiscard]] MatrixEntry* Find(std::int32_t id) const;
+    [[nodiscard]] MatrixEntry* Find(std::int32_t id);
 
     // Replaces an entry. Requires: 0 <= id < kMaxIds.
     void Put(std::int32_t id, MatrixEntry matrix);
@@ -92,17 +99,33 @@ private:
     static constexpr std::int32_t kMarks = 1 << kMarksShift;
     static constexpr std::int32_t kFirstCapacity = 128;
     static constexpr std::int32_t kCapacityStep = 4096;
+    static constexpr std::int32_t kMostScattered = 2 * kFewEntries; // of one page
 
     struct Page;
     using Marks = std::bitset<kMarks>;
 
     MatrixTable();
-    Page& NeedPage(std::int32_t id);
+    static std::size_t PageOf(std::int32_t id);
+    [[nodiscard]] Page* FindPage(std::size_t page) const;
+    Page& NeedPage(std::size_t page);
+
+    // The entry, and its page unless it stands in the map.
+    struct Place {
+        MatrixEntry& entry;
+        Page* page;
+    };
+
+    Place NeedEntry(std::int32_t id);
     Marks::reference HeldMark(std::int32_t id);
-    void ReleasePageIfSpent(std::size_t page);
+    void NoteNextId(std::int32_t id);
+    void ThinOut(std::size_t page);
+    bool MakeRoomInMap(std::size_t page);
+    void Gather(std::size_t page);
     void BreakOrder(MatrixEntry& entry);
 
     std::vector<std::unique_ptr<Page>> pages_;
+    std::unordered_map<std::int32_t, MatrixEntry> scattered_; // by id: entries of pages that went
+    std::vector<std::uint8_t> scatteredOfPage_;
     std::vector<std::unique_ptr<Marks>> held_; // ids that a cell may hold, in pages likewise, of 4096
     std::int32_t nextId_ = 0;
     std::int32_t capacity_ = kFirstCapacity;

@@ -1,6 +1,7 @@
 #include "columns/matrix_table.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <map>
 #include <random>
@@ -43,18 +44,21 @@ TEST_F(MatrixTableTest, KeepsWhatAMapKeepsWhilePagesComeAndGo) {
     std::map<std::int32_t, std::pair<std::uint32_t, double>> twin;
     std::int32_t next = 0;
     for (int step = 0; step < 60000; ++step) {
-        const bool frees = step % 20000 > 15000; // at times nearly all go, so that whole pages empty
+        const bool frees = step % 20000 > 19700; // at times most go: pages are given up, and some are made again
         const auto draw = static_cast<std::int32_t>(random() % static_cast<unsigned>(next + 1));
         if (frees) {
-            table.Free(draw);
-            twin.erase(draw);
+            const std::int32_t end = draw + static_cast<std::int32_t>(random() % 400);
+            for (std::int32_t id = draw; id < end; ++id) {
+                table.Free(id);
+                twin.erase(id);
+            }
         } else {
             const std::int32_t id = random() % 4 == 0 && next > 0 ? draw % next : table.TakeId();
             next = std::max(next, id + 1);
             table.Put(id, Matrix(step, static_cast<std::uint32_t>(step)));
             twin[id] = {static_cast<std::uint32_t>(step), step};
         }
-        if (step % 5000 == 4999) {
+        if (step % 2500 == 2499) {
             for (std::int32_t id = -1; id <= next; ++id) {
                 const auto found = twin.find(id);
                 ExpectEntry(id, found != twin.end() ? &found->second : nullptr);
@@ -70,6 +74,34 @@ TEST_F(MatrixTableTest, AnEntryKeepsItsPlaceWhileTheTableGrows) {
     EXPECT_EQ(table.Find(0), first);
     EXPECT_FALSE(table.Find(MatrixTable::kMaxIds - 2)->IsMatrix());
     EXPECT_EQ(table.Find(1 << 20), nullptr); // no page in between
+}
+
+TEST_F(MatrixTableTest, MatricesThatLastDoNotKeepThePagesOfThoseThatWent) {
+    const std::size_t before = mallinfo2().uordblks;
+    const auto expect_little_memory = [&](const char* when) {
+        EXPECT_LE(mallinfo2().uordblks, before + 256 * 1024) << when; // 3 MiB for pages
+    };
+    constexpr std::int32_t kIds = 256 * MatrixTable::kPageEntries;
+    for (std::int32_t i = 0; i < kIds; ++i) {
+        table.Put(table.TakeId(), Matrix(i, 1));
+    }
+    for (std::int32_t id = 0; id < kIds; ++id) {
+        if (id % MatrixTable::kPageEntries != 7) {
+            table.Free(id);
+        }
+    }
+    expect_little_memory("all at once");
+    table.Reset();
+    for (std::int32_t i = 0; i < kIds; ++i) {
+        const std::int32_t id = table.TakeId();
+        table.Put(id, Matrix(i, 1));
+        if (id % MatrixTable::kPageEntries != 7) {
+            table.Free(id);
+        }
+    }
+    expect_little_memory("one by one");
+    const std::pair<std::uint32_t, double> kept = {1, 7.0};
+    ExpectEntry(7, &kept);
 }
 
 TEST_F(MatrixTableTest, IdsEndWithoutComingAgain) {
