@@ -6,6 +6,9 @@
 
 #include <boost/unordered/unordered_flat_map.hpp>
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -36,7 +39,7 @@ public:
     // The lowest record with the value; kNone when there is none, kUnknown while that is not known before `Settle`.
     [[nodiscard, gnu::always_inline]] std::int32_t FirstRecord(const T& value) const {
         const auto place = map_.find(value);
-        return place == map_.end() ? kNone : place->second.first;
+        return place == map_.end() ? kNone : place->second.First();
     }
 
     // The records with the value; nothing when they do not stand in one array before `Settle`.
@@ -50,12 +53,41 @@ public:
     void SettleAll();
 
 private:
-    static constexpr std::int32_t kNoSet = -1;
+    // Most values of a key column have one record, and two while rows change places: those stand here, one behind the
+    // other, and nothing else is allocated for them.
+    class Entry {
+    public:
+        explicit Entry(std::int32_t record) : records_{record, kNone} {}
 
-    // Most values of a key column have one record: it stands here, and nothing else is allocated for it.
-    struct Entry {
-        std::int32_t first;        // the lowest record; kUnknown while the set has lost it and is not settled
-        std::int32_t set = kNoSet; // where in sets_, for a value that has had more than one record
+        // The lowest record; kUnknown while the set has lost it and is not settled.
+        [[nodiscard]] std::int32_t First() const { return records_[0]; }
+
+        void SetFirst(std::int32_t record) { records_[0] = record; }
+
+        [[nodiscard]] bool HasOneRecord() const { return records_[1] == kNone; }
+
+        [[nodiscard]] bool HasSet() const { return records_[1] < kNone; }
+
+        // Where in sets_.
+        [[nodiscard]] std::size_t Set() const { return static_cast<std::size_t>(kFirstSet - records_[1]); }
+
+        void NameSet(std::size_t set) { records_[1] = kFirstSet - static_cast<std::int32_t>(set); }
+
+        // Requires here and below: no set.
+        [[nodiscard]] std::span<const std::int32_t> Records() const {
+            return std::span(records_).first(HasOneRecord() ? 1 : 2);
+        }
+
+        // Requires: one record, another one than this.
+        void AddSecond(std::int32_t record) { records_ = {std::min(First(), record), std::max(First(), record)}; }
+
+        // Requires: two records, this one of them.
+        void RemoveOneOfTwo(std::int32_t record) { records_ = {First() == record ? records_[1] : First(), kNone}; }
+
+    private:
+        static constexpr std::int32_t kFirstSet = kNone - 1;
+
+        std::array<std::int32_t, 2> records_;
     };
 
     struct Hash {
@@ -67,7 +99,7 @@ private:
 
     // What the first pass of building finds: the values that have several records.
     struct Groups {
-        std::vector<std::int32_t> ofRecord; // the set of each record; kNoSet where it is the first of its value
+        std::vector<std::int32_t> ofRecord; // the set of each record; kNone where it is the first of its value
         std::vector<std::int32_t> sizes;
         std::vector<std::int32_t> firsts;
 
@@ -89,7 +121,7 @@ private:
     Map map_;
     std::vector<std::int32_t> rows_; // the sets as they were built, one after another
     std::vector<RecordSet> sets_;
-    std::vector<std::int32_t> freeSets_;
+    std::vector<std::size_t> freeSets_;
     RecordSet unequal_; // records whose value does not equal itself: no search finds them
 };
 

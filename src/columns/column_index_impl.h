@@ -81,7 +81,7 @@ typename ColumnIndex<T>::Groups ColumnIndex<T>::Group(const IColumn<T>& column) 
 
 template <typename T>
 void ColumnIndex<T>::GroupBlock(Groups& groups, std::span<const T> values, std::int32_t record) {
-    groups.ofRecord.resize(groups.ofRecord.size() + values.size(), kNoSet);
+    groups.ofRecord.resize(groups.ofRecord.size() + values.size(), kNone);
     std::int32_t* of_record = groups.ofRecord.data() + record;
     for (const T& value : values) {
         if (!EqualsItself(value)) [[unlikely]] {
@@ -96,13 +96,13 @@ void ColumnIndex<T>::GroupBlock(Groups& groups, std::span<const T> values, std::
 
 template <typename T>
 inline std::int32_t ColumnIndex<T>::Groups::Enter(Entry& entry) {
-    if (entry.set == kNoSet) {
-        entry.set = static_cast<std::int32_t>(sizes.size());
+    if (!entry.HasSet()) {
+        entry.NameSet(sizes.size());
         sizes.push_back(1);
-        firsts.push_back(entry.first);
+        firsts.push_back(entry.First());
     }
-    ++sizes[static_cast<std::size_t>(entry.set)];
-    return entry.set;
+    ++sizes[entry.Set()];
+    return static_cast<std::int32_t>(entry.Set());
 }
 
 template <typename T>
@@ -125,28 +125,30 @@ void ColumnIndex<T>::MakeSets(const Groups& groups) {
         rows_[next[set]++] = groups.firsts[set];
     }
     for (std::size_t record = 0; record < groups.ofRecord.size(); ++record) {
-        if (const std::int32_t set = groups.ofRecord[record]; set != kNoSet) {
+        if (const std::int32_t set = groups.ofRecord[record]; set != kNone) {
             rows_[next[static_cast<std::size_t>(set)]++] = static_cast<std::int32_t>(record);
         }
     }
 }
 
-// The set of an entry, made of its one record where there is none yet.
+// The set of an entry, made of its records where there is none yet.
 template <typename T>
 RecordSet& ColumnIndex<T>::NeedSet(Entry& entry) {
-    if (entry.set == kNoSet) {
+    if (!entry.HasSet()) {
         RecordSet set;
-        set.Add(entry.first);
+        for (const std::int32_t record : entry.Records()) {
+            set.Add(record);
+        }
         if (freeSets_.empty()) {
             sets_.push_back(std::move(set));
-            entry.set = static_cast<std::int32_t>(sets_.size() - 1);
+            entry.NameSet(sets_.size() - 1);
         } else {
-            sets_[static_cast<std::size_t>(freeSets_.back())] = std::move(set);
-            entry.set = freeSets_.back();
+            sets_[freeSets_.back()] = std::move(set);
+            entry.NameSet(freeSets_.back());
             freeSets_.pop_back();
         }
     }
-    return sets_[static_cast<std::size_t>(entry.set)];
+    return sets_[entry.Set()];
 }
 
 template <typename T>
@@ -158,8 +160,12 @@ void ColumnIndex<T>::Add(const T& value, std::int32_t record) {
     const auto [place, is_new] = map_.try_emplace(value, Entry{record});
     if (!is_new) {
         Entry& entry = place->second;
-        NeedSet(entry).Add(record);
-        entry.first = std::min(entry.first, record); // kUnknown is below every record
+        if (entry.HasOneRecord()) {
+            entry.AddSecond(record);
+        } else {
+            NeedSet(entry).Add(record);
+            entry.SetFirst(std::min(entry.First(), record)); // kUnknown is below every record
+        }
     }
 }
 
@@ -174,7 +180,9 @@ void ColumnIndex<T>::AddRange(const T& value, std::int32_t first, std::int32_t l
     }
     const auto [place, is_new] = map_.try_emplace(value, Entry{first});
     const std::int32_t next = is_new ? first + 1 : first;
-    if (next < last) {
+    if (next + 1 == last && place->second.HasOneRecord()) {
+        place->second.AddSecond(next);
+    } else if (next < last) {
         NeedSet(place->second).AddRange(next, last);
     }
 }
@@ -187,26 +195,35 @@ void ColumnIndex<T>::Remove(const T& value, std::int32_t record) {
     }
     const auto place = map_.find(value);
     assert(place != map_.end());
-    if (place->second.set == kNoSet) {
+    Entry& entry = place->second;
+    if (entry.HasSet()) {
+        RemoveFromSet(place, record);
+    } else if (entry.HasOneRecord()) {
         map_.erase(place);
     } else {
-        RemoveFromSet(place, record);
+        entry.RemoveOneOfTwo(record);
     }
 }
 
 template <typename T>
 void ColumnIndex<T>::RemoveFromSet(typename Map::iterator place, std::int32_t record) {
     Entry& entry = place->second;
-    RecordSet& set = sets_[static_cast<std::size_t>(entry.set)];
-    if (set.Size() == 1) {
-        freeSets_.push_back(entry.set);
+    RecordSet& set = sets_[entry.Set()];
+    const std::size_t size = set.Size();
+    if (size == 1 || (size == 2 && set.IsSettled())) {
+        freeSets_.push_back(entry.Set());
+        if (size == 1) {
+            map_.erase(place);
+        } else {
+            const auto rows = set.Rows();
+            entry = Entry(rows.front() == record ? rows.back() : rows.front());
+        }
         set = RecordSet();
-        map_.erase(place);
         return;
     }
     set.Remove(record);
-    if (entry.first == record) {
-        entry.first = set.IsSettled() ? set.Rows().front() : kUnknown;
+    if (entry.First() == record) {
+        entry.SetFirst(set.IsSettled() ? set.Rows().front() : kUnknown);
     }
 }
 
@@ -217,10 +234,10 @@ std::optional<std::span<const std::int32_t>> ColumnIndex<T>::Records(const T& va
         return std::span<const std::int32_t>();
     }
     const Entry& entry = place->second;
-    if (entry.set == kNoSet) {
-        return std::span(&entry.first, 1);
+    if (!entry.HasSet()) {
+        return entry.Records();
     }
-    const RecordSet& set = sets_[static_cast<std::size_t>(entry.set)];
+    const RecordSet& set = sets_[entry.Set()];
     return set.IsSettled() ? std::optional(set.Rows()) : std::nullopt;
 }
 
@@ -234,10 +251,10 @@ void ColumnIndex<T>::Settle(const T& value) {
 
 template <typename T>
 void ColumnIndex<T>::SettleEntry(Entry& entry) {
-    if (entry.set != kNoSet) {
-        RecordSet& set = sets_[static_cast<std::size_t>(entry.set)];
+    if (entry.HasSet()) {
+        RecordSet& set = sets_[entry.Set()];
         set.Settle();
-        entry.first = set.Rows().front();
+        entry.SetFirst(set.Rows().front());
     }
 }
 
@@ -249,10 +266,10 @@ std::optional<RecordNumbers> ColumnIndex<T>::FirstRecords() const {
     RecordNumbers records(unequal_.Rows().begin(), unequal_.Rows().end());
     records.reserve(records.size() + map_.size());
     for (const auto& [value, entry] : map_) {
-        if (entry.first == kUnknown) {
+        if (entry.First() == kUnknown) {
             return std::nullopt;
         }
-        records.push_back(entry.first);
+        records.push_back(entry.First());
     }
     return records;
 }
