@@ -4,8 +4,7 @@
     run_documents.py --source TREE --tool FOLDER [--only NAME] [--write] [--compile COMMAND...]
 
 Each document has a scratch folder of its own with a copy of examples/ and of what is in examples/plant, and the tool
-on the PATH. Its blocks are
-taken in their order, by the words behind the fence:
+on the PATH. Its blocks are taken in their order, by the words behind the fence:
 
     console       lines with "$ " are commands, "> " continues one, the lines below are what it prints on stdout and
                   stderr. "..." stands for anything: alone on a line for any lines, within a line for any characters.
@@ -27,6 +26,7 @@ instead of being compared. Read the difference before you keep it.
 """
 
 import argparse
+import collections
 import dataclasses
 import os
 import pathlib
@@ -124,14 +124,9 @@ def matches(expected, actual):
         if line.strip() == "...":
             pattern += r"(?:[^\n]*\n)*?"
         else:
-            pattern += r"[^\n]*?".join(re.escape(piece.rstrip()) if last else re.escape(piece)
-                                       for piece, last in with_last(line.split("..."))) + r"[ ]*\n"
+            pattern += r"[^\n]*?".join(map(re.escape, line.rstrip().split("..."))) + r"[ ]*\n"
     text = actual.rstrip("\n") + "\n" if actual.strip() else "\n"
     return re.fullmatch(pattern, text) is not None
-
-
-def with_last(items):
-    return [(item, index == len(items) - 1) for index, item in enumerate(items)]
 
 
 def commands_of(block):
@@ -151,7 +146,7 @@ class Document:
     def __init__(self, options, path, scratch):
         self.options, self.path, self.scratch = options, path, scratch
         self.name = str(path.relative_to(options.source))
-        self.failures, self.counts, self.commands = [], {}, []
+        self.failures, self.counts, self.commands = [], collections.Counter(), []
         self.programs, self.program, self.sections = [], None, None # the last one, and the one made of sections
         self.top, self.body = "", ""
         self.environment = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC", HOME=str(scratch))
@@ -161,9 +156,6 @@ class Document:
 
     def fail(self, line, text):
         self.failures.append((line, f"{self.name}:{line}: {text}"))
-
-    def count(self, what):
-        self.counts[what] = self.counts.get(what, 0) + 1
 
     def run(self):
         blocks, indented = read_blocks(self.path.read_text(encoding="utf-8"))
@@ -179,22 +171,22 @@ class Document:
         if not block.language:
             self.fail(block.line, "a block without a language")
         elif elsewhere:
-            self.count(f"{block.language} not run: {elsewhere}")
+            self.counts[f"{block.language} not run: {elsewhere}"] += 1
         elif block.language == "diff" and block.file:
             self.take_edit(block)
         elif block.file:
             self.add(block, f"cat > {block.file} <<'END_OF_BLOCK'\n{block.text}END_OF_BLOCK")
-            self.count("files")
+            self.counts["files"] += 1
         elif block.language in NOT_RUN:
-            self.count(f"{block.language} not run: {NOT_RUN[block.language]}")
+            self.counts[f"{block.language} not run: {NOT_RUN[block.language]}"] += 1
         elif block.language == "console" and block.text.startswith("$ "):
             self.commands += commands_of(block)
-            self.count("transcripts")
+            self.counts["transcripts"] += 1
         elif block.language == "ksdef":
             definition = self.scratch / f"block at line {block.line}.ksdef"
             definition.write_text(block.text, encoding="utf-8")
             self.add(block, f"kestrona check '{definition}' > checked.txt 2>&1 || cat checked.txt")
-            self.count("definitions")
+            self.counts["definitions"] += 1
         elif block.language == "cpp":
             self.take_program(block)
         elif block.language == "output" and self.program:
@@ -214,13 +206,13 @@ class Document:
         change.with_suffix(".old").write_text(old, encoding="utf-8")
         change.with_suffix(".new").write_text(new, encoding="utf-8")
         self.add(block, f"'{sys.executable}' '{__file__}' --edit {block.file} '{change}'")
-        self.count("edits")
+        self.counts["edits"] += 1
 
     def take_program(self, block):
         if "int main" in block.text:
             self.program = Program(block.line, block.text)
             self.programs.append(self.program)
-            self.count("programs")
+            self.counts["programs"] += 1
             return
         if block.words not in (["top"], ["body"]):
             self.fail(block.line, "C++ without a main; is it 'cpp top' or 'cpp body'?")
@@ -231,7 +223,7 @@ class Document:
         self.program = self.sections
         self.top += block.text if block.words == ["top"] else ""
         self.body += block.text if block.words == ["body"] else ""
-        self.count("sections of a program")
+        self.counts["sections of a program"] += 1
 
     def run_commands(self):
         if not self.commands:

@@ -37,25 +37,9 @@ ParseResult ParseAny(const std::string& text) {
     return result;
 }
 
-constexpr std::string_view kPieces[] = {"(",
-                                        ")",
-                                        "\"",
-                                        "|",
-                                        "}",
-                                        "\\",
-                                        "\n|",
-                                        "->",
-                                        "DATABASE(A(A)) | ",
-                                        "SWITCH ON(A) | ",
-                                        "EVALUATE \"",
-                                        "DATABASE[",
-                                        "AUTO DIMENSION(a,A(A),",
-                                        "\\u{",
-                                        "\xc3",
-                                        "9"};
-
 TEST(DefinitionHostile, LongRepeatedTextsEndInEveryPosition) {
-    for (const std::string_view piece : kPieces) {
+    for (const char* piece : {"(", ")", "\"", "|", "}", "\\", "\n|", "->", "DATABASE(A(A)) | ", "SWITCH ON(A) | ",
+                              "EVALUATE \"", "DATABASE[", "AUTO DIMENSION(a,A(A),", "\\u{", "\xc3", "9"}) {
         const std::string text = Repeat(piece, kLong);
         ParseAny(text);
         ParseAny("format A {\nkey A\nfield A : INTEGER | " + text + "\n}\n");

@@ -17,7 +17,6 @@ TEST(ExpressionExcerpt, PutsTheCaretUnderThePlace) {
 
     const Case cases[] = {
         {L"Unexpected symbol 'x' ", L"1 x", 3, "Unexpected symbol 'x'\n  1 x\n    ^"},
-        {L"Expecting Valid Expression", L"", 0, "Expecting Valid Expression\n  \n  ^"},
         {L"')' Missing", L"(1", 99, "')' Missing\n  (1\n    ^"},
         {L"Unknown Error", L"1", -1, "Unknown Error"},
         // Characters of two columns and of none, control characters, tabs.
@@ -55,8 +54,6 @@ TEST(ExpressionExcerpt, ExplainsBoxesAndLeavesOtherTextsAlone) {
         {L"Parsing failed within format 'A':\nUnexpected symbol ' ' \nAt Position 5\nIn Expression \"1 + \"2\"",
          "Parsing failed within format 'A':\n  Unexpected symbol ' ' \n  At Position 5\n  In Expression \"1 + \"2\"\n"
          "                     ^"},
-        {L"Failed:\nExpecting Valid Expression\nAt Position 3\nIn Expression \"1 +\"",
-         "Failed:\n  Expecting Valid Expression\n  At Position 3\n  In Expression \"1 +\"\n                    ^"},
         {L"a\nAt Position x\nIn Expression \"1\"", "a\n  At Position x\n  In Expression \"1\""},
         {L"a\nAt Position 99999999999999999999\nIn Expression \"1\"",
          "a\n  At Position 99999999999999999999\n  In Expression \"1\""},

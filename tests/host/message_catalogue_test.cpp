@@ -7,9 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <initializer_list>
-#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Kestrona::Host {
@@ -22,33 +21,16 @@ struct Use {
     std::wstring joint{}; // between the texts
 };
 
-void AddSingles(std::vector<Use>& uses, std::size_t arguments, std::initializer_list<std::int32_t> numbers) {
-    for (const std::int32_t number : numbers) {
-        uses.push_back({{number}, arguments, L""});
-    }
-}
-
-// Every text that stands alone, by the number of its arguments.
-std::vector<Use> Singles() {
-    std::vector<Use> uses;
-    // Stages, title, dialog levels, the user; then the words of values
-    AddSingles(uses, 0, {17135, 17136, 17138, 17147, 18500, 18501, 18503, 19047, 21001, 21103});
-    AddSingles(uses, 0, {0x697d, 0x697e, 0x698a, 0x69a0, 0x69a1, 0x69a2, 0x69a3, 0x69a6, 0x6a03});
-    for (const std::int32_t sunday : {0x698b, 0x6992, 0x6999}) {
-        for (std::int32_t day = 0; day < 7; ++day) {
-            AddSingles(uses, 0, {sunday + day});
-        }
-    }
-    AddSingles(uses, 1, {19062, 21039, 21069});
-    AddSingles(uses, 2, {19063, 21108, 21109});
-    AddSingles(uses, 3, {19054, 19076, 21007});
-
+// The texts that stand alone and have arguments, by the number of these.
+const std::pair<std::size_t, std::vector<std::int32_t>> kSingles[] = {
+    {1, {19062, 21039, 21069}},
+    {2, {19063, 21108, 21109}},
+    {3, {19054, 19076, 21007}},
     // Contexts and refusals with format and field
-    AddSingles(uses, 2, {21006, 21008, 21010, 21011, 21012, 21082, 21090, 21093, 21094, 21095, 21097, 21100, 21104});
-    AddSingles(uses, 2, {21504, 21505, 21016, 21020, 21025, 21030, 21034, 21037, 21506});
-    AddSingles(uses, 2, {21033, 21038, 21102, 21110, 21111, 21112, 21113, 21114, 29012, 31100, 31101, 31102});
-    return uses;
-}
+    {2, {21006, 21008, 21010, 21011, 21012, 21082, 21090, 21093, 21094, 21095, 21097, 21100, 21104}},
+    {2, {21504, 21505, 21016, 21020, 21025, 21030, 21034, 21037, 21506}},
+    {2, {21033, 21038, 21102, 21110, 21111, 21112, 21113, 21114, 29012, 31100, 31101, 31102}},
+};
 
 const std::vector<Use>& Uses() {
     static const std::vector<Use> uses = [] {
@@ -71,8 +53,11 @@ const std::vector<Use>& Uses() {
         for (const std::int32_t number : {21031, 21032, 21035, 21036, 21096}) {
             all.push_back({{number, 21003}, 3});
         }
-        const std::vector<Use> singles = Singles();
-        all.insert(all.end(), singles.begin(), singles.end());
+        for (const auto& [arguments, numbers] : kSingles) {
+            for (const std::int32_t number : numbers) {
+                all.push_back({{number}, arguments});
+            }
+        }
         return all;
     }();
     return uses;
@@ -105,46 +90,6 @@ TEST(MessageCatalogue, EveryUseShowsEachOfItsArgumentsAndNoMore) {
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             EXPECT_EQ(text.find(arguments[i]) != std::wstring::npos, i < use.arguments) << ToUtf8(arguments[i]);
         }
-    }
-}
-
-TEST(MessageCatalogue, HoldsEachNumberInUseOnceAndNoOther) {
-    std::set<std::int32_t> used;
-    for (const Use& use : Uses()) {
-        used.insert(use.numbers.begin(), use.numbers.end());
-    }
-    const std::vector<std::int32_t> held = MessageNumbers();
-    EXPECT_EQ(std::set<std::int32_t>(held.begin(), held.end()), used);
-    EXPECT_EQ(held.size(), used.size());
-    for (const std::int32_t number : {0, -1, 17137, 99999, 0x69a4}) {
-        EXPECT_EQ(MessageText(number), L"");
-    }
-}
-
-TEST(MessageCatalogue, JoinedTextsAreSentences) {
-    struct Case {
-        Use use;
-        std::vector<std::wstring> arguments;
-        const wchar_t* expected;
-    };
-
-    const std::wstring context = L"DATABASE of format 'Order', field 'Product'";
-    const Case cases[] = {
-        {{{21005, 21003}, 0, L"\n%s\n"},
-         {L"DATABASE(Prodct(Name))", context, L"Prodct"},
-         L"DATABASE(Prodct(Name))\nleads to a format that does not exist or cannot be reached from there:\n"
-         L"DATABASE of format 'Order', field 'Product'\nCheck: Prodct"},
-        {{{21085, 21086, 21087, 21088}},
-         {L"Product", L"Order", L"Colour", L"Paint"},
-         L"SOURCE of format 'Order', field 'Paint' leads to format 'Product', field 'Colour', which has no DATABASE "
-         L"reference."},
-        {{{21026, 21027}},
-         {L"Product", L"Order", L"Spare", L"Part", L"Stock"},
-         L"Format 'Order', field 'Stock' refers to a list or matrix of format 'Product', and more than one field of "
-         L"'Order' chooses the record there: 'Part' and 'Spare'. Name the right one with RELATED FIELD."},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(ToUtf8(Fill(Joined(c.use), c.arguments)), ToUtf8(c.expected));
     }
 }
 

@@ -81,7 +81,7 @@ std::unique_ptr<Store> SnapshotTest::MakeStore(const std::string& definition) {
 }
 
 std::unique_ptr<Store> SnapshotTest::MakeSmallStore(unsigned seed) {
-    WriteBytes(Path("small.ksdef"), kSmallPlant);
+    folder_.Write("small.ksdef", kSmallPlant);
     auto store = MakeStore(Path("small.ksdef"));
     std::filesystem::remove(Path("small.ksdef"));
     FillByChance(*store, 3, seed);
@@ -198,15 +198,6 @@ bool HasChanges(Store& store) {
         }
     }
     return false;
-}
-
-std::string BytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
 }
 
 std::string WithoutStamp(std::string bytes) {

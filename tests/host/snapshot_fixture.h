@@ -52,9 +52,6 @@ std::string Difference(const std::string& found, const std::string& expected);
 
 bool HasChanges(Store& store);
 
-std::string BytesOf(const std::string& path);
-void WriteBytes(const std::string& path, const std::string& bytes);
-
 // The bytes of a snapshot without the time at which it was saved.
 std::string WithoutStamp(std::string bytes);
 

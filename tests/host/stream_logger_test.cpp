@@ -1,13 +1,12 @@
+#include "fixtures/scratch_files.h"
+
 #include <kestrona/host/stream_logger.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <utility>
 
 namespace Kestrona::Host {
 namespace {
@@ -27,20 +26,18 @@ std::string Record(LogLevel level) {
 }
 
 TEST(StreamLogger, WritesWhatItsLevelIncludes) {
-    EXPECT_EQ(Record(LogLevel::Off), "");
-    EXPECT_EQ(Record(LogLevel::Error), "error: message\ntrace: forced\n");
-    EXPECT_EQ(Record(LogLevel::Info), "error: message\ninfo: first: second\ntrace: forced\n");
-    EXPECT_EQ(Record(LogLevel::Debug), "error: message\ninfo: first: second\ndebug: debug\ntrace: forced\n");
-    EXPECT_EQ(Record(LogLevel::Trace),
-              "error: message\ninfo: first: second\ndebug: debug\ntrace: extended\ntrace: forced\n");
-}
-
-TEST(StreamLogger, LevelsAreReadByTheirNames) {
-    EXPECT_EQ(ParseLogLevel("off"), LogLevel::Off);
-    EXPECT_EQ(ParseLogLevel("error"), LogLevel::Error);
-    EXPECT_EQ(ParseLogLevel("info"), LogLevel::Info);
-    EXPECT_EQ(ParseLogLevel("debug"), LogLevel::Debug);
-    EXPECT_EQ(ParseLogLevel("trace"), LogLevel::Trace);
+    const std::pair<const char*, const char*> levels[] = {
+        {"off", ""},
+        {"error", "error: message\ntrace: forced\n"},
+        {"info", "error: message\ninfo: first: second\ntrace: forced\n"},
+        {"debug", "error: message\ninfo: first: second\ndebug: debug\ntrace: forced\n"},
+        {"trace", "error: message\ninfo: first: second\ndebug: debug\ntrace: extended\ntrace: forced\n"},
+    };
+    for (const auto& [name, expected] : levels) {
+        const auto level = ParseLogLevel(name);
+        ASSERT_TRUE(level) << name;
+        EXPECT_EQ(Record(*level), expected);
+    }
     for (const char* word : {"", "Debug", "warn", "debug "}) {
         EXPECT_EQ(ParseLogLevel(word), std::nullopt) << word;
     }
@@ -57,36 +54,29 @@ TEST(StreamLogger, AnEntryIsOneLine) {
 }
 
 TEST(StreamLogger, TimesAreUtcToTheMillisecond) {
-    struct Case {
-        std::int64_t milliseconds_of_epoch;
-        const char* expected;
-    };
-
-    const Case cases[] = {
+    const std::pair<std::int64_t, const char*> times[] = {
         {-1, "1969-12-31T23:59:59.999Z debug: x\n"},
         {1769846400123, "2026-01-31T08:00:00.123Z debug: x\n"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [time, expected] : times) {
         std::string out;
         StreamLogger logger(
             LogLevel::Debug, [&out](std::string_view text) { out += text; },
-            [&] { return system_clock::time_point(milliseconds(c.milliseconds_of_epoch)); });
+            [&] { return system_clock::time_point(milliseconds(time)); });
         logger.Write(L"x");
-        EXPECT_EQ(out, c.expected);
+        EXPECT_EQ(out, expected);
     }
 }
 
 TEST(FileSink, AppendsAndIsEmptyWhereNoFileCanBe) {
-    const auto path = std::filesystem::temp_directory_path() / ("kestrona-sink-" + std::to_string(getpid()));
+    const Testing::ScratchFolder folder;
     for (const char* text : {"one\n", "two\n"}) {
-        const TextSink sink = FileSink(path.string());
+        const TextSink sink = FileSink(folder.Path("log"));
         ASSERT_TRUE(sink);
         sink(text);
     }
-    std::ifstream file(path);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "one\ntwo\n");
-    std::filesystem::remove(path);
-    EXPECT_FALSE(FileSink((path / "below").string()));
+    EXPECT_EQ(folder.Read("log"), "one\ntwo\n");
+    EXPECT_FALSE(FileSink(folder.Path("log/below")));
     EXPECT_FALSE(FileSink(""));
     EXPECT_FALSE(StreamSink(nullptr));
 }

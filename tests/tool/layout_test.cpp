@@ -1,16 +1,12 @@
-#include "graph/layers.h"
 #include "graph/layout.h"
-#include "graph/positions.h"
-#include "tool/run_tool.h"
 
-#include <boost/property_tree/xml_parser.hpp>
+#include "graph/layers.h"
+#include "graph/positions.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <numeric>
 #include <random>
-#include <sstream>
 
 namespace Kestrona::Tool::Graph {
 namespace {
@@ -177,73 +173,6 @@ TEST(Layout, RunsEdgesStraightWhenTheyAreTooManyAndTooLong) {
     EXPECT_GT(labelled, 700);
     EXPECT_LT(labelled, 1398);
     EXPECT_TRUE(LayOut({}).boxes.empty());
-}
-
-class Pictures : public testing::Test {
-protected:
-    void SetUp() override { folder_ = FreshFolder("graph"); }
-
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    std::string folder_;
-};
-
-TEST_F(Pictures, AreWellFormedAndShowEveryFormat) {
-    const std::string definition = folder_ + "/d.ksdef";
-    WriteFile(definition, "format \"A<b>&\" \"Say \\\"x\\\"\" {\n key N\n field N : INTEGER | UNIQUE\n"
-                          " field \"R&D\" : REFERENCE | DATABASE(A<b>&(N))\n field B : REFERENCE | DATABASE(B(N))\n}\n"
-                          "format B {\n key N\n field N : INTEGER | UNIQUE\n}\n"
-                          "format Alone {\n key N\n field N : INTEGER | UNIQUE\n}\n");
-    const std::vector<std::pair<std::string, std::size_t>> definitions{{definition, 3},
-                                                                       {SourcePath("examples/plant/plant.ksdef"), 11}};
-    for (const auto& [path, formats] : definitions) {
-        const ToolRun run = RunTool({"graph", path});
-        ASSERT_EQ(run.exit_code, 0) << run.err;
-        std::istringstream in(run.out);
-        boost::property_tree::ptree tree;
-        ASSERT_NO_THROW(boost::property_tree::read_xml(in, tree)) << run.out;
-        std::size_t boxes = 0;
-        std::string texts;
-        for (const auto& [name, child] : tree.get_child("svg.g")) {
-            boxes += name == "rect" ? 1U : 0U;
-            texts += name == "text" ? child.data() + "\n" : "";
-        }
-        EXPECT_EQ(boxes, formats);
-        for (const char* text : {"A<b>&\nSay \"x\"\n3 fields, key N\n\u21BB R&D\n", "\nB\n1 field"}) {
-            EXPECT_EQ(texts.find(text) != std::string::npos, path == definition) << text << texts;
-        }
-    }
-}
-
-TEST_F(Pictures, GoToTheFileInTheFormThatItsNameOrAFlagTells) {
-    const std::string plant = SourcePath("examples/plant/plant.ksdef");
-
-    struct Case {
-        std::vector<std::string> arguments;
-        const char* file;
-        const char* start;
-    };
-
-    const Case cases[] = {{{}, "a.svg", "<svg"},
-                          {{}, "b.dot", "digraph"},
-                          {{}, "c.gv", "digraph"},
-                          {{"--dot"}, "d", "digraph"},
-                          {{"--svg"}, "e.dot", "<svg"}};
-    for (const Case& c : cases) {
-        const std::string file = folder_ + "/" + c.file;
-        std::vector<std::string> arguments{"graph", plant, "-f", file};
-        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-        const ToolRun run = RunTool(arguments);
-        EXPECT_EQ(run.exit_code, 0) << run.err;
-        EXPECT_EQ(run.out, "");
-        EXPECT_TRUE(ReadFile(file).starts_with(c.start)) << c.file;
-    }
-    EXPECT_EQ(RunTool({"graph", plant, "--svg", "--dot"}).exit_code, 2);
-    EXPECT_EQ(RunTool({"graph", plant, "-f", folder_ + "/absent/a.svg"}).exit_code, 3);
-    EXPECT_EQ(RunTool({"graph", folder_ + "/absent.ksdef"}).exit_code, 3);
-    const ToolRun dot = RunTool({"graph", plant, "--dot"});
-    EXPECT_NE(dot.out.find("\"Orders\" -> \"Customers\" [label=\"Customer, Customer name\", style=solid];"),
-              std::string::npos);
 }
 
 } // namespace
