@@ -1,13 +1,16 @@
+// Columns with an index, and the sets of records that it holds.
 #include "columns/column_twin.h"
+#include "columns/record_set.h"
 
 #include <kestrona/concrete_columns.h>
 #include <kestrona/indexed_column.h>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
-#include <functional>
 #include <limits>
 #include <random>
+#include <set>
 #include <stdexcept>
 
 namespace Kestrona::Testing {
@@ -26,87 +29,47 @@ Doubles MakeIndexed() {
     return Doubles(column.release()->CreateIndexedColumn());
 }
 
+// What searches then find, the contract of columns tells.
 TEST(IndexedColumn, EachOperationLeavesTheIndexAsItShould) {
-    struct Case {
-        const char* name;
-        std::function<void(IColumn<double>&)> change;
-        bool stays_valid;
-    };
-
-    DoubleColumn keys(new NullRecordStateStrategy, 0.0);
-    const Case cases[] = {
-        {"write of the same value", [](auto& c) { c.SetValue(1, 1.0); }, true},
-        {"write of another value", [](auto& c) { c.SetValue(1, 5.0); }, true},
-        {"write at the end", [](auto& c) { c.SetValue(6, 5.0); }, true},
-        {"write far past the end", [](auto& c) { c.SetValue(60, 5.0); }, true},
-        {"write of the default far past the end", [](auto& c) { c.SetValue(60, 0.0); }, true},
-        {"write to a scratch record", [](auto& c) { c.SetValue(kFirstScratchRecord, 5.0); }, true},
-        {"write to no record", [](auto& c) { c.SetValue(-1, 5.0); }, true},
-        {"growth", [](auto& c) { c.Resize(9); }, true},
-        {"announcing the same size", [](auto& c) { c.Resize(6); }, true},
-        {"search by range", [](auto& c) { delete c.FindAll(0.0, FindOperator::GreaterThan); }, true},
-        {"shrinking", [](auto& c) { c.Resize(4); }, true},
-        {"shrinking to nothing", [](auto& c) { c.Resize(0); }, true},
-        {"shrinking by many",
-         [](auto& c) {
-             c.Resize(60);
-             c.Resize(6);
-         },
-         false},
-        {"insertion", [](auto& c) { c.Insert(0, 5.0); }, false},
-        {"erasure", [](auto& c) { c.Erase(0, 5.0); }, false},
-        {"erasure of the last record", [](auto& c) { c.Erase(5, 5.0); }, true},
-        {"erasure of the last record and its number",
-         [](auto& c) {
-             c.Erase(5, 5.0);
-             c.Resize(5);
-         },
-         true},
-        {"erasure of a group",
-         [&](auto& c) {
-             c.GroupErase(&keys, {3, 1});
-         },
-         false},
-        {"clearing", [](auto& c) { c.Clear(true); }, false},
-        {"bulk update", [](auto& c) { c.BeginBulkUpdate(); }, false},
-    };
-    for (const Case& c : cases) {
+    const auto stays_valid = [](auto change) {
         const Doubles column = MakeIndexed();
-        EXPECT_FALSE(column->IsIndexValid());
         delete column->FindAll(0.0, FindOperator::LessThan);
         EXPECT_FALSE(column->IsIndexValid()) << "a search by range needs no index";
         EXPECT_EQ(column->Find(1.0), 1);
         EXPECT_TRUE(column->IsIndexValid());
-        c.change(*column);
-        EXPECT_EQ(column->IsIndexValid(), c.stays_valid) << c.name;
-        for (const double value : {0.0, 1.0, 2.0, 5.0}) {
-            RecordNumbers scan;
-            for (std::int32_t i = 0; i < static_cast<std::int32_t>(column->GetCurrentSize()); ++i) {
-                if (column->GetValue(i) == value) {
-                    scan.push_back(i);
-                }
-            }
-            EXPECT_EQ(Numbers(column->FindAll(value)), scan) << c.name << ", value " << value;
-        }
-    }
+        change(*column);
+        return column->IsIndexValid();
+    };
+    EXPECT_TRUE(stays_valid([](auto& c) { c.SetValue(1, 1.0); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.SetValue(1, 5.0); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.SetValue(60, 5.0); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.SetValue(kFirstScratchRecord, 5.0); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.SetValue(-1, 5.0); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.Resize(9); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { delete c.FindAll(0.0, FindOperator::GreaterThan); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.Resize(4); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.Resize(0); }));
+    EXPECT_TRUE(stays_valid([](auto& c) { c.Erase(5, 5.0); }));
+    EXPECT_FALSE(stays_valid([](auto& c) { // shrinks by many
+        c.Resize(60);
+        c.Resize(6);
+    }));
+    EXPECT_FALSE(stays_valid([](auto& c) { c.Insert(0, 5.0); }));
+    EXPECT_FALSE(stays_valid([](auto& c) { c.Erase(0, 5.0); }));
+    EXPECT_FALSE(stays_valid([](auto& c) { c.GroupErase(&c, {3, 1}); }));
+    EXPECT_FALSE(stays_valid([](auto& c) { c.Clear(true); }));
+    EXPECT_FALSE(stays_valid([](auto& c) { c.BeginBulkUpdate(); }));
 }
 
-TEST(IndexedColumn, ResultsOfEqualityAreViewsThatAWriteChanges) {
+TEST(IndexedColumn, ResultsOfEqualityAreViews) {
     const Doubles column = MakeIndexed();
+    EXPECT_EQ(column->CreateIndexedColumn(), column.get());
     const std::unique_ptr<FindResult> found(column->FindAll(1.0));
     EXPECT_FALSE(found->OwnsRecords());
-    EXPECT_EQ(found->Size(), 2U);
     const std::unique_ptr<FindResult> none(column->FindAll(77.0));
     EXPECT_TRUE(none->OwnsRecords() && none->IsEmpty());
     const std::unique_ptr<FindResult> distinct(column->DistinctValues());
     EXPECT_TRUE(distinct->OwnsRecords());
-}
-
-TEST(IndexedColumn, MakingItTwiceGivesTheSameIndex) {
-    auto* const storage = new DoubleColumn(new NullRecordStateStrategy, 0.0);
-    const Doubles index(storage->CreateIndexedColumn());
-    EXPECT_EQ(storage->CreateIndexedColumn(), index.get());
-    EXPECT_EQ(index->CreateIndexedColumn(), index.get());
 }
 
 class ThrowingColumn : public DoubleColumn {
@@ -132,6 +95,7 @@ private:
 TEST(IndexedColumn, AThrowFromTheColumnLeavesAStaleIndexThatHealsItself) {
     auto* const storage = new ThrowingColumn;
     const Doubles column(storage->CreateIndexedColumn());
+    EXPECT_EQ(storage->CreateIndexedColumn(), column.get());
     column->SetValue(2, 5.0);
     for (const std::int32_t record : {1, 9}) { // inside and past the end
         EXPECT_EQ(column->Find(5.0), 2);
@@ -145,6 +109,25 @@ TEST(IndexedColumn, AThrowFromTheColumnLeavesAStaleIndexThatHealsItself) {
 }
 
 // Sets long enough to keep notes, with searches at random moments. NaN stands for values that no search finds.
+TEST(IndexedColumn, KeysWhoseRowsChangedPlacesTakeNoMemory) {
+    constexpr std::int32_t kKeys = 20000;
+    auto values = std::make_unique<DoubleColumn>(new NullRecordStateStrategy, 0.0);
+    for (std::int32_t i = 0; i < kKeys; ++i) {
+        values->SetValue(i, i);
+    }
+    const Doubles column(values.release()->CreateIndexedColumn());
+    EXPECT_EQ(column->Find(7.0), 7);
+    const std::size_t before = mallinfo2().uordblks;
+    for (std::int32_t i = 1; i < kKeys; ++i) { // the first key wanders to the end
+        column->SetValue(i - 1, column->GetValue(i));
+        column->SetValue(i, 0.0);
+    }
+    EXPECT_TRUE(column->IsIndexValid());
+    EXPECT_LE(mallinfo2().uordblks, before + 2 * kKeys);
+    EXPECT_EQ(column->Find(7.0), 6);
+    EXPECT_EQ(column->Find(0.0), kKeys - 1);
+}
+
 TEST(IndexedColumn, AgreesWithTheTwinWhileRecordsMoveBetweenLongSets) {
     constexpr std::int32_t kRecords = 6000;
     const double values[] = {0.0, 1.0, 2.0, std::numeric_limits<double>::quiet_NaN()};
@@ -178,6 +161,75 @@ TEST(IndexedColumn, AgreesWithTheTwinWhileRecordsMoveBetweenLongSets) {
     }
     std::sort(firsts.begin(), firsts.end());
     EXPECT_EQ(Numbers(column->DistinctValues()), firsts);
+}
+
+struct Shape {
+    const char* name;
+    std::size_t start;   // records at first
+    std::int32_t stride; // between them
+    unsigned changes;    // before the set is settled, at most
+};
+
+class RecordSetShapes : public testing::TestWithParam<Shape> {};
+
+// The shapes lead to every way of working notes in: at once, one by one, by sorting, by bits, and before being asked.
+TEST_P(RecordSetShapes, HoldsWhatWasAddedAndNotRemoved) {
+    const Shape shape = GetParam();
+    std::mt19937 random(5);
+    std::vector<std::int32_t> built;
+    for (std::size_t i = 0; i < shape.start; ++i) {
+        built.push_back(static_cast<std::int32_t>(i) * shape.stride);
+    }
+    RecordSet set{std::span<const std::int32_t>(built)};
+    std::set<std::int32_t> twin(built.begin(), built.end());
+    const auto range = static_cast<unsigned>(shape.start + 10) * static_cast<unsigned>(shape.stride);
+    for (int round = 0; round < 30; ++round) {
+        for (auto i = random() % shape.changes; i > 0; --i) {
+            const auto record = static_cast<std::int32_t>(random() % range);
+            if (twin.insert(record).second) {
+                set.Add(record);
+            } else {
+                twin.erase(record);
+                set.Remove(record);
+            }
+            ASSERT_EQ(set.Size(), twin.size());
+        }
+        if (round % 7 == 3) {
+            const auto end = static_cast<std::int32_t>(range) + round * 10;
+            set.AddRange(end, end + 5);
+            for (std::int32_t record = end; record < end + 5; ++record) {
+                twin.insert(record);
+            }
+        }
+        set.Settle();
+        ASSERT_TRUE(std::equal(set.Rows().begin(), set.Rows().end(), twin.begin(), twin.end())) << round;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shapes, RecordSetShapes,
+                         testing::Values(Shape{"short", 20, 2, 40}, Shape{"long_few_notes", 5000, 2, 6},
+                                         Shape{"long_many_notes", 5000, 2, 3000},
+                                         Shape{"overflowing_notes", 5000, 1, 20000},
+                                         Shape{"wide_apart", 5000, 400000, 3000}),
+                         [](const auto& shape) { return std::string(shape.param.name); });
+
+// 1024 notes are worked in at the next one: here they leave 1024 records, and then take away every one of them.
+TEST(RecordSet, RefillsAfterItsNotesEmptiedIt) {
+    constexpr std::int32_t kRecords = 1026;
+    RecordSet set;
+    set.AddRange(0, kRecords);
+    for (std::int32_t i = 0; i < 511; ++i) {
+        set.Remove(i);
+        set.Add(i);
+    }
+    for (std::int32_t record = 0; record < kRecords; ++record) {
+        set.Remove(record);
+    }
+    ASSERT_EQ(set.Size(), 0U);
+    set.Add(5);
+    set.Settle();
+    ASSERT_EQ(set.Rows().size(), 1U);
+    EXPECT_EQ(set.Rows().front(), 5);
 }
 
 } // namespace

@@ -1,20 +1,21 @@
+// The cells of matrices, the table of all matrices, and the columns that name them.
 #include "columns/matrix_cells.h"
 
 #include "columns/matrix_identities.h"
 #include "columns/matrix_table.h"
+#include "fixtures/scratch_files.h"
 
 #include <kestrona/matrix_column.h>
 #include <kestrona/record_state.h>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
+#include <algorithm>
 #include <array>
-#include <cstdio>
 #include <functional>
-#include <memory>
+#include <map>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace Kestrona::Data::MemoryResident {
 
@@ -24,16 +25,11 @@ constexpr double kDefault = 0.5;
 constexpr std::array<std::int32_t, 4> kOddPlaces = {-1, kFirstScratchRecord, kLastScratchRecord,
                                                     kLastScratchRecord + 1};
 
-struct File {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> handle{std::tmpfile(), &std::fclose};
-
-    std::string Bytes() const {
-        std::string bytes(static_cast<std::size_t>(std::ftell(handle.get())), '\0');
-        std::rewind(handle.get());
-        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), handle.get()));
-        return bytes;
-    }
-};
+std::string BytesOfColumn(IColumn<double>& column) {
+    const Testing::File file(std::tmpfile());
+    column.WriteToFile(file.get());
+    return Testing::BytesOf(file.get());
+}
 
 // The cells of a matrix, and beside them a column with a strategy of its own that the same is done to.
 class MatrixCellsTwin : public testing::TestWithParam<std::uint32_t> {
@@ -82,19 +78,12 @@ protected:
 
     // Both write the same bytes, and read at times those of others.
     void Reload() {
-        File cells;
-        File column;
-        cells_.WriteToFile(cells.handle.get());
-        column_.WriteToFile(column.handle.get());
-        const std::string bytes = cells.Bytes();
-        ASSERT_EQ(bytes, column.Bytes());
+        const Testing::File file(std::tmpfile());
+        cells_.WriteToFile(file.get());
+        const std::string bytes = Testing::BytesOf(file.get());
+        ASSERT_EQ(bytes, BytesOfColumn(column_));
         if (!earlier_.empty()) {
-            Both([&](auto& matrix) {
-                File file;
-                std::fwrite(earlier_.data(), 1, earlier_.size(), file.handle.get());
-                std::rewind(file.handle.get());
-                matrix.ReadFromFile(file.handle.get());
-            });
+            Both([&](auto& matrix) { matrix.ReadFromFile(Testing::FileOf(earlier_).get()); });
         }
         earlier_ = random_() % 2 == 0 ? bytes : bytes.substr(0, bytes.size() / 2);
     }
@@ -153,6 +142,124 @@ TEST(MatrixCells, TellNobodyWithoutAFormat) {
     EXPECT_EQ(cells.GetRecordState(2), 0);
 }
 
+MatrixEntry Matrix(double default_value, std::uint32_t size) {
+    MatrixEntry matrix;
+    matrix.cells = MatrixCells(nullptr, 0, default_value);
+    matrix.size = size;
+    return matrix;
+}
+
+class MatrixTableTest : public testing::Test {
+protected:
+    MatrixTableTest() { table.Reset(); }
+
+    ~MatrixTableTest() override { table.Reset(); }
+
+    MatrixTable& table = MatrixTable::Instance();
+};
+
+// What the table tells of an id: its size, and the default of its cells as long as there are any.
+struct Told {
+    std::uint32_t size = 0;
+    double cells = -1.0;
+
+    friend bool operator==(const Told&, const Told&) = default;
+};
+
+TEST_F(MatrixTableTest, KeepsWhatAMapKeepsWhilePagesComeAndGo) {
+    std::mt19937 random(7);
+    std::map<std::int32_t, Told> twin;
+    std::int32_t next = 0;
+    for (int step = 0; step < 60000; ++step) {
+        const bool frees = step % 20000 > 19700; // at times most go: pages are given up, and some are made again
+        const auto draw = static_cast<std::int32_t>(random() % static_cast<unsigned>(next + 1));
+        if (random() % 4000 == 0) {
+            table.FreeColumns(); // sizes stay
+            std::ranges::for_each(twin, [](auto& entry) { entry.second.cells = -1.0; });
+        } else if (frees) {
+            const std::int32_t end = draw + static_cast<std::int32_t>(random() % 400);
+            for (std::int32_t id = draw; id < end; ++id) {
+                table.Free(id);
+                twin.erase(id);
+            }
+        } else {
+            const std::int32_t id = random() % 4 == 0 && next > 0 ? draw % next : table.TakeId();
+            const Told told{static_cast<std::uint32_t>(step % 2 * step), static_cast<double>(step)};
+            next = std::max(next, id + 1);
+            table.Put(id, Matrix(told.cells, told.size));
+            twin[id] = told;
+        }
+        if (step % 2500 == 2499) {
+            for (std::int32_t id = -1; id <= next; ++id) {
+                const MatrixEntry* const entry = table.Find(id);
+                const bool has_cells = entry != nullptr && entry->IsMatrix();
+                const Told told{entry != nullptr ? entry->size : 0, has_cells ? entry->cells.GetValue(0) : -1.0};
+                ASSERT_EQ(told, twin.contains(id) ? twin[id] : Told()) << id;
+            }
+        }
+    }
+}
+
+TEST_F(MatrixTableTest, AnEntryKeepsItsPlaceWhileTheTableGrows) {
+    table.Put(table.TakeId(), Matrix(1.0, 5));
+    const MatrixEntry* const first = table.Find(0);
+    table.Put(MatrixTable::kMaxIds - 1, Matrix(2.0, 6));
+    EXPECT_EQ(table.Find(0), first);
+    EXPECT_FALSE(table.Find(MatrixTable::kMaxIds - 2)->IsMatrix());
+    EXPECT_EQ(table.Find(1 << 20), nullptr); // no page in between
+}
+
+TEST_F(MatrixTableTest, MatricesThatLastDoNotKeepThePagesOfThoseThatWent) {
+    constexpr std::int32_t kIds = 256 * MatrixTable::kPageEntries;
+    constexpr std::size_t kFarBelowPages = 256 * 1024; // the pages take 3 MiB
+    const auto lasts = [](std::int32_t id) {
+        return id % MatrixTable::kPageEntries == 7;
+    };
+    const std::size_t before = mallinfo2().uordblks;
+    for (const bool at_once : {true, false}) {
+        table.Reset();
+        for (std::int32_t i = 0; i < kIds; ++i) {
+            const std::int32_t id = table.TakeId();
+            table.Put(id, Matrix(i, 1));
+            if (!at_once && !lasts(id)) {
+                table.Free(id);
+            }
+        }
+        for (std::int32_t id = 0; id < kIds; ++id) {
+            if (!lasts(id)) {
+                table.Free(id);
+            }
+        }
+        EXPECT_LE(mallinfo2().uordblks, before + kFarBelowPages) << at_once;
+    }
+}
+
+TEST_F(MatrixTableTest, IdsEndWithoutComingAgain) {
+    table.NoteId(MatrixTable::kMaxIds - 2);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kMaxIds - 1);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kNoId);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kNoId);
+    table.NoteId(3);
+    EXPECT_EQ(table.TakeId(), MatrixTable::kNoId);
+}
+
+TEST_F(MatrixTableTest, APageGoesWithItsLastMatrix) {
+    table.Put(0, Matrix(1.0, 0));
+    table.Put(1, Matrix(2.0, 0));
+    table.NoteId(10000);
+    table.Put(1, Matrix(3.0, 5)); // in the place of another one
+    table.Free(0);
+    table.Free(0);
+    ASSERT_NE(table.Find(1), nullptr);
+    table.FreeColumns();
+    table.Put(0, Matrix(1.0, 0));
+    table.Free(0);
+    ASSERT_NE(table.Find(1), nullptr); // its size is still told
+    table.Put(1, Matrix(1.0, 0));
+    table.Free(1);
+    EXPECT_EQ(table.Find(1), nullptr);
+}
+
 // What is known of matrices in order holds until one of them, or an id, changes; ids and matrices of others do not
 // matter.
 TEST(MatrixIdentityColumn, ForgetsWhatItKnewWithAnyChange) {
@@ -160,9 +267,7 @@ TEST(MatrixIdentityColumn, ForgetsWhatItKnewWithAnyChange) {
     MatrixTable& table = MatrixTable::Instance();
     using Change = std::function<void(MatrixIdentityColumn&, std::int32_t)>;
     const auto make = [&](bool is_counted) {
-        MatrixEntry matrix;
-        matrix.cells = MatrixCells(nullptr, 0, kDefault);
-        matrix.size = kSize;
+        MatrixEntry matrix = Matrix(kDefault, kSize);
         matrix.isNotedInOrder = is_counted;
         const std::int32_t id = table.TakeId();
         table.Put(id, std::move(matrix));

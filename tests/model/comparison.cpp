@@ -36,8 +36,6 @@ std::string TextDifference(const std::wstring& text, const std::wstring& expecte
     return (is_encrypted ? text.c_str() : text) == expected ? "" : "another text";
 }
 
-} // namespace
-
 std::string CellDifference(IMemoryResidentData& store, const Twin& twin, std::int32_t format, std::int32_t field,
                            std::int32_t record) {
     const FieldPlan& plan = twin.Format(format).plan->fields[static_cast<std::size_t>(field)];
@@ -52,6 +50,8 @@ std::string CellDifference(IMemoryResidentData& store, const Twin& twin, std::in
     const double expected = twin.Number(format, field, record);
     return value == expected ? "" : Instead(value, expected);
 }
+
+} // namespace
 
 std::string RecordDifference(IMemoryResidentData& store, const Twin& twin, std::int32_t format, std::int32_t record,
                              bool has_updates) {

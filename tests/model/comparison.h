@@ -10,8 +10,6 @@
 // What a store and its twin disagree about: the first difference, "" for none.
 namespace Kestrona::Model {
 
-std::string CellDifference(Data::MemoryResident::IMemoryResidentData& store, const Twin& twin, std::int32_t format,
-                           std::int32_t field, std::int32_t record);
 // Every field of a record; with `has_updates` its update number too, which no file holds.
 std::string RecordDifference(Data::MemoryResident::IMemoryResidentData& store, const Twin& twin, std::int32_t format,
                              std::int32_t record, bool has_updates = true);

@@ -93,7 +93,8 @@ FormatPlan Orders() {
                        List(L"Next", kOrders),
                        Storing(List(L"Texts", kNotes), kNotes),
                        Storing(Parallel(L"Titles", kTexts), kNotes),
-                       List(L"Erased", kMachines, {Classes::kKeepDeletedKeys})}};
+                       List(L"Erased", kMachines, {Classes::kKeepDeletedKeys}),
+                       Matrix(L"Machines", {Classes::kList}, -1.0, kMachines, kMaterials)}};
 }
 
 FormatPlan Notes() {
@@ -108,7 +109,7 @@ FormatPlan Nodes() {
     return {.name = L"Nodes",
             .fields = {{Fixtures::Number(L"Key", 1.0)},
                        Storing(List(L"Children", kNodes), kNodes),
-                       Matrix(L"Distance", {}, 9.0, -1, kNodes),
+                       Matrix(L"Distance", {}, 9.0, kNodes, kNodes),
                        Matrix(L"Plan", {Classes::k3DMatrix}, 0.0, kNodes, kOrders)},
             .has_unique_keys = true};
 }

@@ -444,20 +444,15 @@ void Twin::Clear(std::int32_t format) {
     }
 }
 
-void Twin::CopyCell(std::int32_t format, std::int32_t field, std::int32_t source, std::int32_t target) {
-    const OnTwinSide side;
-    std::vector<TwinRow>& rows = formats_[Index(format)].rows;
-    rows[Index(target)].numbers[Index(field)] = rows[Index(source)].numbers[Index(field)];
-    rows[Index(target)].texts[Index(field)] = rows[Index(source)].texts[Index(field)];
-}
-
 void Twin::CopyRow(std::int32_t format, std::int32_t source, std::int32_t target) {
     const OnTwinSide side;
+    const TwinRow from = Format(format).rows[Index(source)];
+    TwinRow& to = formats_[Index(format)].rows[Index(target)];
+    to.numbers = from.numbers;
+    to.texts = from.texts;
     for (std::int32_t field = 0; field < Fields(format); ++field) {
         if (Field(format, field).IsMatrix()) {
             CopyMatrix(format, field, source, format, field, target);
-        } else {
-            CopyCell(format, field, source, target);
         }
     }
     SetUpdate(format, target, Update(format, source));

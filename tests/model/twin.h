@@ -68,7 +68,6 @@ public:
     void Delete(std::int32_t format, const std::vector<std::int32_t>& records);
     void Clear(std::int32_t format);
 
-    void CopyCell(std::int32_t format, std::int32_t field, std::int32_t source, std::int32_t target);
     void CopyRow(std::int32_t format, std::int32_t source, std::int32_t target);
     void SwapRows(std::int32_t format, std::int32_t record1, std::int32_t record2);
     // The rows as `records` tells them: each record once, in its new order.

@@ -1,9 +1,6 @@
 // Reading and writing cells: reports, scratch records, defaults, texts, and which column a field gets.
 #include "fixtures/store_test.h"
 
-#include <kestrona/concrete_columns.h>
-#include <kestrona/evaluate_columns.h>
-
 namespace Kestrona {
 
 namespace {
@@ -11,135 +8,71 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-using StoredCells = RecordedStoreTest;
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
 
-TEST_F(StoredCells, ReadsAreReportedWhereNoRecordStands) {
-    const std::int32_t format = AddTable(*store, L"Orders", {Number(L"Key"), Number(L"Quantity", 4.0)}, 5);
-
-    struct Case {
-        std::int32_t record;
-        bool reported;
-    };
-
-    for (const auto [record, reported] : {Case{0, false},
-                                          {4, false},
-                                          {5, true},
-                                          {-1, true},
-                                          {999899999, true},
-                                          {999900000, false},
-                                          {999900003, false},
-                                          {999900004, false},
-                                          {std::numeric_limits<std::int32_t>::min(), true},
-                                          {std::numeric_limits<std::int32_t>::max(), false}}) {
-        messages.boxes.clear();
-        logger.lines.clear();
-        EXPECT_EQ(store->GetDbValue(format, 1, record), 4.0) << record;
-        const std::wstring text =
-            L"Get Invalid Record Number " + std::to_wstring(record) + L" for format Orders field Quantity";
+class StoredCells : public RecordedStoreTest {
+protected:
+    // Compares what was told since the last call with this line, told as often as it should.
+    void ExpectReport(const std::wstring& text, bool in_log, bool in_box) {
         const RecordingMessages::Box box{text, L"Assert", kMessageStyleError};
-        EXPECT_EQ(messages.boxes, reported ? std::vector{box} : std::vector<RecordingMessages::Box>()) << record;
-        EXPECT_EQ(logger.lines, reported ? std::vector{text} : std::vector<std::wstring>()) << record;
+        EXPECT_EQ(std::exchange(logger.lines, {}), std::vector<std::wstring>(in_log ? 1 : 0, text));
+        EXPECT_EQ(std::exchange(messages.boxes, {}), std::vector<RecordingMessages::Box>(in_box ? 1 : 0, box));
     }
-}
+};
 
-TEST_F(StoredCells, WritesAreReportedWhereNoCellStands) {
-    const std::int32_t format = AddTable(*store, L"Orders", {Number(L"Key"), Number(L"Quantity", 4.0)}, 5);
-
-    struct Case {
-        std::int32_t record;
-        bool reported;
-        double read_back;
-    };
-
-    for (const auto [record, reported, read_back] : {Case{4, false, 9.0},
-                                                     {5, false, 9.0},
-                                                     {999900000, false, 9.0},
-                                                     {999900003, false, 9.0},
-                                                     {999900004, true, 4.0},
-                                                     {-1, true, 4.0},
-                                                     {std::numeric_limits<std::int32_t>::max(), true, 4.0},
-                                                     {std::numeric_limits<std::int32_t>::min(), true, 4.0}}) {
-        logger.lines.clear();
+TEST_F(StoredCells, AccessIsReportedWhereNoCellStands) {
+    const std::int32_t format = AddTable(*store, L"Orders", {Number(L"Key"), Number(L"Quantity", 4.0), Text(L"T")}, 5);
+    // Whether a read is reported, and whether a write is, which then is dropped.
+    for (const auto& [record, reported_read, reported_write] : {std::tuple{0, false, false},
+                                                                {4, false, false},
+                                                                {5, true, false},
+                                                                {-1, true, true},
+                                                                {999900000, false, false},
+                                                                {999900003, false, false},
+                                                                {999900004, false, true},
+                                                                {kLowest, true, true},
+                                                                {kHighest, false, true}}) {
+        SCOPED_TRACE(record);
+        const std::wstring number = L" Invalid Record Number " + std::to_wstring(record) + L" for format Orders";
+        EXPECT_EQ(store->GetDbValue(format, 1, record), 4.0);
+        ExpectReport(L"Get" + number + L" field Quantity", reported_read, reported_read);
         store->SetDbValue(format, 1, record, 9.0);
-        const std::wstring text = L"Set Invalid Record Number " + std::to_wstring(record) + L" for format Orders";
-        EXPECT_EQ(logger.lines, reported ? std::vector{text} : std::vector<std::wstring>()) << record;
-        EXPECT_TRUE(messages.boxes.empty()) << record;
-        EXPECT_EQ(store->GetDbValue(format, 1, record), read_back) << record;
+        ExpectReport(L"Set" + number, reported_write, false);
+        EXPECT_EQ(store->GetDbValue(format, 1, record), reported_write ? 4.0 : 9.0);
+        store->SetDbString(format, 2, record, L"text");
+        EXPECT_EQ(store->GetDbString(format, 2, record), reported_write ? L"" : L"text");
+        store->SetDbValue(format, 1, record, 4.0);
+        logger.lines.clear();
         messages.boxes.clear();
     }
-}
-
-TEST_F(StoredCells, AFieldWithoutAColumnReadsAsItsDefaultAndSaysSo) {
-    const std::int32_t format = AddFormat(*store, L"Orders", {Number(L"Key"), Number(L"Bare"), Number(L"Held")});
-    store->CreateDbValues(format, 2);
-    store->SetCurrentDbSize(format, 2);
-    store->SetDbDefaultValue(format, 1, 6.0);
-    EXPECT_EQ(store->GetDbColumn(format, 1), nullptr);
-    store->SetDbValue(format, 1, 0, 3.0);
-    EXPECT_EQ(store->GetDbValue(format, 1, 0), 6.0);
-    EXPECT_TRUE(messages.boxes.empty());
-    EXPECT_EQ(store->GetDbValue(format, 1, 2), 6.0);
-    EXPECT_EQ(messages.boxes.size(), 1u);
-    EXPECT_FALSE(store->HasStorage(format, 1));
-    EXPECT_TRUE(store->HasStorage(format, 2));
 }
 
 TEST_F(StoredCells, StorageIsTheOneThatTypeAndClassesAskFor) {
-    enum class Kind {
-        Null,
-        Double,
-        Integer,
-        Toggle,
-        Override,
-        Calculated,
-        None
+    // What is kept of 2.7, and where.
+    const std::tuple<std::uint32_t, std::vector<Class>, double, const char*> cases[] = {
+        {0, {}, 2.7, "stored"},
+        {TypeBit::kReference, {}, 2.7, "stored"},
+        {TypeBit::kReference, {Classes::kFreeFormat}, 0.0, "stored text"},
+        {TypeBit::kReference, {Classes::kFreeFormat, Classes::kEncrypted}, 0.0, "stored text"},
+        {TypeBit::kReal, {Classes::kFreeFormat}, 2.7, "stored text"},
+        {TypeBit::kInteger | TypeBit::kToggle | TypeBit::kFreeString, {}, 2.0, "stored"},
+        {TypeBit::kToggle | TypeBit::kFreeString, {}, 1.0, "stored"},
+        {TypeBit::kFreeString, {}, 0.0, ""},
+        {TypeBit::kMatrix | TypeBit::kInteger, {}, 0.0, ""},
+        {TypeBit::kMatrix, {Classes::kEvaluate}, 0.0, ""},
+        {TypeBit::kReal, {Classes::kEvaluate}, 0.0, ""},
+        {TypeBit::kReference, {Classes::kEvaluate, Classes::kFreeFormat}, 0.0, " text"},
     };
-
-    struct Case {
-        std::uint32_t type;
-        std::vector<Class> classes;
-        Kind kind;
-        bool has_storage;
-        bool has_text;
-    };
-
-    const Case cases[] = {
-        {TypeBit::kReal, {}, Kind::Double, true, false},
-        {TypeBit::kReference, {}, Kind::Double, true, false},
-        {TypeBit::kReference, {Classes::kFreeFormat}, Kind::Null, true, true},
-        {TypeBit::kReference, {Classes::kFreeFormat, Classes::kEncrypted}, Kind::Null, true, true},
-        {TypeBit::kReal, {Classes::kFreeFormat}, Kind::Double, true, true},
-        {TypeBit::kInteger | TypeBit::kToggle | TypeBit::kFreeString, {}, Kind::Integer, true, false},
-        {TypeBit::kToggle | TypeBit::kFreeString, {}, Kind::Toggle, true, false},
-        {TypeBit::kFreeString, {}, Kind::Null, false, false},
-        {TypeBit::kMatrix | TypeBit::kInteger, {}, Kind::Null, false, false},
-        {TypeBit::kMatrix, {Classes::kEvaluate}, Kind::Null, false, false},
-        {TypeBit::kReal, {Classes::kEvaluate}, Kind::Calculated, false, false},
-        {TypeBit::kReference, {Classes::kEvaluate, Classes::kFreeFormat}, Kind::Calculated, false, true},
-        {TypeBit::kInteger, {Classes::kOverride}, Kind::Override, true, false},
-        {0, {}, Kind::Double, true, false},
-    };
-    for (const Case& c : cases) {
-        const Field field{.name = L"Field", .type = c.type, .classes = c.classes};
+    for (const auto& [type, classes, kept, storage] : cases) {
+        SCOPED_TRACE(type);
+        const Field field{.name = L"Field", .type = type, .classes = classes};
         const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), field}, 1);
-        IColumn<double>* const column = store->GetDbColumn(format, 1);
-        Kind kind = Kind::None;
-        if (dynamic_cast<OverrideDoubleColumn*>(column) != nullptr) {
-            kind = Kind::Override;
-        } else if (dynamic_cast<EvaluateColumn*>(column) != nullptr) {
-            kind = Kind::Calculated;
-        } else if (dynamic_cast<DoubleColumn*>(column) != nullptr) {
-            kind = Kind::Double;
-        } else if (dynamic_cast<IntegerColumn*>(column) != nullptr) {
-            kind = Kind::Integer;
-        } else if (dynamic_cast<BoolColumn*>(column) != nullptr) {
-            kind = Kind::Toggle;
-        } else if (column != nullptr && column->IsNullColumn()) {
-            kind = Kind::Null;
-        }
-        EXPECT_EQ(kind, c.kind) << "type " << c.type << ", case " << &c - cases;
-        EXPECT_EQ(store->HasStorage(format, 1), c.has_storage) << &c - cases;
-        EXPECT_EQ(store->GetDbStringArray(format, 1) != nullptr, c.has_text) << &c - cases;
+        store->SetDbValue(format, 1, 0, 2.7);
+        EXPECT_EQ(store->GetDbValue(format, 1, 0), kept);
+        EXPECT_EQ(std::string(store->HasStorage(format, 1) ? "stored" : "") +
+                      (store->GetDbStringArray(format, 1) != nullptr ? " text" : ""),
+                  storage);
     }
 }
 
@@ -164,23 +97,15 @@ TEST_F(StoredCells, DefaultsAreCutToTheStorage) {
 }
 
 TEST_F(StoredCells, ADefaultMayBeGivenByItsText) {
-    struct Case {
-        const wchar_t* classification;
-        double expected;
-    };
-
     for (const auto& [classification, expected] :
-         {Case{L"SUBSTITUTE(1.5->\"Half past\") SUBSTITUTE(3->\"Three\") STRING_DEF \"Three\"", 3.0},
-          {L"SUBSTITUTE(1.5->\"Half past\") STRING_DEF \"Half past\"", 1.5},
+         {std::pair{L"SUBSTITUTE(1.5->\"Half past\") SUBSTITUTE(3->\"Three\") STRING_DEF \"Three\"", 3.0},
           {L"SUBSTITUTE(1.5->\"Half past\") STRING_DEF \"Unknown\"", 8.0},
           {L"SUBSTITUTE(1.5->\"\") STRING_DEF \"\"", 8.0},
-          {L"STRING_DEF", 8.0},
-          {L"", 8.0}}) {
+          {L"STRING_DEF", 8.0}}) {
         Field field = Number(L"Field", 8.0);
         field.classes = {Classes::kStringDefault, Classes::kSubstitute};
         field.classification = classification;
         const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), field}, 1);
-        EXPECT_EQ(store->GetDbDefaultValue(format, 1), expected) << classification;
         EXPECT_EQ(store->GetDbValue(format, 1, 0), expected) << classification;
         store->SetDbClassString(format, 1, L"SUBSTITUTE(4->\"New\") STRING_DEF \"New\""); // what was parsed is stale
         EXPECT_EQ(store->GetDbDefaultValue(format, 1), 4.0) << classification;
@@ -190,68 +115,102 @@ TEST_F(StoredCells, ADefaultMayBeGivenByItsText) {
 }
 
 TEST_F(StoredCells, TextsAreCutToTheirLimitInUtf16Units) {
-    struct Case {
-        std::int32_t limit;
-        std::wstring text;
-        std::wstring kept;
-    };
-
-    for (const auto& [limit, text, kept] : {Case{0, L"no limit", L"no limit"},
-                                            {-3, L"no limit", L"no limit"},
+    for (const auto& [limit, text, kept] : {std::tuple{-3, L"no limit", L"no limit"},
                                             {3, L"abcd", L"abc"},
-                                            {4, L"abcd", L"abcd"},
                                             {3, L"a\U0001F600b", L"a\U0001F600"},
                                             {2, L"a\U0001F600b", L"a"},
-                                            {1, L"\U0001F600", L""},
-                                            {5, L"", L""}}) {
+                                            {1, L"\U0001F600", L""}}) {
         const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), Text(L"Text", limit)}, 1);
         store->SetDbString(format, 1, 0, text);
-        EXPECT_EQ(store->GetDbString(format, 1, 0), kept) << limit << ' ' << text.size();
+        EXPECT_EQ(store->GetDbString(format, 1, 0), kept) << limit << ' ' << text;
     }
-}
-
-TEST_F(StoredCells, TextsOfBadRecordsAreDroppedAndReadAsTheDefault) {
-    Field text = Text(L"Text");
-    text.classification = L"FF_STRING_DEF \"none\"";
-    const std::int32_t format = AddTable(*store, L"Format", {Number(L"Key"), text}, 2);
-    for (const std::int32_t record : {-1, 999900004, std::numeric_limits<std::int32_t>::max()}) {
-        store->SetDbString(format, 1, record, L"lost");
-        EXPECT_EQ(store->GetDbString(format, 1, record), L"none") << record;
-    }
-    store->SetDbString(format, 1, KSDLL_GetScratchRecord(), L"aside");
-    EXPECT_EQ(store->GetDbString(format, 1, KSDLL_GetScratchRecord()), L"aside");
-    EXPECT_EQ(store->GetDbString(format, 1, 0), L"none");
-    store->SetDbString(format, 0, 0, L"no text column"); // dropped
-    EXPECT_EQ(store->GetDbString(format, 0, 0), L"");
-}
-
-TEST_F(StoredCells, SizesFollowInEveryColumnOfTheirOwn) {
-    Field own_text = Shared(L"Shared", 1);
-    own_text.type = TypeBit::kReference;
-    own_text.classes.push_back(Classes::kFreeFormat);
-    const std::int32_t format =
-        AddTable(*store, L"Format", {Number(L"Key"), Number(L"A", 5.0), Text(L"Text"), own_text}, 3);
-    for (std::int32_t record = 0; record < 3; ++record) {
-        store->SetDbValue(format, 1, record, record);
-        store->SetDbString(format, 2, record, L"old");
-        store->SetDbString(format, 3, record, L"old");
-    }
-    store->ChangeCurrentDbSize(format, -2);
-    store->ChangeCurrentDbSize(format, +2);
-    EXPECT_EQ(store->GetCurrentDbSize(format), 3);
-    EXPECT_EQ(store->GetDbValue(format, 1, 2), 5.0);
-    EXPECT_EQ(store->GetDbString(format, 2, 2), L"");
-    EXPECT_EQ(store->GetDbString(format, 3, 2), L"");
-    EXPECT_EQ(store->GetDbString(format, 3, 0), L"old");
-    EXPECT_EQ(store->GetDbColumn(format, 1)->GetCurrentSize(), 3u);
 }
 
 TEST_F(StoredCells, AColumnMadeOverStandingRecordsCoversThem) {
     const std::int32_t format = AddFormat(*store, L"Format", {Number(L"Key"), Number(L"Late", 2.0)});
     store->SetCurrentDbSize(format, 4);
     MakeColumns(*store, format);
-    const std::unique_ptr<FindResult> found(store->LookupRecords(format, 1, 2.0, FindOperator::Equal));
-    EXPECT_EQ(found->Size(), 4u);
+    EXPECT_EQ(Take(store->LookupRecords(format, 1, 2.0, FindOperator::Equal)).size(), 4u);
+}
+
+// KSDLL_SetDefaultFieldValue.
+class DefaultValues : public StoreTest {
+protected:
+    void Set(std::int32_t format, std::int32_t field, std::int32_t record, std::int32_t level = 1,
+             std::int32_t skip = -1) {
+        KSDLL_SetDefaultFieldValue(*store, format, field, record, -1, skip, level, -1, 0.0);
+    }
+};
+
+TEST_F(DefaultValues, FollowTheClassesOfTheField) {
+    InstallRecordingMessages().texts = {{0x4a67, L"somebody"}};
+    Field now = Number(L"Now", 3.0);
+    now.classes = {Classes::kTimeOfNow, Classes::kAutomaticKey};
+    Field next = Number(L"Next", 4.0);
+    next.classes = {Classes::kAutomaticKey};
+    Field deep = Number(L"Deep", 6.0);
+    deep.classes = {Classes::kDeepDefault};
+    Field user = Text(L"User");
+    user.classes.push_back(Classes::kUserNameDefault);
+    Field text = Text(L"Text");
+    text.classification = L"FREE FORMAT FF_STRING_DEF \"as usual\"";
+    const std::int32_t format =
+        AddTable(*store, L"F", {Number(L"Key", 1.0), now, next, Number(L"Plain", 5.0), deep, user, text}, 2);
+    KSDLL_SetDoubleSv(kSvFixedNow, 40000.25);
+
+    for (const auto& [field, level, skip, value] : {std::tuple{1, 9, 1, 40000.25},
+                                                    {2, 9, 2, 78.0}, // behind the largest
+                                                    {3, 1, -1, 5.0},
+                                                    {3, 1, 3, 77.0},
+                                                    {3, 2, -1, 77.0},
+                                                    {4, 2, -1, 6.0},
+                                                    {4, 2, 4, 77.0},
+                                                    {4, 0, -1, 77.0}}) {
+        store->SetDbValue(format, field, 1, 77.0);
+        Set(format, field, 1, level, skip);
+        EXPECT_EQ(store->GetDbValue(format, field, 1), value) << field << ' ' << level << ' ' << skip;
+    }
+    Set(format, 5, 1, 7, 5);
+    Set(format, 6, 1, 7, 6);
+    EXPECT_EQ(store->GetDbString(format, 5, 1) + L" " + store->GetDbString(format, 6, 1), L"somebody as usual");
+}
+
+TEST_F(DefaultValues, FillAMatrixAndSelectLists) {
+    RecordingLogger& logger = InstallRecordingLogger();
+    const auto matrix = [](std::vector<Class> classes, std::int32_t table, std::int32_t table_y) {
+        Field field = Matrix(L"Matrix", std::move(classes), table, table_y, 2.0);
+        field.source = 0;
+        return field;
+    };
+    AddTable(*store, L"Items", {Number(L"Key", 1.0)});
+    AddTable(*store, L"Groups", {Number(L"Key", 1.0), matrix({Classes::kList}, 0, 0)});
+    const std::int32_t orders =
+        AddTable(*store, L"Orders",
+                 {Number(L"Key", 1.0), Reference(L"Group", 1, 0), matrix({Classes::kList, Classes::kSelectAll}, 0, 1),
+                  matrix({Classes::kParallelList, Classes::kAssociate}, -1, -1), matrix({}, -1, 0)});
+    store->SetDbSourceY(orders, 2, 1);
+    store->SetDbRelated(orders, 2, 1);
+    store->SetDbData(orders, 3, DataSlot::kAssociateField, 2);
+    Create(0, 3);
+    Create(1, 2);
+    Create(orders, 1);
+    Fill(1, 1, 1, {3.0, 1.0});
+    KSDLL_SetMatrixValue(KSDLL_GetDbMatrix(*store, orders, 4, 0), 1, 9.0);
+    Set(orders, 4, 0);
+    EXPECT_EQ(Cells(orders, 4, 0), (Doubles{2, 2, 2}));
+    Set(orders, 2, 0); // nothing is selected
+    EXPECT_EQ(Cells(orders, 2, 0), (Doubles{1, 2, 3}));
+    EXPECT_EQ(Cells(orders, 3, 0).size(), 3u);
+    store->SetDbValue(orders, 1, 0, 2.0);
+    Set(orders, 2, 0);
+    EXPECT_EQ(Cells(orders, 2, 0), (Doubles{3, 1}));
+    EXPECT_EQ(Cells(orders, 3, 0).size(), 2u);
+    store->SetDbValue(orders, 1, 0, 8.0);
+    logger.lines.clear();
+    Set(orders, 2, 0);
+    EXPECT_EQ(logger.lines, (std::vector<std::wstring>{L"Select all Auto list entries",
+                                                       L"ERROR :- Key Value of 8.000000 not found in Database"}));
+    EXPECT_EQ(Cells(orders, 3, 0).size(), 2u);
 }
 
 } // namespace

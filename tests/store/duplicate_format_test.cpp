@@ -10,34 +10,32 @@ namespace {
 using namespace Data::MemoryResident;
 using namespace Fixtures;
 
-struct HandlerLog {
-    std::vector<std::pair<std::int32_t, std::int32_t>> duplicated;
-};
+using Duplicates = std::vector<std::pair<std::int32_t, std::int32_t>>;
 
 class Handler : public IDuplicateFormatHandler {
 public:
-    explicit Handler(HandlerLog& log) : log_(log) {}
+    explicit Handler(Duplicates& duplicated) : duplicated_(duplicated) {}
 
-    void FormatDuplicated(std::int32_t source, std::int32_t copy) override {
-        log_.duplicated.emplace_back(source, copy);
-    }
+    void FormatDuplicated(std::int32_t source, std::int32_t copy) override { duplicated_.emplace_back(source, copy); }
 
     void FormatDestroyed(std::int32_t) override {}
 
 private:
-    HandlerLog& log_;
+    Duplicates& duplicated_;
 };
 
-class DuplicateFormat : public testing::Test {
+class DuplicateFormat : public StoreTest {
 protected:
+    DuplicateFormat() { store = CreateMemoryResidentData(nullptr, new Handler(duplicated)); }
+
+    ~DuplicateFormat() override { store.reset(); } // before what its handler writes to
+
     std::int32_t Duplicate(std::int32_t format, bool at_end = false) {
         std::wstring name = L"Copy";
         return store->CreateDuplicateFormat(format, name.data(), at_end);
     }
 
-    FreshProcess process;
-    HandlerLog log;
-    std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData(nullptr, new Handler(log));
+    Duplicates duplicated;
 };
 
 TEST_F(DuplicateFormat, TakesTheFirstFreeNumber) {
@@ -45,17 +43,14 @@ TEST_F(DuplicateFormat, TakesTheFirstFreeNumber) {
         AddTable(*store, L"F" + std::to_wstring(i), {Number(L"Key")}, 1);
     }
     EXPECT_EQ(Duplicate(0), 3);
-    EXPECT_EQ(store->GetFormatCount(), 4);
     store->DestroyFormat(1);
     EXPECT_EQ(Duplicate(2), 1);
     EXPECT_EQ(KSDLL_FindFormatImpl(*store, L"Copy"), 1);
-    EXPECT_EQ(store->GetFormatCount(), 4);
     EXPECT_EQ(Duplicate(0, true), 6);
-    EXPECT_EQ(store->GetFormatCount(), 4);
-    EXPECT_EQ(store->GetCopiedFormatSource(6), 0);
     EXPECT_EQ(Duplicate(2, true), 6); // in the place of the former one
+    EXPECT_EQ(store->GetFormatCount(), 4);
     EXPECT_EQ(store->GetCopiedFormatSource(6), 2);
-    EXPECT_EQ(log.duplicated, (std::vector<std::pair<std::int32_t, std::int32_t>>{{0, 3}, {2, 1}, {0, 6}, {2, 6}}));
+    EXPECT_EQ(duplicated, (Duplicates{{0, 3}, {2, 1}, {0, 6}, {2, 6}}));
 }
 
 TEST_F(DuplicateFormat, RefusesWhatHasNoRoom) {
@@ -72,7 +67,7 @@ TEST_F(DuplicateFormat, RefusesWhatHasNoRoom) {
     }
     EXPECT_EQ(Duplicate(0), -1);
     EXPECT_EQ(store->GetFormatCount(), kMaxFormats);
-    EXPECT_EQ(log.duplicated.size(), 1u);
+    EXPECT_EQ(duplicated, (Duplicates{{5, 1}}));
 }
 
 TEST_F(DuplicateFormat, MapsNumbersOfTheFormatButNotOfFields) {
@@ -89,8 +84,8 @@ TEST_F(DuplicateFormat, MapsNumbersOfTheFormatButNotOfFields) {
     ASSERT_EQ(format, 1);
     MakeColumns(*store, format);
     const std::int32_t copy = Duplicate(format);
-    const std::vector<std::pair<std::int32_t, std::int32_t>> expected = {{copy, copy}, {1, copy}, {0, 0},    {copy, 1},
-                                                                         {copy, 1},    {copy, 1}, {copy, 1}, {copy, 1}};
+    const Duplicates expected = {{copy, copy}, {1, copy}, {0, 0},    {copy, 1},
+                                 {copy, 1},    {copy, 1}, {copy, 1}, {copy, 1}};
     for (std::size_t i = 0; i < expected.size(); ++i) {
         const auto number = static_cast<std::int32_t>(i) + 2;
         EXPECT_EQ(store->GetDbTable(copy, number), expected[i].first) << number;
@@ -104,11 +99,13 @@ TEST_F(DuplicateFormat, MapsNumbersOfTheFormatButNotOfFields) {
 }
 
 TEST_F(DuplicateFormat, HasTheSchemaAndNoneOfTheData) {
-    Field list{.name = L"List", .type = TypeBit::kMatrix, .classes = {Classes::kList}, .default_value = 3.0};
     Field shared_list = Shared(L"Same list", 2);
     shared_list.type = TypeBit::kMatrix;
-    const std::int32_t format = AddTable(
-        *store, L"Source", {Number(L"Key", -1.0), Text(L"Text", 3), list, shared_list, Number(L"Number", 0.5)}, 2);
+    const std::int32_t format =
+        AddTable(*store, L"Source",
+                 {Number(L"Key", -1.0), Text(L"Text", 3), Matrix(L"List", {Classes::kList}, -1, -1, 3.0), shared_list,
+                  Number(L"Number", 0.5)},
+                 2);
     store->SetDbClassString(format, 4, L"CLASSES");
     store->SetDbExtension(format, KSDLL_AddText(L"EXT"));
     store->SetDefaultDatasetName(format, KSDLL_AddText(L"Set"));
@@ -117,27 +114,20 @@ TEST_F(DuplicateFormat, HasTheSchemaAndNoneOfTheData) {
     store->SetDbDialogLevel(format, 4, kHiddenDialogLevel);
     store->SetParentSortEnabled(format, 4, false);
     KSDLL_SetMatrixXLabel(*store, format, 2, KSDLL_AddText(L"X"));
-    KSDLL_SetMatrixValue(KSDLL_CreateMatrix(*store, 2, format, 2, 0), 0, 1.0);
+    Fill(format, 2, 0, {1.0});
     store->SetDbString(format, 1, 0, L"abc");
 
     const std::int32_t copy = Duplicate(format);
     store->DestroyFormat(format);
-    EXPECT_STREQ(store->GetDbName(copy), L"Copy");
-    EXPECT_STREQ(store->GetDbExtension(copy), L"EXT");
-    EXPECT_STREQ(store->GetDefaultDatasetName(copy), L"Set");
-    EXPECT_EQ(store->GetDbDisplayName(copy), L"Shown");
-    EXPECT_EQ(store->GetDbMinLength(copy), 12);
-    EXPECT_EQ(store->GetDbFields(copy), 5);
-    EXPECT_EQ(store->GetDbKey(copy), 0);
-    EXPECT_EQ(store->GetColumnName(copy, 4), L"Number");
-    EXPECT_STREQ(store->GetDbClassString(copy, 4), L"CLASSES");
-    EXPECT_TRUE(store->IsHiddenDialog(copy, 4));
-    EXPECT_FALSE(store->GetParentSortEnabled(copy, 4));
-    EXPECT_STREQ(KSDLL_GetMatrixXLabel(*store, copy, 2), L"X");
+    EXPECT_EQ(std::wstring(store->GetDbName(copy)) + store->GetDbExtension(copy) + store->GetDefaultDatasetName(copy) +
+                  store->GetDbDisplayName(copy) + store->GetColumnName(copy, 4) + store->GetDbClassString(copy, 4) +
+                  KSDLL_GetMatrixXLabel(*store, copy, 2),
+              L"CopyEXTSetShownNumberCLASSESX");
     EXPECT_EQ(KSDLL_GetMatrixYLabel(*store, copy, 2), nullptr);
+    EXPECT_TRUE(store->GetDbMinLength(copy) == 12 && store->GetDbFields(copy) == 5 && store->GetDbKey(copy) == 0);
+    EXPECT_TRUE(store->IsHiddenDialog(copy, 4) && !store->GetParentSortEnabled(copy, 4));
+    EXPECT_TRUE(store->GetCurrentDbSize(copy) == 0 && !store->GetDbChanged(copy));
 
-    EXPECT_EQ(store->GetCurrentDbSize(copy), 0);
-    EXPECT_FALSE(store->GetDbChanged(copy));
     store->SetCurrentDbSize(copy, 2);
     EXPECT_EQ(store->GetDbKeyValue(copy, 0), -1.0); // the defaults stood before the columns were made
     EXPECT_EQ(store->GetDbValue(copy, 4, 1), 0.5);

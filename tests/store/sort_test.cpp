@@ -1,5 +1,6 @@
 // Sorting: every sort against a chain of comparisons written out here, over random records with ties and families.
 #include "fixtures/store_test.h"
+#include "store/stable_sort.h"
 
 #include <kestrona/host_settings.h>
 #include <kestrona/sorting.h>
@@ -127,26 +128,24 @@ TEST_F(Sort, AgreesWithAChainOfComparisons) {
     EXPECT_EQ(untouched, Records{7});
 }
 
-TEST_F(Sort, MovedRowsStandInTheOrderOfTheList) {
+TEST_F(Sort, MovedRowsStandInTheOrderOfTheListAndANamedRecordIsFollowed) {
+    const auto expect_rows = [&](const Records& expected) {
+        for (std::int32_t place = 0; place < static_cast<std::int32_t>(expected.size()); ++place) {
+            ASSERT_EQ(Cell(0, place), expected[static_cast<std::size_t>(place)] + 100.0) << place;
+        }
+    };
     MakeRandomTable(200, 5);
+    const Records families = Expected({}, 0);
     std::vector<SortDetails> details{{4, true}, {2, false}};
-    const Records expected = Expected(details, -1);
+    const Records sorted = Expected(details, -1);
     KSDLL_MulticolumnSort(*store, 0, details, false, true, nullptr);
-    for (std::int32_t record = 0; record < 200; ++record) {
-        ASSERT_EQ(Cell(0, record), expected[static_cast<std::size_t>(record)] + 100.0) << record;
-    }
-}
-
-TEST_F(Sort, FamiliesComeTogetherAndANamedRecordIsFollowed) {
-    MakeRandomTable(90, 9);
-    const Records expected = Expected({}, 0);
-    const double key = Cell(0, 40);
+    expect_rows(sorted);
+    details = {{0, true}};
+    KSDLL_MulticolumnSort(*store, 0, details, false, true, nullptr);
     std::int32_t record = 40;
     KSDLL_ParentSort(*store, 0, &record, nullptr);
-    EXPECT_EQ(Cell(0, record), key);
-    for (std::int32_t place = 0; place < 90; ++place) {
-        ASSERT_EQ(Cell(0, place), expected[static_cast<std::size_t>(place)] + 100.0) << place;
-    }
+    EXPECT_EQ(Cell(0, record), 140.0);
+    expect_rows(families);
 }
 
 TEST_F(Sort, NumbersOfEveryKindHaveAPlace) {
@@ -211,31 +210,26 @@ TEST_F(Sort, ReferencesComeInTheOrderOfTheirTextsByCodeUnits) {
         store->SetDbString(goods, 1, record, names[static_cast<std::size_t>(record)]);
         store->SetDbValue(orders, 1, record, count - record);
     }
-    Records sorted = KSDLL_SingleColumnSortVector(*store, orders, 1, true);
-    EXPECT_EQ(sorted, (Records{6, 1, 2, 3, 0, 4, 5})); // a surrogate pair stands before U+FFFD
-    std::vector<SortDetails> details{{1, false}};
-    KSDLL_SortToVector(*store, orders, details, sorted);
-    EXPECT_EQ(sorted, (Records{5, 4, 0, 3, 2, 1, 6}));
+    // A surrogate pair stands before U+FFFD.
+    EXPECT_EQ(KSDLL_SingleColumnSortVector(*store, orders, 1, true), (Records{6, 1, 2, 3, 0, 4, 5}));
 }
 
 std::vector<Records> told_places;
 
 TEST_F(Sort, RowsTakeTheirMatricesAlongAndTheHostHearsOfTheirPlaces) {
-    const auto matrix = [](Class c) {
-        return Field{.name = L"Matrix", .type = TypeBit::kMatrix, .classes = {c}, .table = 0};
-    };
     const Records values{3, 0, 2, 0, 1};
     const auto count = static_cast<std::int32_t>(values.size());
     Field sequence = Number(L"Sequence");
     sequence.classes = {Classes::kDisplaySequence};
     AddTable(*store, L"Plan",
-             {Number(L"Key"), Number(L"Value"), matrix(Classes::kList), matrix(Classes::k3DMatrix), sequence}, count);
+             {Number(L"Key"), Number(L"Value"), Matrix(L"List", {Classes::kList}, 0),
+              Matrix(L"Grid", {Classes::k3DMatrix}, 0), sequence},
+             count);
     for (std::int32_t record = 0; record < count; ++record) {
         store->SetDbKeyValue(0, record, record);
         store->SetDbValue(0, 1, record, values[static_cast<std::size_t>(record)]);
-        for (const std::int32_t field : {2, 3}) {
-            KSDLL_SetMatrixValue(KSDLL_CreateMatrix(*store, 1, 0, field, record), 0, record + field * 10.0);
-        }
+        Fill(0, 2, record, {record + 20.0});
+        Fill(0, 3, record, {record + 30.0});
     }
     SetSequencerFunctions(
         nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, [](Records& places) { told_places.push_back(places); },
@@ -249,11 +243,11 @@ TEST_F(Sort, RowsTakeTheirMatricesAlongAndTheHostHearsOfTheirPlaces) {
     EXPECT_TRUE(told_places.empty());
     KSDLL_RankSort(*store, 0, 1, 0, nullptr);
     EXPECT_EQ(told_places, (std::vector<Records>{{4, 0, 3, 1, 2}}));
+    EXPECT_EQ(Keys(0), (Doubles{1, 3, 4, 2, 0}));
     for (std::int32_t place = 0; place < count; ++place) {
-        const double key = Records{1, 3, 4, 2, 0}[static_cast<std::size_t>(place)];
-        EXPECT_EQ(store->GetDbKeyValue(0, place), key);
-        EXPECT_EQ(KSDLL_GetMatrixValue(*store, 0, 2, place, 0), key + 20.0);
-        EXPECT_EQ(KSDLL_GetMatrixValue(*store, 0, 3, place, 0), key + 30.0);
+        const double key = store->GetDbKeyValue(0, place);
+        EXPECT_EQ(Cells(0, 2, place), Doubles{key + 20.0});
+        EXPECT_EQ(Cells(0, 3, place), Doubles{key + 30.0});
         EXPECT_EQ(column->GetValue(place), place); // moved with the rows that it numbered
     }
     EXPECT_EQ(KSDLL_FindDisplaySequenceColumn(*store, 1), nullptr);
@@ -261,20 +255,48 @@ TEST_F(Sort, RowsTakeTheirMatricesAlongAndTheHostHearsOfTheirPlaces) {
 
 TEST(TextOrder, DigitsCountAsNumbersAndEqualTextsByCodeUnits) {
     constexpr std::uint32_t kEnglish = 0x0409;
-    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"A9", L"A10"));
-    EXPECT_FALSE(KSDLL_FirstFilesFirst(kEnglish, L"A10", L"A9"));
-    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"a2b10", L"a2b11"));
-    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"a", L"B"));
-    // Equal to the collation: code units decide, one way only.
-    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"A010", L"A10"));
-    EXPECT_FALSE(KSDLL_FirstFilesFirst(kEnglish, L"A10", L"A010"));
-    // A locale decides about its letters; an unknown one stands for the default.
     constexpr std::uint32_t kSwedish = 0x041D;
-    EXPECT_TRUE(KSDLL_FirstFilesFirst(kEnglish, L"\u00C4", L"Z"));
-    EXPECT_FALSE(KSDLL_FirstFilesFirst(kSwedish, L"\u00C4", L"Z"));
-    EXPECT_TRUE(KSDLL_FirstFilesFirst(0xFFFFFFFF, L"A9", L"A10"));
-    for (const auto& [a, b] : {std::pair{L"a", L"B"}, {L"B", L"a"}, {L"\u00C4", L"Z"}}) {
-        EXPECT_EQ(KSDLL_FirstFilesFirst(0, a, b), KSDLL_FirstFilesFirst(0xFFFFFFFF, a, b)) << a << b;
+    constexpr std::uint32_t kUnknown = 0xFFFFFFFF; // stands for the default
+
+    for (const auto& [locale, first, second] : {std::tuple{kEnglish, L"A9", L"A10"},
+                                                {kUnknown, L"A9", L"A10"},
+                                                {kEnglish, L"a2b10", L"a2b11"},
+                                                {kEnglish, L"a", L"B"},
+                                                {kEnglish, L"A010", L"A10"}, // equal to the collation
+                                                {kEnglish, L"\u00C4", L"Z"},
+                                                {kSwedish, L"Z", L"\u00C4"}}) {
+        EXPECT_TRUE(KSDLL_FirstFilesFirst(locale, first, second)) << first;
+        EXPECT_FALSE(KSDLL_FirstFilesFirst(locale, second, first)) << first;
+    }
+    EXPECT_EQ(KSDLL_FirstFilesFirst(0, L"\u00C4", L"Z"), KSDLL_FirstFilesFirst(kUnknown, L"\u00C4", L"Z"));
+}
+
+// Byte texts of few letters, zeros among them, so that many begin alike, against std::stable_sort.
+TEST(StableSort, TextsStandInTheOrderOfTheirBytes) {
+    std::mt19937 random(31);
+    const std::string zeros(1, '\0');
+    const std::string mixed = zeros + "a\xFF";
+    for (const std::size_t count : {0U, 1U, 20U, 300U, 5000U}) {
+        for (const auto& [letters, longest] : {std::pair{zeros, 30U}, {mixed, 3U}, {mixed, 40U}, {zeros + "a", 12U}}) {
+            std::vector<std::string> texts(count);
+            for (std::string& text : texts) {
+                text.resize(random() % (longest + 1));
+                std::ranges::generate(text, [&] { return letters[random() % letters.size()]; });
+            }
+            for (const bool ascending : {true, false}) {
+                std::vector<NumberedText> sorted;
+                for (const std::string& text : texts) {
+                    sorted.push_back({0, text, static_cast<std::int32_t>(sorted.size())});
+                }
+                std::vector<NumberedText> expected = sorted;
+                std::ranges::stable_sort(expected, [&](const NumberedText& a, const NumberedText& b) {
+                    return ascending ? a.text < b.text : b.text < a.text;
+                });
+                SortStably(sorted, ascending);
+                EXPECT_TRUE(std::ranges::equal(sorted, expected, {}, &NumberedText::record, &NumberedText::record))
+                    << count << ' ' << longest;
+            }
+        }
     }
 }
 

@@ -162,7 +162,7 @@ protected:
         seen[walk.seen] += expected.failed ? 0 : 1;
         Outcome got;
         got.value = FollowDataTrackForValueLegacy(*store, path, record, &got.failed, first, second, &got.record);
-        EXPECT_EQ(got, expected) << walk.seen << " " << got.value << " " << expected.value;
+        EXPECT_EQ(got, expected) << walk.seen;
         EXPECT_EQ(TrackForMatrixValue(*store, path, record, first, second), expected.value);
         bool failed = !expected.failed;
         EXPECT_EQ(TrackForRecord(*store, path, record, first, second, &failed), expected.record);
