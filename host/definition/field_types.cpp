@@ -51,13 +51,17 @@ bool Defines(const FieldDefinition& field, const Class& c) {
 
 } // namespace
 
+bool HasSeveralTypes(std::uint32_t type) {
+    return std::popcount(type & ~TypeBit::kMatrix) > 1;
+}
+
 void CheckFieldType(const FieldDefinition& field, Reporter& reporter) {
     if (field.type == 0) {
         reporter.Error(FirstPlace(field), {"field " + Quoted(field.name) + " has no type", FirstWord(field),
                                            "a type word: " + TypeWords(), ""});
         return;
     }
-    if (std::popcount(field.type & ~TypeBit::kMatrix) > 1) {
+    if (HasSeveralTypes(field.type)) {
         reporter.Error(FirstPlace(field), {"field " + Quoted(field.name) + " has several types",
                                            Quoted(field.classification), "one type word, or MATRIX and one more", ""});
     }

@@ -4,9 +4,14 @@
 
 #include <kestrona/host/definition.h>
 
+#include <cstdint>
+
 // Types of fields and what follows from them.
 
 namespace Kestrona::Host::Language {
+
+// Whether the type is more than one type word, or MATRIX and one more, can say.
+[[nodiscard]] bool HasSeveralTypes(std::uint32_t type);
 
 // Reports a field without a type, with two types, or a matrix that nothing gives its dimensions.
 void CheckFieldType(const FieldDefinition& field, Reporter& reporter);

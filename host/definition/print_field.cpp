@@ -93,9 +93,10 @@ private:
         }
     }
 
+    // Words alone give a field one type.
     void PrintBitsOfType() {
         const std::uint32_t type = store_.GetDbType(format_, field_);
-        if (type != known_.classification.type || type == 0) {
+        if (type != known_.classification.type || type == 0 || HasSeveralTypes(type)) {
             printed_ += " type " + PrintBits(type);
         }
     }

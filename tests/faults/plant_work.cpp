@@ -3,9 +3,9 @@
 #include "commands/file_commands.h"
 #include "commands/record_commands.h"
 #include "exit_codes.h"
+#include "fixtures/scratch_files.h"
 #include "host/snapshot_fixture.h"
 #include "store/process_state.h"
-#include "tool/run_tool.h"
 
 #include <kestrona/host/compressed_file.h>
 #include <kestrona/host/default_host.h>
@@ -77,12 +77,12 @@ private:
 // A folder with the plant in every form, and one for what the work writes.
 class PlantFolder {
 public:
-    PlantFolder() : inputs_(FreshFolder("plant")), outputs_(FreshFolder("work")) {
-        setenv("TMPDIR", outputs_.c_str(), 1);
-        WriteFile(Definition(), Host::kSmallPlant);
+    PlantFolder() {
+        setenv("TMPDIR", outputs_.Path().c_str(), 1);
+        inputs_.Write("plant.ksdef", Host::kSmallPlant);
         fs::create_directory(Records());
-        WriteFile(Records() + "/Product.csv", kProducts);
-        WriteFile(Records() + "/Order.csv", kOrders);
+        inputs_.Write("data/Product.csv", kProducts);
+        inputs_.Write("data/Order.csv", kOrders);
         ResetProcessStateForTests();
         Host::DefaultHost host(QuietHost());
         host.CompileDefinition(Definition(), Compiled());
@@ -94,55 +94,48 @@ public:
         (void)Host::SaveSnapshot(*store, CompressedSnapshot(), {.compress = true}, problem);
     }
 
-    PlantFolder(const PlantFolder&) = delete;
-    PlantFolder& operator=(const PlantFolder&) = delete;
+    [[nodiscard]] std::string Definition() const { return inputs_.Path("plant.ksdef"); }
 
-    ~PlantFolder() {
-        fs::remove_all(inputs_);
-        fs::remove_all(outputs_);
-    }
+    [[nodiscard]] std::string Records() const { return inputs_.Path("data"); }
 
-    [[nodiscard]] std::string Definition() const { return inputs_ + "/plant.ksdef"; }
+    [[nodiscard]] std::string Compiled() const { return inputs_.Path("compiled"); }
 
-    [[nodiscard]] std::string Records() const { return inputs_ + "/data"; }
+    [[nodiscard]] std::string Snapshot() const { return inputs_.Path("snapshot"); }
 
-    [[nodiscard]] std::string Compiled() const { return inputs_ + "/compiled"; }
+    [[nodiscard]] std::string CompressedSnapshot() const { return inputs_.Path("compressed"); }
 
-    [[nodiscard]] std::string Snapshot() const { return inputs_ + "/snapshot"; }
+    [[nodiscard]] std::string Output() const { return inputs_.Path("out"); }
 
-    [[nodiscard]] std::string CompressedSnapshot() const { return inputs_ + "/compressed"; }
+    [[nodiscard]] std::string Printed() const { return inputs_.Read("out"); }
 
-    [[nodiscard]] std::string Output() const { return inputs_ + "/out"; }
-
-    [[nodiscard]] std::string Target() const { return outputs_ + "/target"; }
+    [[nodiscard]] std::string Target() const { return outputs_.Path("target"); }
 
     // The target holds something before each piece of work, and afterwards that or the whole new content.
     void Begin() const {
-        fs::remove_all(outputs_);
-        fs::create_directory(outputs_);
-        WriteFile(Target(), kFormer);
+        fs::remove_all(outputs_.Path());
+        fs::create_directory(outputs_.Path());
+        outputs_.Write("target", kFormer);
     }
 
     // What has been written, "" for nothing. A snapshot in one form, and without its time.
     [[nodiscard]] std::string Written() const {
         Host::FileProblem problem;
-        const std::string plain = inputs_ + "/plain";
-        const bool is_compressed = Host::DecompressFile(Target(), plain, problem);
-        std::string bytes = ReadFile(is_compressed ? plain : Target());
+        const bool is_compressed = Host::DecompressFile(Target(), inputs_.Path("plain"), problem);
+        std::string bytes = is_compressed ? inputs_.Read("plain") : outputs_.Read("target");
         return bytes == kFormer ? "" : Host::WithoutStamp(std::move(bytes));
     }
 
     [[nodiscard]] std::string Others() const {
         std::string names;
-        for (const fs::directory_entry& entry : fs::directory_iterator(outputs_)) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(outputs_.Path())) {
             names += entry.path() == Target() ? "" : entry.path().filename().string() + " is left over\n";
         }
         return names;
     }
 
 private:
-    std::string inputs_;
-    std::string outputs_;
+    Testing::ScratchFolder inputs_;
+    Testing::ScratchFolder outputs_;
 };
 
 class PlantWork : public Work {
@@ -185,7 +178,7 @@ public:
     std::string Finish(bool is_done) override {
         quiet_.reset();
         const std::string wrong = HalfWrittenFiles();
-        return is_done ? wrong + folder_.Written() + ReadFile(folder_.Output()) : "";
+        return is_done ? wrong + folder_.Written() + folder_.Printed() : "";
     }
 
 private:

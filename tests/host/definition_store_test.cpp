@@ -251,9 +251,7 @@ private:
                                     std::wstring(Language::ExampleArguments(word.shape));
             types |= word.type;
         }
-        if (std::popcount(types) > 1 && field.type == types) {
-            field.type = 0; // no source can give a field several types by their words
-        }
+        field.type = Sometimes() ? types : field.type;
         field.classification += Sometimes() ? AnyText() : std::wstring();
         for (std::uint32_t i = 0; Sometimes() && i < kClassWords; ++i) {
             field.classes[i] = static_cast<std::uint32_t>(random_()) &

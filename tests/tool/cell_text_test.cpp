@@ -44,13 +44,13 @@ TEST(CellText, ExactOnesTellNeighbouringTimesApart) {
         const double days = std::uniform_real_distribution(-300000.0, 300000.0)(random) / (i % 4 == 0 ? 1000.0 : 1.0);
         for (const double value : {days, std::nextafter(days, 1.0e9), std::trunc(days) + 0.9999999999}) {
             std::string problem;
-            ASSERT_EQ(ParseCell(ExactText(value, ValueForm::Date), ValueForm::Date, problem), value)
-                << ExactText(value, ValueForm::Date) << problem;
+            ASSERT_EQ(ParseCell(ValueText(value, ValueForm::Date), ValueForm::Date, problem), value)
+                << ValueText(value, ValueForm::Date) << problem;
         }
     }
-    EXPECT_EQ(ExactText(46083.25, ValueForm::Date), "2026-03-02 06:00:00");
-    EXPECT_EQ(ExactText(46083.0 + 0.5 / 86400.0, ValueForm::Date), "2026-03-02 00:00:00.5");
-    EXPECT_EQ(ExactText(-1.0, ValueForm::Date), "");
+    EXPECT_EQ(ValueText(46083.25, ValueForm::Date), "2026-03-02 06:00:00");
+    EXPECT_EQ(ValueText(46083.0 + 0.5 / 86400.0, ValueForm::Date), "2026-03-02 00:00:00.5");
+    EXPECT_EQ(ValueText(-1.0, ValueForm::Date), "");
 }
 
 TEST(CellText, TakesOnlyWhatFitsTheForm) {

@@ -53,7 +53,7 @@ REFUSED = """
 3 1001 | info absent
 3 1011 | compile plant.cnf -o target
 2 0109 | compile plant -o plant
-2 1011 | import plant.kes --data data -o target
+3 1011 | import plant.kes --data data -o target
 2 0102 | import plant -o target
 2 0109 | import plant --data data -o plant
 3 1002 | import plant --data absent -o target
@@ -367,6 +367,7 @@ format Accounts {
         os.close(terminal)
         return shown.decode(), os.waitstatus_to_exitcode(os.waitpid(process, 0)[1])
 
+    @at_terminals
     def test_a_phrase_is_typed_unseen(self):
         self.assertEqual(self.typed(b"a phrase of some length\n"), ("Pass phrase: \r\nthe text\r\n", 0))
         shown, code = self.typed(b"a phra\x03")

@@ -2,6 +2,7 @@
 
 import json
 import os
+import pty
 import re
 import shlex
 import shutil
@@ -33,6 +34,20 @@ def check_messages(text):
     messages = [line for line in text.split("\n") if re.match(r"\S.*: (error|warning): ", line)]
     assert all(re.search(r" \[\S+\]$", line) for line in messages), text
     assert bool(messages) == ("\n  hint: " in text or "; expected " in text), text
+
+
+def has_terminals():
+    """Bare containers have none."""
+    try:
+        ends = pty.openpty()
+    except OSError:
+        return False
+    for end in ends:
+        os.close(end)
+    return True
+
+
+at_terminals = unittest.skipUnless(has_terminals(), "no pseudo-terminals here")
 
 
 def read(*path):

@@ -15,7 +15,7 @@ import termios
 import unicodedata
 import unittest
 
-from running import ENVIRONMENT, PLANT, SOURCE, TOOL, FolderTest, main, run
+from running import ENVIRONMENT, PLANT, SOURCE, TOOL, FolderTest, at_terminals, main, run
 
 
 def at_terminal(columns, *arguments, **environment):
@@ -39,6 +39,7 @@ def width(line):
     return sum(2 if unicodedata.east_asian_width(c) in "WF" else 1 for c in line)
 
 
+@at_terminals
 class Terminal(unittest.TestCase):
     def test_colours(self):
         check = ("check", "plant.ksdef")

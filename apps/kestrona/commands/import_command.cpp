@@ -65,7 +65,7 @@ int RunImport(const ImportOptions& options) {
     if (session.HasRecords()) {
         TellError(Code::NeedsDefinition, Hint{"Give the definition that the snapshot was made from."},
                   "'{}' is a snapshot; import needs a definition", options.definition);
-        return kExitUsage;
+        return kExitUnreadableInput;
     }
     return SnapshotImport(session.Store(), options, std::move(*datasets)).Run();
 }

@@ -24,6 +24,8 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr double kLastDay = 2958466.0;
 /// Days from the epoch to 1 January of the year 1.
 constexpr double kFirstDay = -693593.0;
+/// Ten decimals tell all times from one another whose days have three digits or more.
+constexpr int kMostDecimals = 10;
 
 std::optional<double> ParseNumber(std::string_view text) {
     if (text.substr(0, 1) == "+") {
@@ -100,6 +102,27 @@ std::optional<double> ParseClock(std::string_view text) {
     return hours * 3600.0 + minutes * 60.0 + seconds;
 }
 
+/// A time whose seconds have this many decimals; "" where it would round up to the next minute.
+std::string DateWithDecimals(double days, int decimals) {
+    const double whole = std::trunc(days);
+    const double seconds = std::abs(days - whole) * static_cast<double>(kSecondsPerDay);
+    const double minutes = std::floor(seconds / 60.0);
+    const std::string rest = fmt::format("{:0{}.{}f}", seconds - minutes * 60.0, decimals + 3, decimals);
+    if (rest.starts_with("60")) {
+        return {};
+    }
+    return fmt::format("{} {:02.0f}:{:02.0f}:{}", IsoDate(whole), std::floor(minutes / 60.0), std::fmod(minutes, 60.0),
+                       rest);
+}
+
+std::string ExactDate(double days) {
+    std::string text = IsoDate(days);
+    for (int decimals = 1; decimals <= kMostDecimals && ParseIsoDate(text) != days; ++decimals) {
+        text = DateWithDecimals(days, decimals);
+    }
+    return ParseIsoDate(text) == days ? text : NumberText(days);
+}
+
 } // namespace
 
 ValueForm FormOfField(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
@@ -152,7 +175,7 @@ std::string ValueText(double value, ValueForm form) {
     if (HasUnset(form) && value == kUnset) {
         return {};
     }
-    return form == ValueForm::Date ? IsoDate(value) : NumberText(value);
+    return form == ValueForm::Date ? ExactDate(value) : NumberText(value);
 }
 
 std::optional<double> ParseCell(std::string_view text, ValueForm form, std::string& problem) {

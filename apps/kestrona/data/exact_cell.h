@@ -25,10 +25,6 @@ struct ExactField {
 [[nodiscard]] ExactField DescribeField(Data::MemoryResident::IMemoryResidentData& store, std::int32_t format,
                                        std::int32_t field);
 
-/// Returns a value of a form other than `Text`: like `ValueText`, but a date has as many decimals of a second as tell
-/// it from its neighbours.
-[[nodiscard]] std::string ExactText(double value, ValueForm form);
-
 /// Returns the cell as UTF-8, in the form in which files are read; of an encrypted field the placeholder where there is
 /// no key. A matrix that all records have in common stands with the first record only.
 [[nodiscard]] std::string ExactCell(Data::MemoryResident::IMemoryResidentData& store, const ExactField& field,
