@@ -4,7 +4,6 @@
 #include <kestrona/process.h>
 #include <kestrona/unicode.h>
 
-#include <ostream>
 #include <utility>
 
 namespace Kestrona::ConfigurationTest {
@@ -12,6 +11,8 @@ namespace Kestrona::ConfigurationTest {
 using Data::MemoryResident::field_info;
 
 namespace {
+
+constexpr const wchar_t* kOwn = L"Orders.";
 
 // Texts with another number of arguments than two.
 const std::map<std::int32_t, int> kArgumentCounts = {
@@ -22,7 +23,17 @@ const std::map<std::int32_t, int> kArgumentCounts = {
 
 class CountedMessages : public Fixtures::RecordingMessages {
 public:
-    std::wstring GetMessage(std::int32_t id) override;
+    std::wstring GetMessage(std::int32_t id) override {
+        if (const auto own = texts.find(id); own != texts.end()) {
+            return own->second;
+        }
+        const auto count = kArgumentCounts.find(id);
+        std::wstring text = L"<" + std::to_wstring(id);
+        for (int i = 0; i < (count == kArgumentCounts.end() ? 2 : count->second); ++i) {
+            text += L"|%s";
+        }
+        return text + L">";
+    }
 };
 
 Fixtures::RecordingMessages* InstallCountedMessages() {
@@ -31,60 +42,35 @@ Fixtures::RecordingMessages* InstallCountedMessages() {
     return messages;
 }
 
-std::wstring CountedMessages::GetMessage(std::int32_t id) {
-    if (const auto own = texts.find(id); own != texts.end()) {
-        return own->second;
+// The entries of one field, their names behind `at`.
+void Describe(const field_info& info, const std::wstring& at, Snapshot& out) {
+    const std::pair<const wchar_t*, std::int32_t> numbers[] = {
+        {L"table", info.table},       {L"source", info.source},           {L"tableY", info.tableY},
+        {L"sourceY", info.sourceY},   {L"sourceS", info.sourceS},         {L"related", info.related},
+        {L"relatedY", info.relatedY}, {L"matrixField", info.matrixField}, {L"parentSort", info.parentSortEnabled}};
+    for (const auto& [name, number] : numbers) {
+        out[at + name] = std::to_wstring(number);
     }
-    const auto count = kArgumentCounts.find(id);
-    std::wstring text = L"<" + std::to_wstring(id);
-    for (int i = 0; i < (count == kArgumentCounts.end() ? 2 : count->second); ++i) {
-        text += L"|%s";
+    for (std::size_t slot = 0; slot < info.data.size(); ++slot) {
+        out[at + L"[" + std::to_wstring(slot) + L"]"] = std::to_wstring(info.data[slot]);
     }
-    return text + L">";
-}
-
-void AddNumbers(MemoryResidentData& store, std::int32_t format, std::int32_t field, const std::wstring& at,
-                Snapshot& out) {
-    const auto add = [&](const std::wstring& name, std::int32_t value) {
-        out[at + name] = std::to_wstring(value);
-    };
-    add(L"table", store.GetDbTable(format, field));
-    add(L"source", store.GetDbSource(format, field));
-    add(L"tableY", store.GetDbTableY(format, field));
-    add(L"sourceY", store.GetDbSourceY(format, field));
-    add(L"sourceS", store.GetDbSourceS(format, field));
-    add(L"related", store.GetDbRelated(format, field));
-    add(L"relatedY", store.GetDbRelatedY(format, field));
-    add(L"matrixField", store.GetFieldInfo(format, field)->matrixField);
-    add(L"parentSort", store.GetParentSortEnabled(format, field) ? 1 : 0);
-    for (std::int32_t slot = 0; slot < kDataSlots; ++slot) {
-        add(L"[" + std::to_wstring(slot) + L"]", store.GetDbData(format, field, slot));
-    }
-}
-
-void AddClasses(MemoryResidentData& store, std::int32_t format, std::int32_t field, const std::wstring& at,
-                Snapshot& out) {
-    for (std::int32_t word = 0; word < kClassWords; ++word) {
+    for (std::size_t word = 0; word < info.current.classWords.size(); ++word) {
         for (std::uint32_t mask = 1; mask != 0; mask <<= 1U) {
-            if ((store.GetDbClass(format, field, word) & mask) != 0) {
+            if ((info.current.classWords[word] & mask) != 0) {
                 out[at + L"+" + std::to_wstring(word) + L":" + std::to_wstring(mask)] = L"";
             }
         }
     }
-}
-
-void AddTexts(MemoryResidentData& store, std::int32_t format, std::int32_t field, const std::wstring& at,
-              Snapshot& out) {
-    const field_info& info = *store.GetFieldInfo(format, field);
-    const auto add = [&](const wchar_t* name, const std::wstring& text) {
+    const std::pair<const wchar_t*, std::wstring> texts[] = {
+        {L"text", info.current.classString},
+        {L"default", std::to_wstring(info.defaultValue)},
+        {L"xLabel", info.matrixXLabel ? info.matrixXLabel.get() : L""},
+        {L"yLabel", info.matrixYLabel ? info.matrixYLabel.get() : L""}};
+    for (const auto& [name, text] : texts) {
         if (!text.empty()) {
             out[at + name] = text;
         }
-    };
-    add(L"text", info.current.classString);
-    add(L"default", std::to_wstring(info.defaultValue));
-    add(L"xLabel", info.matrixXLabel ? info.matrixXLabel.get() : L"");
-    add(L"yLabel", info.matrixYLabel ? info.matrixYLabel.get() : L"");
+    }
 }
 
 } // namespace
@@ -93,10 +79,8 @@ Snapshot TakeSnapshot(MemoryResidentData& store) {
     Snapshot out;
     for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-            const std::wstring at = store.GetDbName(format) + (L"." + store.GetColumnName(format, field)) + L".";
-            AddNumbers(store, format, field, at, out);
-            AddClasses(store, format, field, at, out);
-            AddTexts(store, format, field, at, out);
+            Describe(*store.GetFieldInfo(format, field),
+                     store.GetDbName(format) + (L"." + store.GetColumnName(format, field)) + L".", out);
         }
     }
     return out;
@@ -145,17 +129,18 @@ void DefinitionFixture::SetParent(std::int32_t format, std::int32_t parent) {
 }
 
 std::wstring DefinitionFixture::Changes(bool (*pass)(MemoryResidentData&), const wchar_t* other) {
-    const std::wstring own = L"Orders.";
     const Snapshot before = TakeSnapshot(store_);
     succeeded_ = pass(store_);
     Snapshot after = TakeSnapshot(store_);
     std::erase_if(after,
-                  [&](const auto& item) { return !item.first.starts_with(own) && !item.first.starts_with(other); });
-    std::wstring changes = Differences(before, after);
-    for (std::size_t at = changes.find(own); at != std::wstring::npos; at = changes.find(own)) {
-        changes.erase(at, own.size());
+                  [&](const auto& item) { return !item.first.starts_with(kOwn) && !item.first.starts_with(other); });
+    std::wstring changes = L" " + Differences(before, after);
+    for (const std::wstring own : {L" Orders.X.", L" Orders."}) {
+        for (std::size_t at = changes.find(own); at != std::wstring::npos; at = changes.find(own)) {
+            changes.replace(at, own.size(), L" ");
+        }
     }
-    return changes;
+    return changes.substr(1);
 }
 
 std::wstring DefinitionFixture::Boxes() const {
@@ -166,9 +151,17 @@ std::wstring DefinitionFixture::Boxes() const {
     return text;
 }
 
-void PrintTo(const KeywordCase& each, std::ostream* out) {
-    *out << ToUtf8(each.x.classification);
+void DefinitionFixture::ExpectBox(const std::wstring& text) {
+    ASSERT_EQ(messages_->boxes.size(), 1U) << ToUtf8(text);
+    EXPECT_EQ(messages_->boxes[0], (Fixtures::RecordingMessages::Box{text, L"Plant", kMessageStyleError}));
+    messages_->boxes.clear();
 }
+
+KeywordCase::KeywordCase(const std::wstring& keyword, std::wstring outcome, std::vector<Class> classes,
+                         std::vector<Fixtures::Field> behind)
+    : x((keyword.starts_with(L"MATRIX | ") ? Matrix : Real)(L"X", keyword, std::move(classes))),
+      expected(std::move(outcome)),
+      more(std::move(behind)) {}
 
 Fixtures::Field Matrix(const std::wstring& name, const std::wstring& classification, std::vector<Class> classes) {
     return {.name = name, .type = TypeBit::kMatrix, .classes = std::move(classes), .classification = classification};

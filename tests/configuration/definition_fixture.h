@@ -8,11 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include <iosfwd>
 #include <map>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 // A store with a definition, and what resolving it says and changes.
@@ -40,8 +39,12 @@ protected:
     void SetExtension(std::int32_t format, const wchar_t* extension);
     void SetParent(std::int32_t format, std::int32_t parent);
 
-    // What a pass changes in the format "Orders", without that name, and in the field `other`. Sets `succeeded_`.
+    // What a pass changes in the format "Orders", without that name and without "X.", and in the field `other`. Sets
+    // `succeeded_`.
     std::wstring Changes(bool (*pass)(MemoryResidentData&), const wchar_t* other = L"Orders.");
+
+    // That this box is the one that was shown, with the caption "Plant". It is taken away.
+    void ExpectBox(const std::wstring& text);
 
     // The texts of all boxes so far, one line each.
     std::wstring Boxes() const;
@@ -54,14 +57,18 @@ protected:
     bool succeeded_ = false;
 };
 
-// A field X with a keyword, and what comes of it: the changes, or the box that refuses it.
+// A field X with a keyword, and what comes of it: the changes, or the box that refuses it. The field is a number, or a
+// matrix when its text says so at the beginning.
 struct KeywordCase {
-    Fixtures::Field x;
-    const wchar_t* expected;
-    std::vector<Fixtures::Field> more = {}; // behind the other fields of X's format
-};
+    KeywordCase(Fixtures::Field field, std::wstring outcome) : x(std::move(field)), expected(std::move(outcome)) {}
 
-void PrintTo(const KeywordCase& each, std::ostream* out);
+    KeywordCase(const std::wstring& keyword, std::wstring outcome, std::vector<Class> classes = {},
+                std::vector<Fixtures::Field> behind = {});
+
+    Fixtures::Field x;
+    std::wstring expected;
+    std::vector<Fixtures::Field> more; // behind the other fields of X's format
+};
 
 // A matrix field.
 Fixtures::Field Matrix(const std::wstring& name, const std::wstring& classification, std::vector<Class> classes = {});

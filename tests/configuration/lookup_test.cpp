@@ -8,16 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
 #include <set>
-#include <utility>
 
 // The look-ups of a pass against the walks that they stand for.
 namespace Kestrona::Configuration {
 
 namespace {
-
-using Data::MemoryResident::MemoryResidentData;
 
 class Lookup : public ConfigurationTest::DefinitionFixture {
 protected:
@@ -46,16 +44,16 @@ protected:
     TableColumn Expected(const std::wstring& name, const std::wstring& field_name, Datasets datasets,
                          std::int32_t current) {
         const std::int32_t parent = store_.GetAssociateTableNumber(current);
-        for (std::int32_t format = 0; format < store_.GetFormatCount(); ++format) {
-            if (store_.GetDbName(format) == name &&
-                (store_.GetDbExtension(format) == nullptr || datasets == Datasets::Any || format == current ||
-                 format == parent || store_.IsFormatChildOfParent(parent, format))) {
-                for (std::int32_t field = 0; field < store_.GetDbFields(format); ++field) {
-                    if (store_.GetColumnName(format, field) == field_name) {
-                        return {format, field};
-                    }
-                }
-                return {};
+        std::int32_t format = 0;
+        while (format < kFormats &&
+               (store_.GetDbName(format) != name ||
+                (store_.GetDbExtension(format) != nullptr && datasets != Datasets::Any && format != current &&
+                 format != parent && !store_.IsFormatChildOfParent(parent, format)))) {
+            ++format;
+        }
+        for (std::int32_t field = 0; field < store_.GetDbFields(format); ++field) {
+            if (store_.GetColumnName(format, field) == field_name) {
+                return {format, field};
             }
         }
         return {};
@@ -104,27 +102,25 @@ TEST_F(Lookup, FindsTheClassificationThatASearchFromTheFirstFormatFinds) {
 TEST_F(Lookup, FollowsListsAsFarAsASlowWalkDoes) {
     constexpr std::int32_t kFields = 40;
     std::vector<Fixtures::Field> fields;
-    std::vector<std::int32_t> next;
-    for (std::int32_t field = 0; field < kFields; ++field) {
-        next.push_back(Pick(3) == 0 ? -1 : Pick(kFields));
-        const std::wstring name = L"F" + std::to_wstring(field);
-        fields.push_back(ConfigurationTest::Matrix(
-            name, next.back() < 0 ? std::wstring() : L"AUTO LIST(T(F" + std::to_wstring(next.back()) + L"))"));
+    std::array<std::int32_t, kFields> next{};
+    for (std::size_t field = 0; field < kFields; ++field) {
+        next[field] = Pick(12) == 0 ? -1 : Pick(kFields); // most walks end in a ring
+        fields.push_back(ConfigurationTest::Matrix(L"F" + std::to_wstring(field),
+                                                   L"AUTO LIST(T(F" + std::to_wstring(next[field]) + L"))"));
+        fields.back().classification.resize(next[field] < 0 ? 0 : fields.back().classification.size());
     }
     Add(L"T", fields);
     ReferenceLookup lookup(store_);
     AutoListChain chain(store_, lookup);
     for (int i = 0; i < 500; ++i) {
-        std::int32_t field = Pick(kFields);
+        auto field = static_cast<std::size_t>(Pick(kFields));
         TableColumn end;
-        ASSERT_TRUE(chain.FindEnd({0, field}, end));
-        for (std::set<std::int32_t> passed{field}; next[static_cast<std::size_t>(field)] >= 0;
-             field = next[static_cast<std::size_t>(field)]) {
-            if (!passed.insert(next[static_cast<std::size_t>(field)]).second) {
-                break;
-            }
+        ASSERT_TRUE(chain.FindEnd({0, static_cast<std::int32_t>(field)}, end));
+        std::set<std::int32_t> passed{static_cast<std::int32_t>(field)};
+        while (next[field] >= 0 && passed.insert(next[field]).second) {
+            field = static_cast<std::size_t>(next[field]);
         }
-        ASSERT_EQ(end, (TableColumn{0, field}));
+        ASSERT_EQ(end, (TableColumn{0, static_cast<std::int32_t>(field)}));
         if (Pick(10) == 0) { // a field's list changes
             const std::int32_t changed = Pick(kFields);
             store_.SetDbClassString(0, changed, L"");
@@ -134,44 +130,38 @@ TEST_F(Lookup, FollowsListsAsFarAsASlowWalkDoes) {
     }
 }
 
-// The rule for the fields that choose a record, told by a plain walk.
-std::set<std::int32_t> WalkChoosers(MemoryResidentData& store, std::int32_t format, std::int32_t target,
-                                    bool unchecked) {
-    std::set<std::int32_t> found;
-    for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
-        const auto is = [&](Class c) {
-            return store.ClassDefined(format, field, c);
-        };
-        if ((store.GetDbType(format, field) & TypeBit::kMatrix) == 0 && is(Classes::kDatabase) &&
-            !(is(Classes::kAdditionalReference) && format != target) && is(Classes::kUnchecked) == unchecked &&
-            store.GetDbTable(format, field) == target &&
-            store.ClassDefined(target, store.GetDbSource(format, field), Classes::kUnique)) {
-            found.insert(field);
-        }
-    }
-    return found;
-}
-
 TEST_F(Lookup, KeepsTheFieldsThatChooseARecordWhileTheirReferencesChange) {
-    const auto maybe = [&](std::vector<Class>& classes, Class c) {
-        if (Pick(2) == 0) {
-            classes.push_back(c);
-        }
-    };
     for (std::int32_t format = 0; format < 4; ++format) {
-        std::vector<Fixtures::Field> fields;
-        for (std::int32_t field = 0; field < 20; ++field) {
-            Fixtures::Field each{.name = L"F", .type = Pick(4) == 0 ? TypeBit::kMatrix : TypeBit::kReal};
+        std::vector<Fixtures::Field> fields(20, Fixtures::Number(L"F"));
+        for (Fixtures::Field& each : fields) {
+            each.type = Pick(4) == 0 ? TypeBit::kMatrix : TypeBit::kReal;
             for (const Class c :
                  {Classes::kDatabase, Classes::kUnique, Classes::kUnchecked, Classes::kAdditionalReference}) {
-                maybe(each.classes, c);
+                if (Pick(2) == 0) {
+                    each.classes.push_back(c);
+                }
             }
             each.table = Pick(5) - 1;
             each.source = Pick(21) - 1;
-            fields.push_back(each);
         }
         Add(L"T", fields);
     }
+    // The rule, told by a plain walk.
+    const auto walk = [&](std::int32_t format, std::int32_t target, bool unchecked) {
+        std::set<std::int32_t> found;
+        for (std::int32_t field = 0; field < store_.GetDbFields(format); ++field) {
+            const auto is = [&](Class c) {
+                return store_.ClassDefined(format, field, c);
+            };
+            if ((store_.GetDbType(format, field) & TypeBit::kMatrix) == 0 && is(Classes::kDatabase) &&
+                !(is(Classes::kAdditionalReference) && format != target) && is(Classes::kUnchecked) == unchecked &&
+                store_.GetDbTable(format, field) == target &&
+                store_.ClassDefined(target, store_.GetDbSource(format, field), Classes::kUnique)) {
+                found.insert(field);
+            }
+        }
+        return found;
+    };
     RecordChoosers choosers(store_);
     for (int i = 0; i < 2000; ++i) {
         const std::int32_t format = i / 500;
@@ -180,8 +170,8 @@ TEST_F(Lookup, KeepsTheFieldsThatChooseARecordWhileTheirReferencesChange) {
         store_.SetDbSource(format, field, Pick(21) - 1);
         choosers.Changed(format, field);
         const std::int32_t target = Pick(4);
-        ASSERT_EQ(choosers.Of(format, target).checked, WalkChoosers(store_, format, target, false));
-        ASSERT_EQ(choosers.Of(format, target).unchecked, WalkChoosers(store_, format, target, true));
+        ASSERT_EQ(choosers.Of(format, target).checked, walk(format, target, false));
+        ASSERT_EQ(choosers.Of(format, target).unchecked, walk(format, target, true));
     }
 }
 

@@ -21,7 +21,7 @@ constexpr std::size_t kPeriod = 3; // a record reads like the third one before i
 using Values = std::array<double, kPeriod>;
 
 // How tight a text binds: an operand must bind at least as tight as its place asks.
-enum Level : std::int32_t {
+enum Level : std::uint32_t {
     kEquality,
     kRelation,
     kLogic,
@@ -38,63 +38,41 @@ struct Printed {
     Values values;
 };
 
-double ValueOf(const std::wstring& symbol, double a, double b) {
-    switch (symbol.front()) {
-    case L'=':
-        return a == b ? 1.0 : 0.0;
-    case L'!':
-        return a == b ? 0.0 : 1.0;
-    case L'<':
-        return (symbol == L"<" ? a < b : a <= b) ? 1.0 : 0.0;
-    case L'>':
-        return (symbol == L">" ? a > b : a >= b) ? 1.0 : 0.0;
-    case L'&':
-        return a != 0.0 && b != 0.0 ? 1.0 : 0.0;
-    case L'|':
-        return a != 0.0 || b != 0.0 ? 1.0 : 0.0;
-    case L'+':
-        return a + b;
-    case L'-':
-        return a - b;
-    case L'*':
-        return a * b;
-    case L'/':
-        return b == 0.0 ? 0.0 : a / b;
-    case L'%':
-        return std::fmod(a, b);
-    default:
-        return std::pow(a, b);
-    }
+const std::vector<std::vector<const wchar_t*>> kSymbols = {
+    {L"==", L"!="}, {L"<", L"<=", L">", L">="}, {L"&&", L"||"}, {L"+", L"-"}, {L"*", L"/", L"%", L"^"}};
+
+// Of the operator with this level and place in `kSymbols`.
+double ValueOf(std::size_t level, std::size_t place, double a, double b) {
+    const auto truth = [](bool is_true) {
+        return is_true ? 1.0 : 0.0;
+    };
+    const double values[][4] = {{truth(a == b), truth(a != b)},
+                                {truth(a < b), truth(a <= b), truth(a > b), truth(a >= b)},
+                                {truth(a != 0.0 && b != 0.0), truth(a != 0.0 || b != 0.0)},
+                                {a + b, a - b},
+                                {a * b, b == 0.0 ? 0.0 : a / b, std::fmod(a, b), std::pow(a, b)}};
+    return values[level][place];
 }
 
 const wchar_t* const kFunctions[] = {L"-",         L"+",        L"!",         L"FUNC_ABS", L"FUNC_TRUNC", L"FUNC_CEIL",
                                      L"FUNC_FRAC", L"FUNC_RND", L"FUNC_SQRT", L"FUNC_LN",  L"FUNC_LOG"};
 
 double ValueOf(std::size_t function, double x) {
-    switch (function) {
-    case 0:
-        return -1.0 * x;
-    case 1:
-        return x;
-    case 2:
-        return x == 0.0 ? 1.0 : 0.0;
-    case 3:
-        return std::signbit(x) ? -x : x;
-    case 4:
-        return std::floor(x);
-    case 5:
-        return -std::floor(-x);
-    case 6: // a whole part that is no 32-bit number counts as the least one
-        return std::fabs(x) < 2147483648.0 ? x - (std::trunc(x) + 0.0) : x + 2147483648.0;
-    case 7:
-        return x > 0.0 ? std::floor(x + 0.5) : std::ceil(x - 0.5);
-    case 8:
-        return std::sqrt(x);
-    case 9:
-        return std::log(x);
-    default:
-        return std::log10(x);
-    }
+    // A whole part that is no 32-bit number counts as the least one.
+    const double fraction = std::fabs(x) < 0x1p31 ? x - (std::trunc(x) + 0.0) : x + 0x1p31;
+    const double rounded = x > 0.0 ? std::floor(x + 0.5) : std::ceil(x - 0.5);
+    const double values[] = {-1.0 * x,
+                             x,
+                             x == 0.0 ? 1.0 : 0.0,
+                             std::signbit(x) ? -x : x,
+                             std::floor(x),
+                             -std::floor(-x),
+                             fraction,
+                             rounded,
+                             std::sqrt(x),
+                             std::log(x),
+                             std::log10(x)};
+    return values[function];
 }
 
 class Generator {
@@ -137,7 +115,7 @@ private:
             }
             return {L"0x" + digits, kPrimary, Everywhere(number)};
         }
-        return kind == 3 ? Comparison() : Decimal();
+        return Decimal();
     }
 
     Printed Decimal() {
@@ -153,25 +131,6 @@ private:
         const bool is_negative = Below(5) == 0;
         return {(is_negative ? L"-" : L"") + text, kPrimary, Everywhere(is_negative ? -value : value)};
     }
-
-    Printed Comparison() {
-        const std::wstring left = Word();
-        const std::wstring right = Word();
-        const std::wstring symbol = std::vector<std::wstring>{L"==", L"!=", L"<", L"<=", L">", L">=", L"@"}[Below(7)];
-        const double value = symbol == L"@" ? (right.find(left) != std::wstring::npos ? 1.0 : 0.0)
-                                            : ValueOf(symbol, left.compare(right), 0.0);
-        return {Quoted(left) + Blank() + symbol + Blank() + Quoted(right), kPrimary, Everywhere(value)};
-    }
-
-    std::wstring Word() {
-        std::wstring word(Below(3), L' ');
-        for (wchar_t& c : word) {
-            c = L"ab( )+"[Below(6)];
-        }
-        return word;
-    }
-
-    std::wstring Quoted(const std::wstring& word) { return L"~\""[Below(2)] + word + L"~\""[Below(2)]; }
 
     Printed Function(int depth) {
         Printed operand = Any(depth - 1);
@@ -202,17 +161,15 @@ private:
     }
 
     Printed Operator(int depth) {
-        static const std::vector<std::wstring> symbols[] = {
-            {L"==", L"!="}, {L"<", L"<=", L">", L">="}, {L"&&", L"||"}, {L"+", L"-"}, {L"*", L"/", L"%", L"^"}};
         const auto level = static_cast<Level>(Below(kList));
         const Printed left = Any(depth - 1);
         const Printed right = Any(depth - 1);
-        const std::wstring symbol = symbols[level][Below(symbols[level].size())];
+        const std::size_t place = Below(kSymbols[level].size());
         Values values{};
         for (std::size_t i = 0; i < kPeriod; ++i) {
-            values[i] = ValueOf(symbol, left.values[i], right.values[i]);
+            values[i] = ValueOf(level, place, left.values[i], right.values[i]);
         }
-        return {At(left, level) + symbol + At(right, static_cast<Level>(level + 1)), level, values};
+        return {At(left, level) + kSymbols[level][place] + At(right, static_cast<Level>(level + 1)), level, values};
     }
 
     std::mt19937 random_;

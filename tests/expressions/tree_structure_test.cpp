@@ -1,6 +1,5 @@
 // The shape of trees: handles, visitors, depth.
-#include "expressions/tree_builder.h"
-
+#include <kestrona/expression_tree.h>
 #include <kestrona/store.h>
 
 #include <gtest/gtest.h>
@@ -12,7 +11,19 @@ namespace Kestrona::Expressions {
 namespace {
 
 using namespace Data::MemoryResident;
-using namespace Fixtures;
+
+template <typename Node, typename... Arguments>
+Expression Make(Arguments&&... arguments) {
+    return Expression(std::make_shared<Node>(std::forward<Arguments>(arguments)...));
+}
+
+Expression Constant(double value) {
+    return Make<ConstantExpression>(value);
+}
+
+Expression Sum(Expression left, Expression right) {
+    return Make<BinaryExpression>(std::move(left), std::move(right), &Add);
+}
 
 TEST(Handles, AnEmptyHandleIsZeroAndSoIsNoExpression) {
     const std::unique_ptr<MemoryResidentData> store = CreateMemoryResidentData();
@@ -21,7 +32,7 @@ TEST(Handles, AnEmptyHandleIsZeroAndSoIsNoExpression) {
     };
     const Expression empty;
     EXPECT_EQ(evaluate(empty), 0.0);
-    EXPECT_EQ(evaluate(Binary(empty, L"+", Constant(2))), 2.0);
+    EXPECT_EQ(evaluate(Sum(empty, Constant(2))), 2.0);
     EXPECT_EQ(KSDLL_EvaluateExpression(*store, 0, nullptr, nullptr), 0.0);
     EXPECT_EQ(KSDLL_MatrixEvaluateExpression(*store, 0, 3, nullptr, nullptr), 0.0);
     Expression full = Constant(3);
@@ -49,15 +60,15 @@ public:
 };
 
 TEST(Visitors, MeetEveryLeafFromLeftToRight) {
-    const auto script = [](const wchar_t* name) {
-        return KSEPVariable{.name = name};
+    const auto field = [](std::int32_t number) {
+        return FieldReference{ExpressionFieldType::Text, 0, number};
     };
-    const Expression texts =
-        Make<StringBinaryExpression>(Joined({Literal(L"x"), CellText(0, 1, ExpressionFieldType::Text)}), &StrEqualTo,
-                                     Joined({std::make_shared<KSEPStringExpression>(script(L"T"))}));
+    const Expression texts = Make<StringBinaryExpression>(
+        StringListExpression({std::make_shared<LiteralString>(L"x"), std::make_shared<FieldString>(field(1))}),
+        &StrEqualTo, StringListExpression({std::make_shared<KSEPStringExpression>(KSEPVariable{.name = L"T"})}));
     const Expression list = Make<ListExpression>(
-        std::vector{Constant(1), Expression(), Make<KSEPDoubleExpression>(script(L"N"))}, &Func_Min);
-    Expression root = Binary(Binary(Cell(0, 2), L"*", texts), L"==", Make<UnaryExpression>(&Not, list));
+        std::vector{Constant(1), Expression(), Make<KSEPDoubleExpression>(KSEPVariable{.name = L"N"})}, &Func_Min);
+    Expression root = Sum(Sum(Make<VariableExpression>(field(2)), texts), Make<UnaryExpression>(&Not, list));
     Leaves leaves;
     root.Accept(leaves);
     EXPECT_EQ(leaves.met, L"f:2 l:x f:1 s:T c:1 s:N ");
@@ -79,7 +90,7 @@ TEST(Depth, ChainsOfAnyLengthAreTakenDownAndSharedPartsStay) {
     Expression chain = Constant(1);
     Expression middle;
     for (int i = 0; i < 1'000'000; ++i) {
-        chain = Binary(std::move(chain), L"+", Constant(1));
+        chain = Sum(std::move(chain), Constant(1));
         if (i == 99) {
             middle = chain;
         }
@@ -94,8 +105,8 @@ TEST(Depth, TheDeepestTreesAllowedAreEvaluatedAndVisited) {
     Expression left = Constant(1);
     Expression right = Constant(1);
     for (std::int32_t depth = 1; depth < kMaxTreeDepth; ++depth) {
-        left = Binary(std::move(left), L"+", Constant(1));
-        right = Binary(Constant(1), L"+", std::move(right));
+        left = Sum(std::move(left), Constant(1));
+        right = Sum(Constant(1), std::move(right));
     }
     auto store = CreateMemoryResidentData();
     for (Expression* tree : {&left, &right}) {

@@ -17,23 +17,16 @@ public:
     explicit Graph(const std::vector<std::wstring>& expressions) {
         std::vector<Field> fields;
         for (const std::wstring& text : expressions) {
-            fields.push_back(Number(L"F" + std::to_wstring(fields.size())));
-            if (!text.empty()) {
-                fields.back().classes = {Classes::kEvaluate};
-                fields.back().classification = L"EVALUATE \"" + text + L"\"";
-            }
+            const std::wstring name = L"F" + std::to_wstring(fields.size());
+            fields.push_back(text.empty() ? Number(name) : Calculated(name));
+            fields.back().classification = L"EVALUATE \"" + text + L"\"";
         }
         AddFormat(*store, L"T", fields);
-    }
-
-    void Compile() {
-        for (std::int32_t field = 0; field < store->GetDbFields(0); ++field) {
-            if (store->ClassDefined(0, field, Classes::kEvaluate)) {
-                std::wstring text = store->GetDbClassString(0, field);
-                text = text.substr(10, text.size() - 11);
-                store->SetDbEvaluateExpression(0, field,
-                                               KSDLL_CreateFieldExpression(*store, 0, field, text, false, nullptr));
-                ASSERT_NE(store->GetDbEvaluateExpression(0, field), nullptr) << testing::PrintToString(text);
+        for (std::size_t field = 0; field < fields.size(); ++field) {
+            if (!expressions[field].empty()) {
+                const auto number = static_cast<std::int32_t>(field);
+                store->SetDbEvaluateExpression(
+                    0, number, KSDLL_CreateFieldExpression(*store, 0, number, expressions[field], false, nullptr));
             }
         }
     }
@@ -72,12 +65,10 @@ std::wstring CyclicBox(const std::wstring& field, const std::wstring& target, co
 // The field that was entered last loses its expression; an empty one leads nowhere.
 TEST(Validation, TakesTheExpressionOfTheFieldAtFault) {
     Graph self({L"{#F0} + 1"});
-    self.Compile();
     EXPECT_EQ(self.Validate(), CyclicBox(L"F0", L"F0", L"{#F0} + 1"));
     EXPECT_EQ(self.store->GetDbEvaluateExpression(0, 0), nullptr);
     EXPECT_EQ(self.Validate(), L"");
     Graph later({L"", L"{#F0} + 1", L"{#F1} + {KSEP_X}"});
-    later.Compile();
     EXPECT_EQ(later.Validate(), Box(L"F1", L"An Evaluate expression, cannot reference a KSEP Variable.", L"{#F0} + 1"));
     EXPECT_NE(later.store->GetDbEvaluateExpression(0, 1), nullptr);
     EXPECT_EQ(later.store->GetDbEvaluateExpression(0, 2), nullptr);
@@ -119,7 +110,6 @@ TEST(Validation, CostsNoMoreThanTheExpressionsThatItMeets) {
     }
     diamond.emplace_back(L"1");
     Graph graph(diamond);
-    graph.Compile();
     EXPECT_EQ(graph.Validate(), L"");
     EXPECT_EQ(graph.RequiresExclusion(0), L"no");
 
@@ -129,120 +119,89 @@ TEST(Validation, CostsNoMoreThanTheExpressionsThatItMeets) {
     }
     chain.push_back(L"{#F0}");
     Graph deep(chain);
-    deep.Compile();
     EXPECT_EQ(deep.Validate(), CyclicBox(L"F1500", L"F0", L"{#F0}"));
 }
 
 // What random graphs refer to, and walks over them that are written down as they are told: recursive, each path anew.
-class Twin {
-public:
-    static constexpr int kScript = -1;
+struct Twin {
+    static constexpr std::size_t kScript = 1000;
 
-    explicit Twin(std::mt19937& random) {
-        const auto fields = static_cast<std::uint32_t>(1 + random() % 10);
+    explicit Twin(std::mt19937& random) : references(1 + random() % 10), excluded(references.size()) {
         const bool downwards = random() % 2 == 0;
-        for (std::uint32_t field = 0; field < fields; ++field) {
-            references.emplace_back();
-            excluded.push_back(random() % 8 == 0);
+        for (std::size_t field = 0; field < references.size(); ++field) {
+            excluded[field] = random() % 8 == 0;
             for (auto count = random() % 4; count > 0; --count) {
-                const auto target = static_cast<int>(random() % (downwards && random() % 16 != 0 ? field + 1 : fields));
-                const bool is_self = target == static_cast<int>(field) && random() % 8 != 0;
-                references.back().push_back(random() % 40 == 0 ? kScript : is_self ? 0 : target);
+                const bool is_down = downwards && random() % 16 != 0;
+                const std::size_t target = random() % (is_down ? field + 1 : references.size());
+                const bool is_self = target == field && random() % 8 != 0;
+                references[field].push_back(random() % 40 == 0 ? kScript : is_self ? 0 : target);
             }
         }
     }
 
-    std::vector<std::wstring> Texts() const {
-        std::vector<std::wstring> texts;
-        for (const std::vector<int>& targets : references) {
-            texts.emplace_back();
-            for (const int target : targets) {
-                texts.back() += texts.back().empty() ? L"" : L" - ";
-                texts.back() += target == kScript ? L"{#KSEP_X}" : L"{#F" + std::to_wstring(target) + L"}";
-            }
+    std::wstring TextOf(std::size_t field) const {
+        std::wstring text;
+        for (const std::size_t target : references[field]) {
+            text += (text.empty() ? L"" : L" - ") +
+                    (target == kScript ? std::wstring(L"{#KSEP_X}") : L"{#F" + std::to_wstring(target) + L"}");
         }
-        return texts;
+        return text;
     }
+
+    bool IsCalculated(std::size_t field) const { return field != kScript && !references[field].empty(); }
+
+    bool IsOnStack(std::size_t field) const { return std::ranges::find(stack, field) != stack.end(); }
 
     std::wstring Validate() {
-        for (int field = 0; field < static_cast<int>(references.size()); ++field) {
-            if (!references[static_cast<std::size_t>(field)].empty()) {
-                box.clear();
+        for (std::size_t field = 0; field < references.size(); ++field) {
+            if (box.empty() && IsCalculated(field)) {
                 Follow(field);
-                if (!box.empty()) {
-                    return box;
-                }
             }
         }
         return box;
     }
 
-    std::wstring RequiresExclusion(int field) {
-        if (references[static_cast<std::size_t>(field)].empty()) {
-            return L"Expected an evaluted column";
-        }
-        try {
-            return FindExcluded(field) ? L"yes" : L"no";
-        } catch (const int) {
-            stack.clear();
-            return L"Cyclic dependency found.";
-        }
-    }
-
-    std::vector<std::vector<int>> references; // none: not calculated
-    std::vector<bool> excluded;
-
-private:
-    bool IsOnStack(int field) const { return std::ranges::find(stack, field) != stack.end(); }
-
-    void Fault(const std::wstring& message) {
-        box = Box(L"F" + std::to_wstring(entered), message, Texts()[static_cast<std::size_t>(entered)]);
-    }
-
-    void Follow(int field) {
+    void Follow(std::size_t field) {
         entered = field;
         stack.push_back(field);
-        for (const int target : references[static_cast<std::size_t>(field)]) {
-            if (target == kScript) {
-                Fault(L"An Evaluate expression, cannot reference a KSEP Variable.");
-            } else if (!references[static_cast<std::size_t>(target)].empty()) {
-                if (IsOnStack(target)) {
-                    Fault(L"This field cannot reference F" + std::to_wstring(target) + L" due to cyclic dependencies.");
-                } else if (box.empty()) {
-                    Follow(target);
-                }
+        for (const std::size_t target : references[field]) {
+            if (target == kScript || (IsCalculated(target) && IsOnStack(target))) {
+                const std::wstring name = L"F" + std::to_wstring(entered);
+                const std::wstring text = TextOf(entered);
+                box = target == kScript ? Box(name, L"An Evaluate expression, cannot reference a KSEP Variable.", text)
+                                        : CyclicBox(name, L"F" + std::to_wstring(target), text);
+            } else if (IsCalculated(target) && box.empty()) {
+                Follow(target);
             }
         }
         stack.pop_back();
     }
 
-    bool FindExcluded(int field) {
+    std::wstring RequiresExclusion(std::size_t field) {
+        stack.clear();
+        return IsCalculated(field) ? FindExcluded(field) : L"Expected an evaluted column";
+    }
+
+    std::wstring FindExcluded(std::size_t field) {
+        std::wstring found = L"no";
         stack.push_back(field);
-        for (const int target : references[static_cast<std::size_t>(field)]) {
-            if (target == kScript) {
-                continue;
-            }
-            if (excluded[static_cast<std::size_t>(target)]) {
-                stack.clear();
-                return true;
-            }
-            if (references[static_cast<std::size_t>(target)].empty()) {
-                continue;
-            }
-            if (IsOnStack(target)) {
-                throw target;
-            }
-            if (FindExcluded(target)) {
-                return true;
+        for (std::size_t i = 0; i < references[field].size() && found == L"no"; ++i) {
+            const std::size_t target = references[field][i];
+            if (target != kScript && excluded[target]) {
+                found = L"yes";
+            } else if (IsCalculated(target)) {
+                found = IsOnStack(target) ? L"Cyclic dependency found." : FindExcluded(target);
             }
         }
         stack.pop_back();
-        return false;
+        return found;
     }
 
-    std::vector<int> stack;
+    std::vector<std::vector<std::size_t>> references; // none: not calculated
+    std::vector<bool> excluded;
+    std::vector<std::size_t> stack;
     std::wstring box;
-    int entered = -1;
+    std::size_t entered = 0;
 };
 
 TEST(Validation, AgreesWithASearchOfEveryPath) {
@@ -252,19 +211,24 @@ TEST(Validation, AgreesWithASearchOfEveryPath) {
     int required = 0;
     for (int round = 0; round < 3000; ++round) {
         Twin twin(random);
-        Graph graph(twin.Texts());
-        graph.Compile();
-        for (int field = 0; field < static_cast<int>(twin.references.size()); ++field) {
-            if (twin.excluded[static_cast<std::size_t>(field)]) {
-                graph.store->AddDbClass(0, field, Classes::kExcludeFromDb);
+        std::vector<std::wstring> texts;
+        for (std::size_t field = 0; field < twin.references.size(); ++field) {
+            texts.push_back(twin.TextOf(field));
+        }
+        Graph graph(texts);
+        for (std::size_t field = 0; field < texts.size(); ++field) {
+            if (twin.excluded[field]) {
+                graph.store->AddDbClass(0, static_cast<std::int32_t>(field), Classes::kExcludeFromDb);
             }
         }
-        for (int field = 0; field < static_cast<int>(twin.references.size()); ++field) {
+        for (std::size_t field = 0; field < texts.size(); ++field) {
             const std::wstring expected = twin.RequiresExclusion(field);
-            ASSERT_EQ(graph.RequiresExclusion(field), expected) << "round " << round << " field " << field;
+            ASSERT_EQ(graph.RequiresExclusion(static_cast<std::int32_t>(field)), expected)
+                << "round " << round << " field " << field;
             cyclic += expected.starts_with(L"Cyclic") ? 1 : 0;
             required += expected == L"yes" ? 1 : 0;
         }
+        twin.stack.clear();
         const std::wstring expected = twin.Validate();
         ASSERT_EQ(graph.Validate(), expected) << "round " << round;
         unsound += expected.empty() ? 0 : 1;

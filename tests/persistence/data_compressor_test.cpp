@@ -81,12 +81,12 @@ TEST_F(CompressedFiles, FilesThatCannotBeHadTakeNothingAway) {
     std::filesystem::create_symlink("data", folder.Path("link"));
     EXPECT_EQ(Compress("missing", "target"), -1);
     EXPECT_FALSE(std::filesystem::exists(folder.Path("target")));
-    EXPECT_EQ(Compress("data", "no/folder"), -1);
-    EXPECT_EQ(Compress("data", "."), -1);
-    EXPECT_EQ(Compress("data", "link"), -1);
+    for (const char* const target : {"no/folder", ".", "link"}) {
+        EXPECT_EQ(Compress("data", target), -1) << target;
+    }
+    EXPECT_EQ(compressor.CompressFile(folder.WidePath("data"), L"/dev/full"), -1);
     EXPECT_EQ(Decompress("link", "data"), -1);
     EXPECT_EQ(folder.Read("data"), "data");
-    EXPECT_EQ(compressor.CompressFile(folder.WidePath("data"), L"/dev/full"), -1);
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 
 namespace Kestrona::Data::MemoryResident {
@@ -95,64 +94,41 @@ TEST_F(EncryptedColumn, FilesHoldTheEncryptedTexts) {
     EXPECT_EQ(Trimmed(loaded.GetValue(0)), L"first");
 }
 
-// People with a key and a secret of at most 8 characters.
-void AddPeople(MemoryResidentData& store, std::int32_t records) {
-    Fixtures::Field secret = Fixtures::Text(L"Secret", 8);
-    secret.classes.push_back(Classes::kEncrypted);
-    Fixtures::AddTable(store, L"People", {Fixtures::Number(L"Key"), secret}, records);
-}
-
-// What a store with encrypted texts holds after each step is what a list holds that the same was done to, and every
-// text is the very one that was encrypted.
-TEST_F(EncryptedColumn, TextsGoWithTheirRecordsThroughInsertionsAndDeletions) {
+// Through every move a text stays the very one that was encrypted.
+TEST_F(EncryptedColumn, MovesWithItsRecordAsItIs) {
     const Fixtures::FreshProcess process;
     const auto store = CreateMemoryResidentData();
-    AddPeople(*store, 40);
-    std::vector<std::wstring> expected;
-    for (std::int32_t record = 0; record < 30; ++record) { // the last ten keep the default
-        store->SetDbString(0, 1, record, L"text" + std::to_wstring(record));
-        expected.push_back(KSDLL_GetEncryptedStringValue(*store, 0, 1, record));
-    }
-    const std::wstring unset = KSDLL_GetEncryptedStringValue(*store, 0, 1, 39);
-    expected.resize(40, unset);
-    const auto check = [&](const char* step) {
-        ASSERT_EQ(store->GetCurrentDbSize(0), static_cast<std::int32_t>(expected.size())) << step;
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            ASSERT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, static_cast<std::int32_t>(i)), expected[i])
-                << step << ' ' << i;
-        }
+    Fixtures::Field secret = Fixtures::Text(L"Secret", 8);
+    secret.classes.push_back(Classes::kEncrypted);
+    Fixtures::AddTable(*store, L"People", {Fixtures::Number(L"Key"), secret}, 12);
+    const auto stored = [&](std::int32_t record) {
+        return KSDLL_GetEncryptedStringValue(*store, 0, 1, record);
     };
-    for (const std::vector<std::int32_t>& records :
-         {std::vector<std::int32_t>{0}, {2, 5}, {0, 1, 2, 3, 4, 7, 9, 11, 12, 20}, {19, 26}}) {
+    std::vector<std::wstring> expected;
+    for (std::int32_t record = 0; record < 12; ++record) {
+        if (record < 10) { // the last two keep the default
+            store->SetDbString(0, 1, record, L"text" + std::to_wstring(record));
+        }
+        expected.push_back(stored(record));
+    }
+    for (const std::vector<std::int32_t>& records : {std::vector<std::int32_t>{0}, {2, 5}, {0, 1, 3, 6, 8}}) {
         for (std::size_t i = records.size(); i-- > 0;) {
             expected.erase(expected.begin() + records[i]);
         }
         KSDLL_DeleteDbItems(*store, 0, records);
-        ASSERT_NO_FATAL_FAILURE(check("deletion"));
         KSDLL_InsertDbItem(*store, 0, 3);
-        const std::wstring fresh = KSDLL_GetEncryptedStringValue(*store, 0, 1, 3);
-        expected.insert(expected.begin() + 3, fresh);
-        ASSERT_NO_FATAL_FAILURE(check("insertion"));
         EXPECT_EQ(Trimmed(store->GetDbString(0, 1, 3)), L"");
+        expected.insert(expected.begin() + 3, stored(3));
+        store->SwapItemInfo(0, 1, 0);
+        std::swap(expected[0], expected[1]);
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            ASSERT_EQ(stored(static_cast<std::int32_t>(i)), expected[i]) << i;
+        }
     }
-}
-
-TEST_F(EncryptedColumn, MovesWithItsRecordAsItIs) {
-    const Fixtures::FreshProcess process;
-    const auto store = CreateMemoryResidentData();
-    AddPeople(*store, 2);
-    store->SetDbString(0, 1, 0, L"first");
-    store->SetDbString(0, 1, 1, L"second");
-    const std::wstring first = KSDLL_GetEncryptedStringValue(*store, 0, 1, 0);
-    const std::wstring second = KSDLL_GetEncryptedStringValue(*store, 0, 1, 1);
-    ASSERT_NE(first, second);
-    store->SwapItemInfo(0, 1, 0);
-    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 0), second);
-    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 1), first);
-    store->CopyItemInfo(1, 0, 0);
-    EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 1, 0), first);
-    KSDLL_SetEncryptedStringValue(*store, 0, 1, 0, second);
-    EXPECT_EQ(Trimmed(store->GetDbString(0, 1, 0)), L"second");
+    store->CopyItemInfo(2, 0, 0);
+    EXPECT_EQ(stored(0), expected[2]);
+    KSDLL_SetEncryptedStringValue(*store, 0, 1, 0, expected[1]);
+    EXPECT_EQ(stored(0), expected[1]);
     EXPECT_EQ(KSDLL_GetEncryptedStringValue(*store, 0, 0, 0), L"") << "a field without texts";
 }
 
@@ -172,18 +148,15 @@ TEST_F(EncryptedColumn, IsClosedWithoutTheService) {
     EncryptedStringColumn column(L"", new NullRecordStateStrategy(), &service);
     column.SetValue(0, L"text");
     service.Initialise(L"key", false);
-    for (const auto& action : std::initializer_list<std::function<void()>>{
-             [&] { (void)column.GetValue(0); }, [&] { column.SetValue(0, L"x"); }, [&] { column.Insert(0, L"x"); },
-             [&] { (void)column.GetDefaultValue(); },
-             [&] {
-                 (void)column.FindMinValue();
-             }}) {
-        try {
-            action();
-            ADD_FAILURE() << "nothing was thrown";
-        } catch (const wchar_t* text) {
-            EXPECT_STREQ(text, L"The Encryption Service is not enabled");
-        }
+    EXPECT_THROW((void)column.GetValue(0), const wchar_t*);
+    EXPECT_THROW(column.SetValue(0, L"x"), const wchar_t*);
+    EXPECT_THROW(column.Insert(0, L"x"), const wchar_t*);
+    EXPECT_THROW((void)column.FindMinValue(), const wchar_t*);
+    try {
+        (void)column.GetDefaultValue();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const wchar_t* text) {
+        EXPECT_STREQ(text, L"The Encryption Service is not enabled");
     }
     EXPECT_EQ(column.GetCurrentSize(), 1U);
     EXPECT_FALSE(column.GetStoredValue(0).empty());

@@ -133,26 +133,15 @@ std::set<std::int32_t> IdsOf(MemoryResidentData& store, std::int32_t field) {
     return ids;
 }
 
-// A block written down by hand.
-class Block {
-public:
-    template <typename T>
-    Block& Add(std::initializer_list<T> values) {
-        for (const T value : values) {
-            bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
-        }
-        return *this;
-    }
+// Values as they lie in a block.
+template <typename T>
+std::string Raw(std::initializer_list<T> values) {
+    return {reinterpret_cast<const char*>(values.begin()), values.size() * sizeof(T)};
+}
 
-    Block& Words(std::initializer_list<std::int32_t> words) { return Add(words); }
-
-    Block& Reals(std::initializer_list<double> values) { return Add(values); }
-
-    [[nodiscard]] const std::string& Bytes() const { return bytes_; }
-
-private:
-    std::string bytes_;
-};
+std::string Words(std::initializer_list<std::int32_t> words) {
+    return Raw(words);
+}
 
 class TableData : public testing::Test {
 protected:
@@ -163,7 +152,7 @@ TEST_F(TableData, TheLayoutIsTheOneWrittenDown) {
     const Store store = MakeStore({Number(L"Key", -1.0), Integer(L"Count"), Toggle(L"Toggle"), Text(L"Text"),
                                    Matrix(L"List", Classes::kList), Matrix(L"Common", Classes::kCommonMatrix)},
                                   3);
-    EXPECT_EQ(Save(*MakeStore({Number(L"A"), Toggle(L"B")})), Block().Words({0, 0, 0}).Bytes());
+    EXPECT_EQ(Save(*MakeStore({Number(L"A"), Toggle(L"B")})), Words({0, 0, 0}));
     store->SetDbValue(0, 0, 0, 1.5);
     store->SetDbValue(0, 1, 1, -2.0);
     store->SetDbValue(0, 2, 0, 1.0);
@@ -172,20 +161,9 @@ TEST_F(TableData, TheLayoutIsTheOneWrittenDown) {
         KSDLL_SetMatrixValue(KSDLL_CreateMatrix(*store, 3, 0, field, 0), 0, 0.5);
         KSDLL_CreateMatrix(*store, 2, 0, field, 1);
     }
-    const std::string expected = Block()
-                                     .Words({3, 1})
-                                     .Reals({1.5})
-                                     .Words({2, 0, -2, 1})
-                                     .Add<char>({1})
-                                     .Words({1, 3})
-                                     .Add<char16_t>({u'a', 0xD83E, 0xDDA6})
-                                     .Words({2, 0, 1})
-                                     .Words({3, 1})
-                                     .Reals({0.5})
-                                     .Words({2, 0, 0})
-                                     .Words({2, 2, 2, 3, 1})
-                                     .Reals({0.5})
-                                     .Bytes();
+    const std::string expected = Words({3, 1}) + Raw({1.5}) + Words({2, 0, -2, 1}) + Raw<char>({1}) + Words({1, 3}) +
+                                 Raw<char16_t>({u'a', 0xD83E, 0xDDA6}) + Words({2, 0, 1, 3, 1}) + Raw({0.5}) +
+                                 Words({2, 0, 0, 2, 2, 2, 3, 1}) + Raw({0.5});
     EXPECT_EQ(Save(*store), expected);
 }
 
@@ -275,32 +253,29 @@ std::size_t UsedMemory() {
 constexpr std::size_t kFewBytes = std::size_t{8} << 20U;
 
 TEST_F(TableData, FalseNumbersCostNothingAndNeverShareAMatrix) {
-    Block far;
-    far.Words({4000, 0, 4000});
+    std::string far = Words({4000, 0, 4000});
     for (std::int32_t record = 0; record < 4000; ++record) {
-        far.Words({record * 4099});
+        far += Words({record * 4099});
     }
-    for (std::int32_t record = 0; record < 4000; ++record) {
-        far.Words({0});
-    }
+    far.resize(far.size() + 4000 * sizeof(std::int32_t)); // the sizes
 
     struct Case {
         const char* what;
-        Block block; // of a number and a list
+        std::string block; // of a number and a list
         std::int32_t records;
     };
 
     const Case cases[] = {
-        {"records without bytes", Block().Words({900000000, 0, 0}), 0},
-        {"few records without bytes", Block().Words({1 << 24, 0, 0}), 1 << 24},
-        {"less than no records", Block().Words({-1, 1}), 0},
-        {"numbers without end", Block().Words({2, kHighest, 1}), 2},
-        {"ids without end", Block().Words({2, 0, kHighest, 5, 6}), 2},
-        {"ids twice", Block().Words({3, 0, 3, 4, 4, 4, 0, 0, 0}), 3},
-        {"ids that are none", Block().Words({4, 0, 4, -2, kHighest, 1 << 26, -kHighest, 0, 0, 0, 0}), 4},
-        {"ids of the other store", Block().Words({2, 0, 2, 0, 1, 0, 0}), 2},
-        {"sizes that are none", Block().Words({3, 0, 3, 7, 8, 9, -1, kHighest, 0}), 3},
-        {"elements without end", Block().Words({2, 0, 2, 7, 8, 1 << 26, kHighest, 1, 1}), 2},
+        {"records without bytes", Words({900000000, 0, 0}), 0},
+        {"few records without bytes", Words({1 << 24, 0, 0}), 1 << 24},
+        {"less than no records", Words({-1, 1}), 0},
+        {"numbers without end", Words({2, kHighest, 1}), 2},
+        {"ids without end", Words({2, 0, kHighest, 5, 6}), 2},
+        {"ids twice", Words({3, 0, 3, 4, 4, 4, 0, 0, 0}), 3},
+        {"ids that are none", Words({4, 0, 4, -2, kHighest, 1 << 26, -kHighest, 0, 0, 0, 0}), 4},
+        {"ids of the other store", Words({2, 0, 2, 0, 1, 0, 0}), 2},
+        {"sizes that are none", Words({3, 0, 3, 7, 8, 9, -1, kHighest, 0}), 3},
+        {"elements without end", Words({2, 0, 2, 7, 8, 1 << 26, kHighest, 1, 1}), 2},
         {"ids far from one another", far, 4000},
     };
     const std::vector<Field> fields = {Number(L"Key"), Matrix(L"List", Classes::kList)};
@@ -311,7 +286,7 @@ TEST_F(TableData, FalseNumbersCostNothingAndNeverShareAMatrix) {
     for (const Case& c : cases) {
         const std::size_t before = UsedMemory();
         Store store = MakeStore(fields);
-        Load(*store, c.block.Bytes());
+        Load(*store, c.block);
         EXPECT_LT(UsedMemory(), before + kFewBytes) << c.what;
         EXPECT_EQ(store->GetCurrentDbSize(0), c.records) << c.what;
         std::set<std::int32_t> ids = IdsOf(*other, 1);
@@ -348,22 +323,11 @@ TEST_F(TableData, EveryDamageIsSurvived) {
     }
 }
 
-TEST_F(TableData, WhatDoesNotExistIsLeftAlone) {
-    const Store store = MakeStore({Number(L"Key")}, 2);
-    const File file(std::tmpfile());
-    for (const std::int32_t format : {-1, kHighest}) {
-        TableStorage::WriteTableData(*store, format, file.get());
-        TableStorage::ReadTableData(*store, format, file.get());
-        EXPECT_EQ(std::ftell(file.get()), 0);
-    }
-    // A format without columns writes empty blocks and passes over what it finds.
+TEST_F(TableData, AFormatWithoutColumnsWritesEmptyBlocksAndPassesOverWhatItFinds) {
+    const Store store = CreateMemoryResidentData();
     AddFormat(*store, L"Bare", {Number(L"A"), Text(L"B"), Matrix(L"C", Classes::kList)});
-    TableStorage::WriteTableData(*store, 1, file.get());
-    EXPECT_EQ(BytesOf(file.get()), Block().Words({0, 0, 0, 0}).Bytes());
-    const Block found = Block().Words({1, 1}).Reals({2.0}).Words({2, 0, 0, 1, 5, 1, 1}).Reals({3.0});
-    const File other = FileOf(found.Bytes());
-    TableStorage::ReadTableData(*store, 1, other.get());
-    EXPECT_EQ(static_cast<std::size_t>(std::ftell(other.get())), found.Bytes().size());
+    EXPECT_EQ(Save(*store), Words({0, 0, 0, 0}));
+    EXPECT_TRUE(Load(*store, Words({1, 1}) + Raw({2.0}) + Words({2, 0, 0, 1, 5, 1, 1}) + Raw({3.0})));
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
+#include <string>
 
 namespace Kestrona::Platform {
 namespace {
@@ -40,35 +42,26 @@ TEST(LocaleDates, AnyNameGivesWholeFacts) {
 }
 
 TEST(LocaleDates, AreReadOnceFromTheEnvironment) {
-    class Variable {
-    public:
-        Variable(const char* name, const char* value)
-            : name_(name),
-              before_(std::getenv(name) ? std::getenv(name) : "") {
-            setenv(name, value, 1);
-        }
-
-        ~Variable() { before_.empty() ? unsetenv(name_) : setenv(name_, before_.c_str(), 1); }
-
-    private:
-        const char* name_;
-        std::string before_;
-    };
-
-    const Variable all("LC_ALL", "");
-    const Variable language("LANG", "fi_FI.UTF-8");
-    ForgetLocaleDates();
-    {
-        const Variable time("LC_TIME", "sv_SE.UTF-8");
-        EXPECT_EQ(UserLocaleDates().layout, DateLayout::YearMonthDay);
+    const char* const names[] = {"LC_ALL", "LANG", "LC_TIME"};
+    std::map<std::string, std::string> before;
+    for (const char* const name : names) {
+        before[name] = std::getenv(name) != nullptr ? std::getenv(name) : "";
     }
+    setenv("LC_ALL", "", 1);
+    setenv("LANG", "fi_FI.UTF-8", 1);
+    setenv("LC_TIME", "sv_SE.UTF-8", 1);
+    ForgetLocaleDates();
+    EXPECT_EQ(UserLocaleDates().layout, DateLayout::YearMonthDay);
+    setenv("LC_TIME", "", 1);
     EXPECT_EQ(UserLocaleDates().layout, DateLayout::YearMonthDay);
     ForgetLocaleDates();
-    const Variable time("LC_TIME", "");
     EXPECT_EQ(UserLocaleDates().time_separator, L".");
     OverrideLocaleDates({DateLayout::MonthDayYear, 8, L"a very long one"});
     EXPECT_EQ(UserLocaleDates().time_separator, L"a very l");
     ForgetLocaleDates();
+    for (const auto& [name, value] : before) {
+        value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
+    }
 }
 
 } // namespace

@@ -23,14 +23,15 @@ public:
     ~DatesOf() { Platform::ForgetLocaleDates(); }
 };
 
+inline constexpr const wchar_t* kGermanDays[] = {L"Sonntag",    L"Montag",  L"Dienstag", L"Mittwoch",
+                                                 L"Donnerstag", L"Freitag", L"Samstag"};
+
 // A process whose host has words for dates and durations.
 class DateWords : public testing::Test {
 protected:
     DateWords() {
-        const wchar_t* const days[] = {L"Sonntag",    L"Montag",  L"Dienstag", L"Mittwoch",
-                                       L"Donnerstag", L"Freitag", L"Samstag"};
         for (std::int32_t day = 0; day < 7; ++day) {
-            const std::wstring name = days[day];
+            const std::wstring name = kGermanDays[day];
             messages.texts[0x698b + day] = L"am " + name;
             messages.texts[0x6992 + day] = name.substr(0, 2);
             messages.texts[0x6999 + day] = name;

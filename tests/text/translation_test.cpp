@@ -12,8 +12,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstring>
 #include <filesystem>
 #include <random>
+#include <tuple>
 #include <vector>
 
 namespace Kestrona {
@@ -27,31 +29,25 @@ class Translation : public testing::Test {
     Fixtures::FreshProcess process_;
 };
 
-TEST_F(Translation, EntriesApplyInTheOrderTheyCame) {
+// In which order they do is shown by random tables.
+TEST_F(Translation, EntriesApplyInTheirSection) {
     KSDLL_SetTranslationEntry(L"red", L"rot", kWhole, L"Colours");
-    KSDLL_SetTranslationEntry(L"red", L"feuerrot", kWhole, L"Colours");
     KSDLL_SetTranslationEntry(L"blue", L" ", kWhole, L"Colours");
     KSDLL_SetTranslationEntry(L"green", L"", kWhole, L"Colours");
     KSDLL_SetTranslationEntry(L"grey", L"grau", static_cast<TranslationEntryType>(3), L"Colours");
     KSDLL_SetTranslationEntry(L"big ", L"gross ", kInside, L"Sizes");
     KSDLL_SetTranslationEntry(L"gross red", L"gewaltig", kWhole, L"Sizes");
-    KSDLL_SetTranslationEntry(L"gross ", L"riesig ", kInside, L"Sizes");
-
-    struct Case {
-        const wchar_t* text;
-        const wchar_t* section;
-        const wchar_t* expected;
-    };
-
-    for (const Case& c :
-         {Case{L"red", L"Colours", L"rot"}, Case{L"blue", L"Colours", L"blue"}, Case{L"green", L"Colours", L""},
-          Case{L"grey", L"Colours", L"grey"}, Case{L"red", L"colours", L"red"}, Case{L"big red", L"Sizes", L"gewaltig"},
-          Case{L"big big", L"Sizes", L"riesig big"}, Case{L"", L"Sizes", L""}}) {
-        EXPECT_EQ(KSDLL_CheckTranslationEntryT(c.text, c.section), c.expected) << ::testing::PrintToString(c.text);
+    for (const auto& [text, section, expected] : {std::tuple{L"red", L"Colours", L"rot"},
+                                                  {L"blue", L"Colours", L"blue"},
+                                                  {L"green", L"Colours", L""},
+                                                  {L"grey", L"Colours", L"grey"},
+                                                  {L"red", L"colours", L"red"},
+                                                  {L"big red", L"Sizes", L"gewaltig"}}) {
+        EXPECT_EQ(KSDLL_CheckTranslationEntryT(text, section), expected);
         std::array<wchar_t, 32> buffer{};
-        std::wstring(c.text).copy(buffer.data(), buffer.size() - 1);
-        KSDLL_CheckTranslationEntry(buffer.data(), c.section);
-        EXPECT_EQ(std::wstring(buffer.data()), c.expected);
+        std::wstring(text).copy(buffer.data(), buffer.size() - 1);
+        KSDLL_CheckTranslationEntry(buffer.data(), section);
+        EXPECT_EQ(std::wstring(buffer.data()), expected);
     }
     Data::MemoryResident::CreateMemoryResidentData()->FreeDbMemory();
     EXPECT_EQ(KSDLL_CheckTranslationEntryT(L"red", L"Colours"), L"red");
@@ -99,12 +95,8 @@ class TranslationLists : public Translation {
 protected:
     std::wstring TextOf(const char* file) {
         const std::string bytes = folder_.Read(file);
-        std::u16string units;
-        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                           static_cast<unsigned char>(bytes[i + 1]) << 8);
-        }
-        EXPECT_EQ(bytes.size() % 2, 0U);
+        std::u16string units(bytes.size() / 2, u'\0');
+        std::memcpy(units.data(), bytes.data(), bytes.size());
         return FromUtf16(units);
     }
 
@@ -119,35 +111,29 @@ constexpr const wchar_t* kBanner = L"Format :- 'Original string'   'New String'\
 
 TEST_F(TranslationLists, HoldTheEntriesThatTheWritersWereGiven) {
     Text::InstallTranslationWriters();
-    const std::wstring odd{L'a', L'\0', static_cast<wchar_t>(0xd800), static_cast<wchar_t>(0x1f600)};
     TranslationWriter_NewSection(L"Formats");
     TranslationWriter_AddEntry(L"Orders");
-    TranslationWriter_AddEntry(std::wstring(L"Orders"));
-    TranslationWriter_AddEntry(L"");
+    TranslationWriter_AddEntry(L""); // nothing to translate
     TranslationWriter_AddEntry(std::wstring(), 0);
     TranslationWriter_AddEntry(static_cast<const wchar_t*>(nullptr), 0);
     TranslationWriter_AddEntry(L"ab", 2);
-    TranslationWriter_AddEntry(L"ab", 3);
-    TranslationWriter_AddEntry(std::wstring(1, static_cast<wchar_t>(0x1f600)), 2);
-    TranslationWriter_AddEntry(odd);
+    TranslationWriter_AddEntry(L"ab", 3); // too short
+    TranslationWriter_AddEntry(std::wstring{wchar_t{0x1f600}}, 2);
     DBTranslationWriter_NewSection(L"Data");
     DBTranslationWriter_AddEntry(L"Steel", 1);
     TranslationWriter_Close();
     DBTranslationWriter_Close();
     TranslationWriter_AddEntry(L"too late");
-    DBTranslationWriter_AddEntry(L"too late");
     DBTranslationWriter_Close();
-
-    const std::wstring mark = L"\xfeff";
-    EXPECT_EQ(TextOf("KSSERVER.LST"),
-              mark + L"Kestrona Translation script file for KESTRONA.KSTDF.\n\n" + kBanner +
-                  L"#SECTION Formats\n\"Orders\"\n\" \"\n\n\"Orders\"\n\" \"\n\n\"\"\n\" \"\n\n\"ab\"\n\" \"\n\n\"" +
-                  std::wstring(1, static_cast<wchar_t>(0x1f600)) + L"\"\n\" \"\n\n\"" + odd + L"\"\n\" \"\n\n");
-    EXPECT_EQ(TextOf("KS_PDB.LST"), mark + L"Kestrona Translation script file for DataBase Files.\n\n" + kBanner +
-                                        L"#SECTION Data\n\"Steel\"\n\" \"\n\n");
+    const std::wstring head = L"\xfeffKestrona Translation script file for ";
+    EXPECT_EQ(TextOf("KSSERVER.LST"), head + L"KESTRONA.KSTDF.\n\n" + kBanner +
+                                          L"#SECTION Formats\n\"Orders\"\n\" \"\n\n\"\"\n\" \"\n\n"
+                                          L"\"ab\"\n\" \"\n\n\"\x1f600\"\n\" \"\n\n");
+    EXPECT_EQ(TextOf("KS_PDB.LST"), head + L"DataBase Files.\n\n" + kBanner + L"#SECTION Data\n\"Steel\"\n\" \"\n\n");
 }
 
 TEST_F(TranslationLists, ANewLoadBeginsThemAgain) {
+    TranslationWriter_AddEntry(L"before there is a file");
     Text::InstallTranslationWriters();
     TranslationWriter_AddEntry(L"first");
     Text::InstallTranslationWriters();
@@ -155,19 +141,10 @@ TEST_F(TranslationLists, ANewLoadBeginsThemAgain) {
     Text::RemoveTranslationWriters();
     EXPECT_EQ(TextOf("KSSERVER.LST").find(L"first"), std::wstring::npos);
     EXPECT_NE(TextOf("KSSERVER.LST").find(L"second"), std::wstring::npos);
-}
-
-TEST_F(TranslationLists, WritersWithoutAFileTakeAnything) {
-    TranslationWriter_NewSection(L"Formats");
-    TranslationWriter_AddEntry(L"Orders", 1);
-    DBTranslationWriter_AddEntry(std::wstring(L"Orders"));
-    TranslationWriter_Close();
-    DBTranslationWriter_Close();
-    EXPECT_TRUE(std::filesystem::is_empty("."));
-
+    std::filesystem::remove("KSSERVER.LST");
     std::filesystem::create_directory("KSSERVER.LST"); // so that no file can be opened
     Text::InstallTranslationWriters();
-    TranslationWriter_AddEntry(L"Orders");
+    TranslationWriter_AddEntry(L"lost");
     TranslationWriter_Close();
     EXPECT_TRUE(std::filesystem::is_directory("KSSERVER.LST"));
 }

@@ -1,9 +1,13 @@
-// Display texts of values.
-#include "text/value_words.h"
+// Display texts of values, and typed texts as values.
+#include "fixtures/schema.h"
+#include "platform/foreign_locale.h"
+#include "text/date_words.h"
 
 #include <kestrona/built_in_tables.h>
 #include <kestrona/host_settings.h>
 #include <kestrona/process.h>
+#include <kestrona/store.h>
+#include <kestrona/value_text.h>
 
 #include <gtest/gtest.h>
 
@@ -13,61 +17,95 @@ namespace {
 
 using Configuration::BuiltInTableManager;
 using Fixtures::Field;
-using Testing::Of;
-using Value = Testing::ValueWords;
+using namespace Classes;
+using namespace TypeBit;
+
+Fixtures::Field Of(std::uint32_t type, std::vector<Class> classes = {}, const std::wstring& classification = {}) {
+    return {.name = L"Field", .type = type, .classes = std::move(classes), .classification = classification};
+}
+
+// A store, and a host with a word for everything that a value can be shown as.
+class Value : public Testing::DateWords {
+protected:
+    using MemoryResidentData = Data::MemoryResident::MemoryResidentData;
+
+    Value() {
+        messages.texts[0x697d] = L"Ja";
+        messages.texts[0x697e] = L"Nein";
+        messages.texts[0x69a6] = L"Keine";
+        messages.texts[0x6a03] = L"Niemand";
+    }
+
+    // A format with this one field behind its key, and one record.
+    std::int32_t AddField(Fixtures::Field field) {
+        return Fixtures::AddTable(store, L"Format", {Fixtures::Number(L"Key", -1.0), std::move(field)}, 1);
+    }
+
+    // A format of keys 100, 101 ... with these texts.
+    std::int32_t AddTexts(const std::vector<std::wstring>& texts) {
+        const std::int32_t format =
+            Fixtures::AddTable(store, L"Texts", {Fixtures::Number(L"Key", -1.0), Fixtures::Text(L"Text")},
+                               static_cast<std::int32_t>(texts.size()));
+        for (std::int32_t record = 0; record < store.GetCurrentDbSize(format); ++record) {
+            store.SetDbValue(format, 0, record, 100.0 + record);
+            store.SetDbString(format, 1, record, texts[static_cast<std::size_t>(record)]);
+        }
+        return format;
+    }
+
+    std::wstring Shown(Fixtures::Field field, double value, std::int32_t list_index = -1) {
+        return KSDLL_ValueToTString(store, AddField(std::move(field)), 1, 0, value, list_index);
+    }
+
+    std::unique_ptr<MemoryResidentData> owner = Data::MemoryResident::CreateMemoryResidentData();
+    MemoryResidentData& store = *owner;
+    Testing::DatesOf user{DateLayout::YearMonthDay};
+};
 
 constexpr double kUnset = -1.0;
 
 TEST_F(Value, EveryTypeShowsItsForm) {
     struct Case {
         Field field;
-        double value;
-        const wchar_t* text;
+        std::vector<std::pair<double, const wchar_t*>> shown;
     };
 
     const std::wstring substitutes = L"SUBSTITUTE(0->\"nichts\") SUBSTITUTE(0->\"zwei\") SUBSTITUTE(2.50->\"halb\")";
     const double noon = 44562.5; // 2022-01-01
-    const std::vector<Case> cases{
-        {Of(TypeBit::kReal), 1.5, L"1.50"},
-        {Of(TypeBit::kReal, {}, L"FORMAT(MAX 0.3)"), 2.0, L"2"},
-        {Of(TypeBit::kReal, {}, L"FORMAT(MAX 0.3)"), 2.25, L"2.250"},
-        {Of(TypeBit::kReal, {Classes::kSubstitute}, substitutes), 0.0, L"nichts"},
-        {Of(TypeBit::kReal, {Classes::kSubstitute}, substitutes), 2.5, L"halb"},
-        {Of(TypeBit::kReal, {}, substitutes), 0.0, L"0.00"},
-        {Of(TypeBit::kInteger), -1234567.0, L"-1234567"},
-        {Of(TypeBit::kInteger), 2.5, L"2"},
-        {Of(TypeBit::kInteger), -0.0, L"-0"},
-        {Of(TypeBit::kInteger), 1e12, L"1000000000000"},
-        {Of(TypeBit::kInteger | TypeBit::kFreeString), 7.0, L"7"},
-        {Of(TypeBit::kInteger | TypeBit::kReal, {}, L"FORMAT(.3)"), 7.0, L"7"},
-        {Of(TypeBit::kToggle, {Classes::kSubstitute}, substitutes), 0.0, L"Nein"},
-        {Of(TypeBit::kToggle), 1.0, L"Ja"},
-        {Of(TypeBit::kToggle), 2.0, L"Nein"},
-        {Of(TypeBit::kDateTime), noon, L"2022-01-01 12:00"},
-        {Of(TypeBit::kDateTime), kUnset, L"Unbestimmt"},
-        {Of(TypeBit::kDateTime, {Classes::kIncludeSeconds}), noon, L"2022-01-01 12:00:00"},
-        {Of(TypeBit::kDateTime, {Classes::kShowDate}), noon, L"2022-01-01"},
-        {Of(TypeBit::kDateTime, {Classes::kShowDate}), 0.0, L"1899-12-30 00:00"},
-        {Of(TypeBit::kDateTime, {Classes::kTimeForm}), noon, L"12:00"},
-        {Of(TypeBit::kDateTime | TypeBit::kDuration), noon, L"2022-01-01 12:00"},
-        {Of(TypeBit::kDuration), 2.5, L"2 Tage 12:00"},
-        {Of(TypeBit::kDuration, {Classes::kSubstitute}, substitutes), 2.5, L"halb"},
-        {Of(TypeBit::kDuration, {Classes::kTimeForm}), 2.5, L"Tag 3 12:00"},
-        {Of(TypeBit::kDuration, {Classes::kTimeForm, Classes::kDurationMode2}), 2.5, L"60 Stunden 00 Minuten"},
-        {Of(TypeBit::kDuration, {Classes::kDurationMode2, Classes::kDurationMode3}), 2.5, L"Dienstag 12:00"},
-        {Of(TypeBit::kFreeString, {Classes::kSubstitute}, substitutes), 0.0, L""},
-        {Of(TypeBit::kMatrix | TypeBit::kReal), 2.5, L"2.50"}, // an entry's own value
-        {Of(TypeBit::kMatrix), 2.5, L""},
-        {Of(0), 2.5, L""},
-        {Of(TypeBit::kReference, {Classes::kDatabase, Classes::kDataList}), 0.07, L"0.07 "},
+    const Case cases[] = {
+        {Of(kReal), {{1.5, L"1.50"}}},
+        {Of(kReal, {}, L"FORMAT(MAX 0.3)"), {{2.0, L"2"}}},
+        {Of(kReal, {kSubstitute}, substitutes), {{0.0, L"nichts"}, {2.5, L"halb"}}},
+        {Of(kReal, {}, substitutes), {{0.0, L"0.00"}}},
+        {Of(kInteger), {{-1234567.0, L"-1234567"}, {2.5, L"2"}, {-0.0, L"-0"}, {1e12, L"1000000000000"}}},
+        {Of(kInteger | kFreeString), {{7.0, L"7"}}},
+        {Of(kInteger | kReal, {}, L"FORMAT(.3)"), {{7.0, L"7"}}},
+        {Of(kToggle, {kSubstitute}, substitutes), {{0.0, L"Nein"}, {1.0, L"Ja"}, {2.0, L"Nein"}}},
+        {Of(kDateTime), {{noon, L"2022-01-01 12:00"}, {kUnset, L"Unbestimmt"}}},
+        {Of(kDateTime, {kIncludeSeconds}), {{noon, L"2022-01-01 12:00:00"}}},
+        {Of(kDateTime, {kShowDate}), {{noon, L"2022-01-01"}, {0.0, L"1899-12-30 00:00"}}},
+        {Of(kDateTime, {kTimeForm}), {{noon, L"12:00"}}},
+        {Of(kDateTime | kDuration), {{noon, L"2022-01-01 12:00"}}},
+        {Of(kDuration), {{2.5, L"2 Tage 12:00"}}},
+        {Of(kDuration, {kSubstitute}, substitutes), {{2.5, L"halb"}}},
+        {Of(kDuration, {kTimeForm}), {{2.5, L"Tag 3 12:00"}}},
+        {Of(kDuration, {kTimeForm, kDurationMode2}), {{2.5, L"60 Stunden 00 Minuten"}}},
+        {Of(kDuration, {kDurationMode2, kDurationMode3}), {{2.5, L"Dienstag 12:00"}}},
+        {Of(kFreeString, {kSubstitute}, substitutes), {{0.0, L""}}},
+        {Of(kMatrix | kReal), {{2.5, L"2.50"}}}, // an entry's own value
+        {Of(kMatrix), {{2.5, L""}}},
+        {Of(0), {{2.5, L""}}},
+        {Of(kReference, {kDatabase, kDataList}), {{0.07, L"0.07 "}}},
     };
     for (const Case& c : cases) {
-        EXPECT_EQ(Shown(c.field, c.value), c.text) << std::hex << c.field.type << ' ' << c.value;
+        for (const auto& [value, text] : c.shown) {
+            EXPECT_EQ(Shown(c.field, value), text) << std::hex << c.field.type << ' ' << value;
+        }
     }
 }
 
 TEST_F(Value, TextIsLeftAloneWhereNothingIsShown) {
-    const std::int32_t format = AddField(Of(TypeBit::kFreeString));
+    const std::int32_t format = AddField(Of(kFreeString));
     std::wstring text = L"before";
     EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, &text, 5.0, -1), 5.0);
     EXPECT_EQ(KSDLL_FieldToTString(store, format, 1, 0, &text), 0.0);
@@ -89,9 +127,9 @@ TEST_F(Value, ReferencesShowWhatTheyPointAt) {
     EXPECT_EQ(Shown(outer, 8.0), L"8.00");
     EXPECT_EQ(Shown(outer, kUnset), L"Unbestimmt");
     Field second = outer;
-    second.classes.push_back(Classes::kSecondUnsetWord);
+    second.classes.push_back(kSecondUnsetWord);
     EXPECT_EQ(Shown(second, kUnset), L"Keine");
-    second.classes.back() = Classes::kSequenceOwner;
+    second.classes.back() = kSequenceOwner;
     EXPECT_EQ(Shown(second, kUnset), L"Keine");
     store.SetDbValue(middle, 1, 0, kUnset);
     EXPECT_EQ(Shown(outer, 7.0), L"Unbestimmt");
@@ -100,7 +138,7 @@ TEST_F(Value, ReferencesShowWhatTheyPointAt) {
 
 TEST_F(Value, FamiliesAndStoredTextsAreLookedUp) {
     const std::int32_t texts = AddTexts({L"Ahn", L"Kind"});
-    Field stored = Of(TypeBit::kReference, {Classes::kStringStorage, Classes::kFreeFormat});
+    Field stored = Of(kReference, {kStringStorage, kFreeFormat});
     const std::int32_t format = AddField(stored);
     store.SetDbData(format, 1, DataSlot::kStorageFormat, texts);
     store.SetDbData(format, 1, DataSlot::kStorageField, 1);
@@ -139,7 +177,7 @@ TEST_F(Value, RingsOfReferencesEnd) {
 
 TEST_F(Value, ListEntriesAreShownThroughTheirTargets) {
     const std::int32_t texts = AddTexts({L"rot", L"gelb", L"blau"});
-    Field list = Of(TypeBit::kMatrix | TypeBit::kReference, {Classes::kDatabase});
+    Field list = Of(kMatrix | kReference, {kDatabase});
     list.table = 999;
     const std::int32_t format = AddField(list);
     store.SetDbData(format, 1, DataSlot::kMatrixFormat, texts);
@@ -148,26 +186,14 @@ TEST_F(Value, ListEntriesAreShownThroughTheirTargets) {
     EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, 102.0, -1), L"102.00");
     EXPECT_EQ(KSDLL_FieldToTString(store, format, 1, 0), L"");
 
-    Field bare = Of(TypeBit::kMatrix);
+    Field bare = Of(kMatrix);
     bare.table = texts;
     bare.source = 1;
     SetCurrentListRecord(1);
     EXPECT_EQ(Shown(bare, 0.0, 2), L"gelb");
-    bare.classes = {Classes::kParallelList};
+    bare.classes = {kParallelList};
     EXPECT_EQ(Shown(bare, 0.0, 2), L"blau");
-    EXPECT_EQ(Shown(Of(TypeBit::kReference, {}, L"TABLE(Farben)"), 1.0), L"1.00") << "without string tables";
-}
-
-TEST_F(Value, TextsOfAnySizeAndContentPass) {
-    std::wstring large(1 << 20, L'x');
-    large[3] = L'\0';
-    large[5] = static_cast<wchar_t>(0xd800);
-    large[large.size() - 1] = static_cast<wchar_t>(0x1f600);
-    const std::int32_t texts = AddTexts({large});
-    EXPECT_EQ(KSDLL_FieldToTString(store, texts, 1, 0), large);
-    EXPECT_EQ(Shown(Fixtures::Reference(L"To", texts, 1), 100.0), large);
-    messages.texts[0x697d] = large;
-    EXPECT_EQ(Shown(Of(TypeBit::kToggle), 1.0), large);
+    EXPECT_EQ(Shown(Of(kReference, {}, L"TABLE(Farben)"), 1.0), L"1.00") << "without string tables";
 }
 
 class StringTables : public Value {
@@ -188,7 +214,7 @@ protected:
 };
 
 TEST_F(StringTables, ValuesShowTheirFirstEntry) {
-    const std::int32_t format = AddField(Of(TypeBit::kReference, {}, L"TABLE( Formen )"));
+    const std::int32_t format = AddField(Of(kReference, {}, L"TABLE( Formen )"));
     EXPECT_EQ(GetStringTableIndex(store, format, 1), 1);
     EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, 1.0, -1), L"rund");
     EXPECT_EQ(KSDLL_ValueToTString(store, format, 1, 0, 2.5, -1), L"2.50");
@@ -202,8 +228,8 @@ TEST_F(StringTables, ValuesShowTheirFirstEntry) {
 }
 
 TEST_F(StringTables, TheNumberIsKeptOnlyWithItsClass) {
-    const std::int32_t format = AddField(Of(TypeBit::kReference, {}, L"TABLE(Neu)"));
-    const std::int32_t cached = AddField(Of(TypeBit::kReference, {Classes::kStringTableCached}, L"TABLE(Neu)"));
+    const std::int32_t format = AddField(Of(kReference, {}, L"TABLE(Neu)"));
+    const std::int32_t cached = AddField(Of(kReference, {kStringTableCached}, L"TABLE(Neu)"));
     EXPECT_EQ(GetStringTableIndex(store, format, 1), 0);
     EXPECT_EQ(GetStringTableIndex(store, cached, 1), 0);
     AddTable(L"Neu", {});
@@ -211,6 +237,58 @@ TEST_F(StringTables, TheNumberIsKeptOnlyWithItsClass) {
     EXPECT_EQ(GetStringTableIndex(store, cached, 1), 0);
     store.SetDbClassString(cached, 1, L"TABLE(Neu)");
     EXPECT_EQ(GetStringTableIndex(store, cached, 1), 2);
+}
+
+constexpr double kUntouched = 4711.25;
+
+double Read(Data::MemoryResident::MemoryResidentData& store, std::int32_t format, const wchar_t* text) {
+    double value = kUntouched;
+    EXPECT_FALSE(ConvertStringByColumnType(store, format, 1, text, &value));
+    return value;
+}
+
+TEST_F(Value, TextsBecomeValuesOfTheirType) {
+    struct Case {
+        Field field;
+        std::vector<std::pair<const wchar_t*, double>> read;
+    };
+
+    const Testing::ForeignLocale foreign;
+    const double noon = 44562.5; // 2022-01-01
+    const double none = kUntouched;
+    const Case cases[] = {
+        {Of(kReal),
+         {{L" 1234.5 kg", 1234.5},
+          {L"1,5", 1.0},
+          {L"abc", none},
+          {L"", none},
+          {nullptr, none},
+          {L"inf", none},
+          {L"1e999", none}}},
+        {Of(kInteger), {{L" -12.9", -12.0}, {L"99999999999", 2147483647.0}, {L"0x10", 0.0}, {L"x", none}}},
+        {Of(kReal | kInteger), {{L"2.5", 2.5}}},
+        {Of(kDateTime), {{L"2022-01-01 12:00", noon}, {L"2022-02-31", none}, {L"UNBESTIMMT", -1.0}}},
+        {Of(kDateTime, {kTimeForm}), {{L"6:00", 0.25}, {L"25:00", none}}},
+        {Of(kDuration), {{L"2 Tage 12:00", 2.5}, {L"abc", none}}},
+        {Of(kDuration, {kTimeForm, kDurationMode3}), {{L"Dienstag 12:00", 2.5}}},
+        {Of(kDuration, {kTimeForm}), {{L"Tag 3 12:00", 2.5}}},
+        {Of(kDuration, {kDurationMode2}), {{L"60 Stunden", 2.5}}},
+        {Of(kToggle), {{L"jA", 1.0}, {L"Jaja", 0.0}, {nullptr, 0.0}}},
+        {Of(kReference), {{L"5", none}}},
+        {Of(kFreeString), {{L"5", none}}},
+        {Of(kFreeString | kReal), {{L"5", 5.0}}},
+        {Of(0x100 | kReal), {{L"5", none}}},
+        {Of(kMatrix | kReal), {{L"5", none}}},
+    };
+    for (const Case& c : cases) {
+        for (const auto& [text, value] : c.read) {
+            EXPECT_EQ(Read(store, AddField(c.field), text), value)
+                << std::hex << c.field.type << ' ' << ::testing::PrintToString(text != nullptr ? text : L"null");
+        }
+    }
+    double value = kUntouched;
+    EXPECT_FALSE(ConvertStringByColumnType(store, -1, 0, L"5", &value));
+    EXPECT_EQ(value, kUntouched);
 }
 
 } // namespace

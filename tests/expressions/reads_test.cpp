@@ -1,7 +1,6 @@
-// What expressions read by way of matrices and of display texts, and chains of such reads.
-#include "fixtures/store_test.h"
+// What expressions read: cells, their texts, elements of matrices, display texts, and chains of such reads.
+#include "expressions/expression_test.h"
 
-#include <kestrona/expression_parsing.h>
 #include <kestrona/value_text.h>
 
 namespace Kestrona::Expressions {
@@ -10,30 +9,50 @@ namespace {
 
 using namespace Data::MemoryResident;
 using namespace Fixtures;
+using Reads = ExpressionTest;
 
-class Reads : public RecordedStoreTest {
-protected:
-    INativeExpression* Compile(std::int32_t format, std::int32_t field, const std::wstring& text,
-                               bool is_string = false) {
-        INativeExpression* const expression =
-            KSDLL_CreateFieldExpression(*store, format, field, text, is_string, nullptr);
-        EXPECT_NE(expression, nullptr) << testing::PrintToString(text);
-        return expression;
-    }
+TEST_F(Reads, TakeTheCellOrItsText) {
+    struct Case {
+        const wchar_t* text;
+        std::int32_t record;
+        double expected;
+        bool is_reported = false;
+    };
 
-    void Calculate(std::int32_t format, std::int32_t field, const std::wstring& text) {
-        const bool is_string = store->ClassDefined(format, field, Classes::kFreeFormat);
-        store->SetDbEvaluateExpression(format, field, Compile(format, field, text, is_string));
+    Field dual = Number(L"Dual"); // a number with a text of its own
+    dual.classes = {Classes::kFreeFormat};
+    const Field plain{.name = L"Plain", .type = TypeBit::kReference}; // no text column
+    AddTable(*store, L"Orders", {Number(L"Key"), Text(L"Cost"), Number(L"Amount"), plain, dual}, 4);
+    const wchar_t* const costs[] = {L"12.5", L"abc", L"", L" 1"};
+    for (std::int32_t record = 0; record < 4; ++record) {
+        store->SetDbString(0, 1, record, costs[record]);
+        store->SetDbValue(0, 2, record, 0.1 + record);
+        store->SetDbValue(0, 3, record, 3.0 + record);
+        store->SetDbValue(0, 4, record, 7.0);
+        store->SetDbString(0, 4, record, L"1e3");
     }
-
-    std::wstring TextOf(std::int32_t format, const std::wstring& text, std::int32_t record,
-                        std::int32_t matrix_index = -1, std::int32_t field = -1) {
-        const std::unique_ptr<INativeExpression> expression(Compile(format, field, text, true));
-        std::wstring result = L"before";
-        EXPECT_EQ(KSDLL_MatrixEvaluateExpression(*store, record, matrix_index, expression.get(), &result), 0.0);
-        return result;
+    for (const Case& c :
+         {Case{L"{$Cost}", 0, 12.5}, Case{L"{Cost}", 0, 12.5}, Case{L"{#Cost}", 0, 0.0}, Case{L"{$Cost}", 1, 0.0, true},
+          Case{L"{Cost}", 2, 0.0, true}, Case{L"{$Cost}", 3, 0.0, true}, Case{L"{Amount}", 0, 0.1},
+          Case{L"{#Amount}", 3, 3.1}, Case{L"{$Amount}", 0, 0.1}, Case{L"{Plain}", 0, 3.0}, Case{L"{#Plain}", 1, 4.0},
+          Case{L"{$Dual}", 0, 1000.0}, Case{L"{Dual}", 0, 7.0}, Case{L"{#Dual}", 0, 7.0}}) {
+        logger.lines.clear();
+        EXPECT_EQ(ValueOf(0, c.text, c.record), c.expected) << testing::PrintToString(c.text) << c.record;
+        EXPECT_EQ(logger.lines,
+                  std::vector<std::wstring>(c.is_reported ? 1 : 0,
+                                            L"Evaluation Error: Could not convert field string to double"));
+        double one = -5.0;
+        Compile(0, -1, c.text)->EvaluateBlock(*store, c.record, 1, &one);
+        EXPECT_EQ(one, c.expected) << testing::PrintToString(c.text) << c.record;
     }
-};
+    EXPECT_EQ(TextOf(0, L"{$Cost}", 1), L"abc");
+    EXPECT_EQ(TextOf(0, L"{Cost}", 2), L"");
+    EXPECT_EQ(TextOf(0, L"{#Cost}|{Amount}|{$Dual}|{Dual}|<{$Cost}{#Dual}>", 0),
+              L"0|0.10000000000000001|1e3|7|<12.57>");
+    std::wstring text = L"kept";
+    EXPECT_EQ(KSDLL_EvaluateExpression(*store, 1, Compile(0, -1, L"\"b\"@\"x{$Cost}\"").get(), &text), 1.0);
+    EXPECT_EQ(text, L"kept");
+}
 
 // A matrix of numbers in the group of field 0.
 Field GroupMatrix(const std::wstring& name, double default_value, std::vector<Class> classes = {}) {
@@ -65,15 +84,11 @@ protected:
         for (std::int32_t record = 0; record < 3; ++record) {
             store->SetDbValue(format, kRate, record, 10.0 * (record + 1));
         }
-        for (const std::int32_t record : {0, 1}) {
-            const std::int32_t hours = KSDLL_CreateMatrix(*store, 3, format, kHours, record);
-            for (std::uint32_t i = 0; i < 3; ++i) {
-                KSDLL_SetMatrixValue(hours, i, 100.0 * record + i + 0.25);
-            }
-        }
         for (std::int32_t record = 0; record < 3; ++record) {
             KSDLL_CreateMatrix(*store, 3, format, kTwice, record);
         }
+        Fill(format, kHours, 0, {0.25, 1.25, 2.25});
+        Fill(format, kHours, 1, {100.25, 101.25, 102.25});
         KSDLL_CreateMatrix(*store, 3, format, kCost, 0);
     }
 
@@ -131,14 +146,8 @@ TEST_F(Reads, AsTextShowWhatTheFieldDisplays) {
               L"0.13|13|bolt|bolt|42|42.13|<bolt>");
     EXPECT_EQ(TextOf(orders, L"{$Part}|{$Sum}|{$Label}", 1), L"43.00|43.00|43.00") << "no such record";
 
-    const auto number = [&](const wchar_t* text) {
-        const std::unique_ptr<INativeExpression> expression(Compile(orders, -1, text));
-        return KSDLL_EvaluateExpression(*store, 0, expression.get(), nullptr);
-    };
-    EXPECT_EQ(number(L"{$Amount} + {$Sum}"), 0.13 + 42.13) << "as displayed";
+    EXPECT_EQ(ValueOf(orders, L"{$Amount} + {$Sum}", 0), 0.13 + 42.13) << "as displayed";
     EXPECT_TRUE(logger.lines.empty());
-    EXPECT_EQ(number(L"{$Part} + 1"), 1.0);
-    EXPECT_EQ(logger.lines.size(), 1u);
 }
 
 // People who stand behind each other, and whose label tells of all in front of them.
@@ -163,19 +172,6 @@ protected:
 
     std::int32_t format = -1;
 };
-
-TEST_F(Queue, IsFollowedThroughReferencesToABound) {
-    Calculate(format, 2, L"{#Key},{$Next}");
-    Calculate(format, 3, L"{$Next sum} + 1");
-    EXPECT_EQ(store->GetDbString(format, 2, 397), L"397,398,399,400.00");
-    EXPECT_EQ(store->GetDbValue(format, 3, 300), 500.0);
-    EXPECT_TRUE(logger.lines.empty());
-    EXPECT_EQ(store->GetDbString(format, 2, 0), L"") << "too long";
-    EXPECT_EQ(logger.lines.size(), 1u);
-    EXPECT_EQ(store->GetDbValue(format, 3, 0), 0.0);
-    EXPECT_EQ(logger.lines.size(), 2u);
-    EXPECT_EQ(store->GetDbString(format, 2, 399), L"399,400.00") << "and nothing is left of it";
-}
 
 TEST_F(Queue, ThatBitesItsTailEndsInTimeHoweverOftenItIsRead) {
     Calculate(format, 2, L"{$Next}/{$Next}/{$Next}");
