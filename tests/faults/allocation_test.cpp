@@ -73,6 +73,10 @@ struct Case {
     Shortage shortage;
 };
 
+void PrintTo(const Case& shown, std::ostream* out) {
+    *out << shown.name;
+}
+
 class Allocation : public testing::TestWithParam<Case> {};
 
 TEST_P(Allocation, FailureIsToldAndLeavesNothingBehind) {

@@ -11,7 +11,7 @@ import signal
 import tempfile
 import zlib
 
-from running import PLANT, SOURCE, TOOL, FolderTest, cases, main, read
+from running import PLANT, SOURCE, TOOL, FolderTest, at_terminals, cases, main, read
 
 # The field of the plant that is not saved.
 UNSAVED = "Sequence on screen"

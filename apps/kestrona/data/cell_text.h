@@ -48,8 +48,8 @@ inline constexpr double kUnset = -1.0;
 /// Returns the text without the blanks, tabs and carriage returns around it.
 [[nodiscard]] std::string_view TrimCell(std::string_view text);
 
-/// Returns a value of a form other than `Text`, "" for an unset one; a date with as many decimals of a second as tell it
-/// from its neighbours. `ParseCell` reads the very value back.
+/// Returns a value of a form other than `Text`, "" for an unset one; a date with as many decimals of a second as tell
+/// it from its neighbours. `ParseCell` reads the very value back.
 [[nodiscard]] std::string ValueText(double value, ValueForm form);
 
 /// Reads a value of a form other than `Text`. An empty text is unset (-1.0) for dates, durations and references and
