@@ -295,5 +295,32 @@ TEST(ColumnFile, TextsAreUtf16AndComeBackByWrites) {
     EXPECT_EQ(column.GetValue(0), L"ab"); // a text ends at its first zero
 }
 
+TEST(NullColumn, TakesEverythingAndKeepsNothing) {
+    NullColumn column;
+    column.SetValue(2, 5.0);
+    column.Insert(0, 5.0);
+    column.Resize(10);
+    EXPECT_EQ(column.GetValue(2), 0.0);
+    EXPECT_EQ(column.GetCurrentSize(), 0U);
+    EXPECT_EQ(column.Find(0.0), -1);
+    column.Erase(0, 5.0);
+    column.StartTransaction("");
+    column.RevertTransaction("");
+    column.EndTransaction("");
+    column.Clear(true);
+    EXPECT_EQ(column.FindMaxValue() + column.FindMinValue() + column.GetDefaultValue(), 0.0);
+    EXPECT_EQ(column.FindMaxValue(true) + column.FindMinValue(true), 0.0);
+    EXPECT_FALSE(column.HasColumnChanged());
+    EXPECT_EQ(column.GetRecordState(2), 0);
+    EXPECT_TRUE(column.IsNullColumn());
+    EXPECT_TRUE(column.CanWrite());
+    const std::unique_ptr<FindResult> found(column.FindAll(0.0));
+    EXPECT_TRUE(found->IsEmpty() && found->OwnsRecords());
+    const std::unique_ptr<IColumn<double>> other(column.CreateIndexedColumn());
+    EXPECT_NE(other.get(), &column);
+    EXPECT_TRUE(other->IsNullColumn());
+    EXPECT_FALSE(other->IsIndexedColumn());
+}
+
 } // namespace
 } // namespace Kestrona::Testing

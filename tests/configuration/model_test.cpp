@@ -87,6 +87,45 @@ TEST_F(Model, ReadsWhatAFieldsStringAndClassesSay) {
     }
 }
 
+TEST_F(Model, TellsEachAttributeByItsClassAlone) {
+    struct Case {
+        Class c;
+        bool (ColumnDefinition::*get)() const;
+    };
+
+    const Case cases[] = {
+        {{0, 4}, &ColumnDefinition::get_Hidden},
+        {{0, 8}, &ColumnDefinition::get_ReadOnly},
+        {{7, 64}, &ColumnDefinition::get_IncludeSeconds},
+        {{2, 65536}, &ColumnDefinition::get_ShowDate},
+        {{4, 67108864}, &ColumnDefinition::get_ShowTooltip},
+        {{3, 8192}, &ColumnDefinition::get_IsEvaluate},
+    };
+    Add(L"T", {Real(L"A", L"")});
+    for (const Case& c : cases) {
+        ColumnDefinition column = Column(0);
+        column.AddClassAttribute(c.c);
+        for (const Case& other : cases) {
+            EXPECT_EQ((column.*other.get)(), other.c == c.c) << c.c.word << ":" << c.c.mask;
+        }
+        EXPECT_TRUE(store_.ClassDefined(0, 0, c.c));
+        column.RemoveClassAttribute(c.c);
+        EXPECT_FALSE((column.*c.get)());
+    }
+}
+
+TEST_F(Model, GivesNumbersOnlyWhereTheirClassIsSet) {
+    Add(L"T", {Real(L"A", L""), Real(L"B", L"", {Classes::kCallDialog, Classes::kAssociate})});
+    for (std::int32_t field : {0, 1}) {
+        store_.SetDbTable(0, field, 33);
+        store_.SetDbData(0, field, DataSlot::kAssociateField, 4);
+    }
+    EXPECT_EQ(Thrown([&] { static_cast<void>(Column(0).get_CallDialog().get_Value()); }), L"No value present");
+    EXPECT_FALSE(Column(0).get_AssociatedTo().HasValue());
+    EXPECT_EQ(Column(1).get_CallDialog().get_Value(), 33);
+    EXPECT_EQ(Column(1).get_AssociatedTo().get_Value(), 4);
+}
+
 TEST_F(Model, RefusesEveryChangeOfAnOriginalView) {
     Add(L"T", {Real(L"A", L"FORMAT(1)", {Classes::kHidden})});
     Column(0).KeepOriginal();

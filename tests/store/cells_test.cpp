@@ -187,10 +187,12 @@ TEST_F(DefaultValues, FillAMatrixAndSelectLists) {
     const std::int32_t orders =
         AddTable(*store, L"Orders",
                  {Number(L"Key", 1.0), Reference(L"Group", 1, 0), matrix({Classes::kList, Classes::kSelectAll}, 0, 1),
-                  matrix({Classes::kParallelList, Classes::kAssociate}, -1, -1), matrix({}, -1, 0)});
+                  matrix({Classes::kParallelList, Classes::kAssociate}, -1, -1), matrix({}, -1, 0),
+                  matrix({Classes::kParallelList, Classes::kList}, -1, 2)});
     store->SetDbSourceY(orders, 2, 1);
     store->SetDbRelated(orders, 2, 1);
     store->SetDbData(orders, 3, DataSlot::kAssociateField, 2);
+    store->SetDbData(orders, 5, DataSlot::kAssociateField, 2);
     Create(0, 3);
     Create(1, 2);
     Create(orders, 1);
@@ -201,6 +203,7 @@ TEST_F(DefaultValues, FillAMatrixAndSelectLists) {
     Set(orders, 2, 0); // nothing is selected
     EXPECT_EQ(Cells(orders, 2, 0), (Doubles{1, 2, 3}));
     EXPECT_EQ(Cells(orders, 3, 0).size(), 3u);
+    EXPECT_EQ(Cells(orders, 5, 0), (Doubles{0, 0, 0})); // the text of each entry is held elsewhere
     store->SetDbValue(orders, 1, 0, 2.0);
     Set(orders, 2, 0);
     EXPECT_EQ(Cells(orders, 2, 0), (Doubles{3, 1}));

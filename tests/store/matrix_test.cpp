@@ -249,6 +249,19 @@ TEST_F(Matrices, AreFoundThroughAReference) {
     EXPECT_EQ(KSDLL_LocateMatrixId(*store, 99, 1, format, 0, kList), -1);
 }
 
+TEST_F(Matrices, KeepLabelsAndLinksOfTheField) {
+    EXPECT_EQ(KSDLL_GetMatrixXLabel(*store, format, kGrid), nullptr);
+    wchar_t* const label = KSDLL_AddText(L"From");
+    KSDLL_SetMatrixXLabel(*store, format, kGrid, label);
+    KSDLL_SetMatrixYLabel(*store, format, kGrid, KSDLL_AddText(L"To"));
+    EXPECT_EQ(KSDLL_GetMatrixXLabel(*store, format, kGrid), label);
+    EXPECT_STREQ(KSDLL_GetMatrixYLabel(*store, format, kGrid), L"To");
+    KSDLL_SetMatrixXLabel(*store, format, 99, KSDLL_AddText(L"freed")); // the leak sanitizer tells
+    KSDLL_SetDbMatrixField(*store, format, kParallel, kList);
+    EXPECT_EQ(KSDLL_GetDbMatrixField(*store, format, kParallel), kList);
+    EXPECT_EQ(KSDLL_GetDbMatrixField(*store, format, 99), -1);
+}
+
 TEST_F(Matrices, AnOpenDialogNamesTheElement) {
     KSDLL_SetMatrixValue(Create(3, 1, kGrid), 1, 11.0);
     KSDLL_SetMatrixValue(Create(3, 1, kParallel), 2, 22.0);

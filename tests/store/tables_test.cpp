@@ -117,6 +117,17 @@ TEST_F(Datasets, ARootAndItsChildrenSwitchTogether) {
     EXPECT_EQ(store->GetAssociateTableNumber(1), -1);
 }
 
+TEST_F(Datasets, TablesOfOneRootBelongTogether) {
+    std::string together;
+    for (std::int32_t a = 0; a < 4; ++a) {
+        for (std::int32_t b = 0; b < 4; ++b) {
+            together += std::to_string(KSDLL_AreTablesAssociated(*store, a, b));
+        }
+        together += ' ';
+    }
+    EXPECT_EQ(together, "0110 1110 1110 0000 ");
+}
+
 TEST_F(Datasets, ANameThatDiffersInCaseIsNotStoredButMarksEveryRecord) {
     store->SetDatasetName(3, L"Plan Ä");
     store->ResetDbChanged(3);
