@@ -156,6 +156,7 @@ std::int32_t Session::FindFormat(const std::string& name) {
     const std::int32_t named = FormatNamed(store, name);
     if (named < 0) {
         std::vector<std::string> known;
+        known.reserve(static_cast<std::size_t>(store.GetFormatCount()));
         for (std::int32_t format = 0; format < store.GetFormatCount(); ++format) {
             known.push_back(FormatName(store, format));
         }
@@ -169,6 +170,7 @@ std::int32_t Session::FindField(std::int32_t format, const std::string& name) {
     const std::int32_t named = FieldNamed(store, format, name);
     if (named < 0) {
         std::vector<std::string> known;
+        known.reserve(static_cast<std::size_t>(store.GetDbFields(format)));
         for (std::int32_t field = 0; field < store.GetDbFields(format); ++field) {
             known.push_back(ToUtf8(store.GetColumnName(format, field)));
         }

@@ -146,7 +146,8 @@ void TakeList(const std::string& file, const TranslationList& list, GivenEntries
             ++given.open;
             continue;
         }
-        const auto [first, is_new] = given.places.try_emplace({entry.section, entry.text}, file, entry.line);
+        const auto [first, is_new] =
+            given.places.try_emplace({entry.section, entry.text}, GivenEntries::Place{file, entry.line});
         if (!is_new) {
             TellWarning(Problem{Code::UnusedTranslation, fmt::format("unused: '{}' has its translation at {}",
                                                                      ToUtf8(entry.text), PlaceText(first->second))},

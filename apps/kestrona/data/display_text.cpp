@@ -20,7 +20,7 @@ constexpr std::int32_t kNoRecord = -1;
 constexpr std::uint32_t kSingleTypes = TypeBit::kReal | TypeBit::kInteger | TypeBit::kReference | TypeBit::kDateTime |
                                        TypeBit::kDuration | TypeBit::kToggle;
 
-std::wstring Trimmed(std::wstring text) {
+std::wstring Trimmed(const std::wstring& text) {
     const std::size_t first = text.find_first_not_of(L' ');
     return first == std::wstring::npos ? std::wstring() : text.substr(first, text.find_last_not_of(L' ') - first + 1);
 }
