@@ -13,8 +13,9 @@ namespace {
 
 // Boost computes widths, precisions and argument numbers in int without a bound and pads to any width. A number of more
 // than three digits in a placeholder has no honest use, so such a text is not taken for a format. Nor is one with the
-// flag '_', which together with '-' and '0' fails an assertion of Boost, or with the conversion 'T', which takes the
-// character behind it: where that is a '%', Boost counts its items wrong and writes beyond them.
+// flag '_', which together with '-' and '0' fails an assertion of Boost, or with the conversion 'n', whose flags Boost
+// adds to those of the placeholder behind it, with the same end. The conversion 'T' takes the character behind it:
+// where that is a '%', Boost counts its items wrong and writes beyond them.
 bool HasTamePlaceholders(std::wstring_view text) {
     constexpr std::size_t kMostDigits = 3;
     constexpr std::wstring_view kBetween = L"+-#. '$|*=_<>hljzLwI";
@@ -26,7 +27,7 @@ bool HasTamePlaceholders(std::wstring_view text) {
                 return false;
             }
         }
-        if (i < text.size() && text[i] == L'T') {
+        if (i < text.size() && (text[i] == L'T' || text[i] == L'n')) {
             return false;
         }
     }

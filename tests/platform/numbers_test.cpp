@@ -139,8 +139,8 @@ TEST(FormatText, ATextThatDoesNotFitItsArgumentsStillGivesText) {
     EXPECT_EQ(FormatText(L"%s", L"one", L"two"), L"one");
     EXPECT_EQ(FormatText(L"%li", L"text"), L"text");
     EXPECT_EQ(FormatText(L"%s", 1.5), L"1.5");
-    for (const wchar_t* unparsable :
-         {L"50%", L"%", L"%1$s %s", L"%1000000000s", L"%9999999999$s", L"%.5000lf", L"%-_08lf", L"%T%%s %s"}) {
+    for (const wchar_t* unparsable : {L"50%", L"%", L"%1$s %s", L"%1000000000s", L"%9999999999$s", L"%.5000lf",
+                                      L"%-_08lf", L"%T%%s %s", L"%0n%-5d"}) {
         EXPECT_EQ(FormatText(unparsable, 1.5, L"x"), unparsable);
     }
 }
