@@ -220,6 +220,25 @@ TEST_F(DefinitionLoad, ClearsTheGuardByHand) {
     EXPECT_EQ(Load(), -1);
 }
 
+TEST(CompilationState, NamesTheFileOfEachCompileType) {
+    struct Kind {
+        ConfigurationCompileType type;
+        const wchar_t* file;
+        std::int32_t source_type;
+    };
+
+    CompilationState state;
+    for (const Kind& kind : {Kind{ConfigurationCompileType::Cnf, L"KESTRONA.CNF", 1},
+                             Kind{ConfigurationCompileType::Oem, L"KESTRONA.OEM", 3},
+                             Kind{ConfigurationCompileType::Runtime, L"KESTRONA.KS_RT", 2}}) {
+        state.set_CompileType(kind.type);
+        EXPECT_EQ(state.ResolveDefaultOutputFile(), kind.file);
+        EXPECT_EQ(static_cast<std::int32_t>(state.ResolveSourceType()), kind.source_type);
+    }
+    state.set_CompileType(static_cast<ConfigurationCompileType>(4));
+    EXPECT_THROW((void)state.ResolveDefaultOutputFile(), const wchar_t*);
+}
+
 } // namespace
 
 } // namespace Kestrona::Configuration

@@ -8,6 +8,8 @@
 #include <kestrona/dates.h>
 #include <kestrona/matrices.h>
 #include <kestrona/record_search.h>
+#include <kestrona/table_definition_stream.h>
+#include <kestrona/table_storage.h>
 #include <kestrona/unicode.h>
 
 #include <gtest/gtest.h>
@@ -59,6 +61,13 @@ protected:
     }
 
     void Save(const std::string& content) { folder.Write("file", content); }
+
+    template <typename Write>
+    static std::string Written(const Write& write) {
+        const Testing::File out(std::tmpfile());
+        write(out.get());
+        return Testing::BytesOf(out.get());
+    }
 
     Fixtures::FreshProcess process;
     Fixtures::RecordingMessages& messages = Fixtures::InstallRecordingMessages();
@@ -157,6 +166,26 @@ TEST_F(Snapshot, ReferencesThatLeadNowhereThrowTheirText) {
         EXPECT_EQ(read(true),
                   L"Unrecognised table or field name referred to by a " + std::wstring(keyword) + L" classification");
         EXPECT_EQ(read(false), std::to_wstring(expected["all"].size()));
+    }
+}
+
+// Once in the store, the plant is written again as it was.
+TEST_F(Snapshot, DefinitionAndBlocksAreWrittenBackByteForByte) {
+    reader.ReadSummaryDataFromFile(path, summary);
+    reader.ReadCompiledTableDefinition(path);
+    const std::string definition = Written([&](std::FILE* out) {
+        reader.ResetChecksum();
+        WriteTableDefinitionToStream(*store, L"opaque", L"", out, nullptr);
+    });
+    EXPECT_TRUE(definition == bytes.substr(62, static_cast<std::size_t>(summary.DefinitionSize)));
+    for (const TableExtractionSummary& table : summary.Tables) {
+        const std::int32_t format = store->FindFormatByName(table.get_Name().c_str());
+        reader.ReadTableDataFromFile(path, format, table.get_DataOffset());
+        const std::string block =
+            Written([&](std::FILE* out) { Common::TableStorage::WriteTableData(*store, format, out); });
+        EXPECT_NE(bytes.find(block, static_cast<std::size_t>(table.get_DataOffset())), std::string::npos)
+            << ToUtf8(table.get_Name());
+        EXPECT_EQ(block.size(), static_cast<std::size_t>(table.get_DataSize()) + 4);
     }
 }
 

@@ -126,6 +126,9 @@ TEST_F(Duration, DecimalPointsStayPointsInEveryLocale) {
     EXPECT_EQ(Shown(1000.0, DurationMode::kPrecise), L"1000 Tage 00h 00m 00.00s");
     EXPECT_EQ(Read(L"1.5"), 1.5);
     EXPECT_EQ(KSDLL_TStringFromOADate(0.0, false, false), L"12-30-1899 00:00");
+    std::array<wchar_t, 64> buffer{};
+    KSDLL_DurationToString(2.5, buffer.data(), DurationMode::kDays, {});
+    EXPECT_EQ(std::wstring(buffer.data()), L"2 Tage 12:00");
 }
 
 TEST_F(Duration, ReadsWhatUsersType) {

@@ -121,6 +121,7 @@ TEST_F(TranslationLists, HoldTheEntriesThatTheWritersWereGiven) {
     TranslationWriter_AddEntry(std::wstring{wchar_t{0x1f600}}, 2);
     DBTranslationWriter_NewSection(L"Data");
     DBTranslationWriter_AddEntry(L"Steel", 1);
+    DBTranslationWriter_AddEntry(L"Iron");
     TranslationWriter_Close();
     DBTranslationWriter_Close();
     TranslationWriter_AddEntry(L"too late");
@@ -129,7 +130,8 @@ TEST_F(TranslationLists, HoldTheEntriesThatTheWritersWereGiven) {
     EXPECT_EQ(TextOf("KSSERVER.LST"), head + L"KESTRONA.KSTDF.\n\n" + kBanner +
                                           L"#SECTION Formats\n\"Orders\"\n\" \"\n\n\"\"\n\" \"\n\n"
                                           L"\"ab\"\n\" \"\n\n\"\x1f600\"\n\" \"\n\n");
-    EXPECT_EQ(TextOf("KS_PDB.LST"), head + L"DataBase Files.\n\n" + kBanner + L"#SECTION Data\n\"Steel\"\n\" \"\n\n");
+    EXPECT_EQ(TextOf("KS_PDB.LST"),
+              head + L"DataBase Files.\n\n" + kBanner + L"#SECTION Data\n\"Steel\"\n\" \"\n\n\"Iron\"\n\" \"\n\n");
 }
 
 TEST_F(TranslationLists, ANewLoadBeginsThemAgain) {
@@ -145,6 +147,21 @@ TEST_F(TranslationLists, ANewLoadBeginsThemAgain) {
     std::filesystem::create_directory("KSSERVER.LST"); // so that no file can be opened
     Text::InstallTranslationWriters();
     TranslationWriter_AddEntry(L"lost");
+    TranslationWriter_Close();
+    EXPECT_TRUE(std::filesystem::is_directory("KSSERVER.LST"));
+}
+
+TEST_F(TranslationLists, WritersWithoutAFileTakeAnything) {
+    TranslationWriter_NewSection(L"Formats");
+    TranslationWriter_AddEntry(L"Orders", 1);
+    DBTranslationWriter_AddEntry(std::wstring(L"Orders"));
+    TranslationWriter_Close();
+    DBTranslationWriter_Close();
+    EXPECT_TRUE(std::filesystem::is_empty("."));
+
+    std::filesystem::create_directory("KSSERVER.LST"); // so that no file can be opened
+    Text::InstallTranslationWriters();
+    TranslationWriter_AddEntry(L"Orders");
     TranslationWriter_Close();
     EXPECT_TRUE(std::filesystem::is_directory("KSSERVER.LST"));
 }

@@ -129,6 +129,16 @@ TEST(Parsers, PlainKeywordsAreFoundInsideLongerWords) {
     EXPECT_EQ(Describe(SimpleClassificationParser(L"a.b").MatchFirst(L"axb a.b")), "4+3=7 <a.b>");
 }
 
+TEST(Parsers, KeywordsTellTheirClassAndTheirBareWords) {
+    EXPECT_EQ(ClassificationParser_AUTO_LIST::get_Class(), (Class{1, 1}));
+    EXPECT_EQ(ClassificationParser_UPDATE_REFERENCE::get_Class(), (Class{1, 8388608}));
+    EXPECT_EQ(ClassificationParser_DATA_LIST().get_Class(), (Class{10, 2097152}));
+    EXPECT_EQ(ClassificationParser_EXCLUDE_FROM_DB().get_Class(), (Class{0, 1073741824}));
+    EXPECT_TRUE(ClassificationParser_UPDATE_REFERENCE::HasKeyword(L"x UPDATE REFERENCE x"));
+    EXPECT_FALSE(ClassificationParser_UPDATE_REFERENCE::HasKeyword(L"ADDITIONAL REFERENCE"));
+    EXPECT_TRUE(ClassificationParser_ADDITIONAL_REFERENCE::HasKeyword(L"ADDITIONAL REFERENCE"));
+}
+
 TEST(Parsers, PositionsCountFromTheBeginningOfTheText) {
     const ClassificationParser_SOURCE source;
     const std::wstring text = L"\U0001F600 LOOKUP SOURCE(A(B))";
