@@ -1,7 +1,6 @@
 """Scrambled texts of compiled definitions, by another hand.
 
-    binary_strings.py encode LINES FILE    writes a text for each line of LINES: its bytes in hexadecimal
-    binary_strings.py decode FILE LINES    the other way round; fails on a wrong checksum"""
+    binary_strings.py LINES FILE    writes a text for each line of LINES: its bytes in hexadecimal"""
 
 import struct
 import sys
@@ -19,18 +18,6 @@ class Scrambling:
             out.append(self.chain)
         return struct.pack("<i", len(plain)) + bytes(out) + self.finish(plain)
 
-    def decode(self, data, at):
-        """The text at a place of a file, and the place behind it."""
-        size, = struct.unpack_from("<i", data, at)
-        at, shift, plain = at + 4, self.count, bytearray()
-        for byte in data[at:at + size]:
-            plain.append((byte >> shift | byte << (8 - shift)) & 255 ^ self.chain)
-            self.chain = byte
-        check = self.finish(plain)
-        if len(plain) != size or data[at + size:at + size + len(check)] != check:
-            raise ValueError("wrong length or checksum at %d" % at)
-        return bytes(plain), at + size + len(check)
-
     def finish(self, plain):
         if not plain:
             return b""
@@ -39,17 +26,10 @@ class Scrambling:
         return b"" if self.count else struct.pack("<Q", self.sum)
 
 
-def main(direction, source, target):
+def main(source, target):
     scrambling = Scrambling()
-    if direction == "encode":
-        with open(source) as lines, open(target, "wb") as file:
-            file.write(b"".join(scrambling.encode(bytes.fromhex(line)) for line in lines))
-        return
-    data, at = open(source, "rb").read(), 0
-    with open(target, "w") as lines:
-        while at < len(data):
-            plain, at = scrambling.decode(data, at)
-            lines.write(plain.hex() + "\n")
+    with open(source) as lines, open(target, "wb") as file:
+        file.write(b"".join(scrambling.encode(bytes.fromhex(line)) for line in lines))
 
 
 if __name__ == "__main__":
