@@ -57,12 +57,12 @@ MatrixTable::Place MatrixTable::NeedEntry(std::int32_t id) {
             ++scatteredOfPage_[number];
         }
         if (scatteredOfPage_[number] <= kMostScattered) {
-            return {place->second, nullptr};
+            return {&place->second, nullptr};
         }
         Gather(number);
     }
     Page& page = NeedPage(number);
-    return {page.entries[static_cast<std::uint32_t>(id) % kPageEntries], &page};
+    return {&page.entries[static_cast<std::uint32_t>(id) % kPageEntries], &page};
 }
 
 // The page takes its entries back.
@@ -173,12 +173,12 @@ bool MatrixTable::ClaimId(std::int32_t id) {
 }
 
 void MatrixTable::Put(std::int32_t id, MatrixEntry matrix) {
-    const Place place = NeedEntry(id);
-    BreakOrder(place.entry);
-    if (place.page != nullptr) {
-        place.page->matrices += (matrix.IsMatrix() ? 1 : 0) - (place.entry.IsMatrix() ? 1 : 0);
+    const auto [entry, page] = NeedEntry(id);
+    BreakOrder(*entry);
+    if (page != nullptr) {
+        page->matrices += (matrix.IsMatrix() ? 1 : 0) - (entry->IsMatrix() ? 1 : 0);
     }
-    place.entry = std::move(matrix);
+    *entry = std::move(matrix);
     HeldMark(id) = true;
 }
 

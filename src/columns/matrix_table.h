@@ -111,7 +111,7 @@ private:
 
     // The entry, and its page unless it stands in the map.
     struct Place {
-        MatrixEntry& entry;
+        MatrixEntry* entry;
         Page* page;
     };
 
