@@ -246,16 +246,19 @@ TEST(ColumnFile, WholeValuesUpToACutAreTaken) {
 
 TEST(ColumnFile, FalseCountsNeitherCrashNorAllocate) {
     for (const std::string& count : {"\xFF\xFF\xFF\x7F"s, "\0\0\0\x80"s, "\xFF\xFF\xFF\xFF"s}) {
+        const bool is_negative = count[3] != '\x7F';
         for (const NumberCase& c : kNumberCases) {
             const Numbers column(c.make());
             column->ReadFromFile(FileOf(count + c.bytes.substr(4)).get());
-            const bool is_negative = count[3] != '\x7F';
             EXPECT_EQ(column->GetCurrentSize(), is_negative ? 0 : c.values.size()) << c.name;
         }
         for (const std::size_t at : {0U, 4U, 12U, 16U, 24U}) { // every count and length
-            StringColumn column(L"", new NullRecordStateStrategy);
+            StringColumn column(L"?", new NullRecordStateStrategy);
             column.ReadFromFile(FileOf(std::string(kTexts).replace(at, 4, count)).get());
             EXPECT_LE(column.GetCurrentSize(), 4U);
+            if (at == 24U) { // the last text: empty, or more than there is
+                EXPECT_EQ(column.GetCurrentSize(), is_negative ? 4U : 3U);
+            }
         }
     }
 }
