@@ -20,7 +20,7 @@ struct NamingContext {
     bool matrix = false;
     std::int32_t group = -1;
 
-    friend auto operator<=>(const NamingContext&, const NamingContext&) = default;
+    friend auto operator<=>(const NamingContext&, const NamingContext&) = default; // NOLINT(*-use-nullptr): misread
 };
 
 // `field` is -1 for an expression that belongs to no field.

@@ -40,7 +40,7 @@ public:
     }
 
     // "yes", "no" or the text that was thrown.
-    std::wstring RequiresExclusion(std::int32_t field) {
+    std::wstring RequiresExclusion(std::int32_t field) const {
         try {
             return KSDLL_RequiresExclusionFromDB(*store, 0, field) ? L"yes" : L"no";
         } catch (const wchar_t* text) {
@@ -117,7 +117,7 @@ TEST(Validation, CostsNoMoreThanTheExpressionsThatItMeets) {
     for (int i = 1; i <= 1500; ++i) {
         chain.push_back(L"{#F" + std::to_wstring(i) + L"}");
     }
-    chain.push_back(L"{#F0}");
+    chain.emplace_back(L"{#F0}");
     Graph deep(chain);
     EXPECT_EQ(deep.Validate(), CyclicBox(L"F1500", L"F0", L"{#F0}"));
 }

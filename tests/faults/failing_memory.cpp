@@ -100,16 +100,16 @@ void* malloc(std::size_t size) {
     return Fails() ? nullptr : Counted(__libc_malloc(size));
 }
 
-void* calloc(std::size_t count, std::size_t size) {
-    return Fails() ? nullptr : Counted(__libc_calloc(count, size));
+void* calloc(std::size_t nmemb, std::size_t size) {
+    return Fails() ? nullptr : Counted(__libc_calloc(nmemb, size));
 }
 
-void* realloc(void* block, std::size_t size) {
+void* realloc(void* ptr, std::size_t size) {
     if (Fails()) {
         return nullptr;
     }
-    void* const moved = __libc_realloc(block, size);
-    live += (moved != nullptr ? 1 : 0) - (block != nullptr && (moved != nullptr || size == 0) ? 1 : 0);
+    void* const moved = __libc_realloc(ptr, size);
+    live += (moved != nullptr ? 1 : 0) - (ptr != nullptr && (moved != nullptr || size == 0) ? 1 : 0);
     return moved;
 }
 
@@ -121,14 +121,14 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) {
     return memalign(alignment, size);
 }
 
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
-    *block = memalign(alignment, size);
-    return *block != nullptr ? 0 : ENOMEM;
+int posix_memalign(void** memptr, std::size_t alignment, std::size_t size) {
+    *memptr = memalign(alignment, size);
+    return *memptr != nullptr ? 0 : ENOMEM;
 }
 
-void free(void* block) {
-    live -= block != nullptr ? 1 : 0;
-    __libc_free(block);
+void free(void* ptr) {
+    live -= ptr != nullptr ? 1 : 0;
+    __libc_free(ptr);
 }
 
 } // extern "C"

@@ -62,7 +62,7 @@ TEST(StreamLogger, TimesAreUtcToTheMillisecond) {
         std::string out;
         StreamLogger logger(
             LogLevel::Debug, [&out](std::string_view text) { out += text; },
-            [&] { return system_clock::time_point(milliseconds(time)); });
+            [since_epoch = milliseconds(time)] { return system_clock::time_point(since_epoch); });
         logger.Write(L"x");
         EXPECT_EQ(out, expected);
     }

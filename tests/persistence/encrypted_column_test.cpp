@@ -44,7 +44,7 @@ protected:
     }
 
     // Without the zeros behind a text.
-    static std::wstring Trimmed(const std::wstring& text) { return text.c_str(); }
+    static std::wstring Trimmed(const std::wstring& text) { return text.substr(0, text.find(L'\0')); }
 
     Testing::ScratchFolder folder_;
     EncryptionService& service = *EncryptionService::Instance();

@@ -112,7 +112,7 @@ TEST_F(Process, CommandLinesAreSplitInPlace) {
 std::wstring GetSystemPath(std::int32_t size = 600) {
     std::wstring buffer(600, L'#');
     get_system_path(buffer.data(), size);
-    return buffer.c_str();
+    return buffer.substr(0, buffer.find(L'\0'));
 }
 
 TEST_F(Process, TheSystemPathIsTheProgramsFolderUnlessOverridden) {

@@ -281,7 +281,7 @@ TEST(StableSort, TextsStandInTheOrderOfTheirBytes) {
             std::vector<std::string> texts(count);
             for (std::string& text : texts) {
                 text.resize(random() % (longest + 1));
-                std::ranges::generate(text, [&] { return letters[random() % letters.size()]; });
+                std::ranges::generate(text, [&, &from = letters] { return from[random() % from.size()]; });
             }
             for (const bool ascending : {true, false}) {
                 std::vector<NumberedText> sorted;

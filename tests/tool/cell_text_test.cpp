@@ -33,7 +33,7 @@ TEST(CellText, DatesAgreeWithTheCLibraryAndComeBack) {
         }
         ASSERT_EQ(IsoDate(*days), shown);
     }
-    for (double day = -693592.0; day < 2958465.0; day += 13.0) {
+    for (int day = -693592; day < 2958465; day += 13) {
         ASSERT_EQ(ParseIsoDate(IsoDate(day)), day);
     }
 }

@@ -112,8 +112,14 @@ int Session::LoadCompiled(const std::string& path) {
         return TellProblem(problem);
     }
     // Not the entry that a process has once: that one does not tell where a file goes wrong.
-    return host_.FillFromFile(path, Store()) == Host::LoadOutcome::Ok ? int{kExitGood}
-                                                                      : ExitCodeOf(host_.LastFileProblem().fault);
+    if (host_.FillFromFile(path, Store()) == Host::LoadOutcome::Ok) {
+        return kExitGood;
+    }
+    problem = host_.LastFileProblem();
+    // Of these the host only warns. The head was good a moment ago: somebody else has written or removed the file.
+    const bool is_changed =
+        problem.fault == Host::FileFault::WrongVersion || problem.fault == Host::FileFault::CannotOpen;
+    return is_changed ? TellProblem(problem) : ExitCodeOf(problem.fault);
 }
 
 int Session::Compile(const std::string& definition, const std::string& target) {

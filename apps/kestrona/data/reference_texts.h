@@ -20,7 +20,7 @@ struct ReferenceTarget {
     std::int32_t format = -1;
     std::int32_t field = -1;
 
-    auto operator<=>(const ReferenceTarget&) const = default;
+    auto operator<=>(const ReferenceTarget&) const = default; // NOLINT(*-use-nullptr): misread
 };
 
 /// Returns where the references of a field, or of its list, point; nothing for a field that holds none to records.

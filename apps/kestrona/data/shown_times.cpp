@@ -63,7 +63,7 @@ bool HasOnlyWordsOf(std::wstring_view text, const std::wstring& shown) {
 /// All words that durations of the field are shown with.
 std::wstring DurationWords(IMemoryResidentData& store, std::int32_t format, std::int32_t field) {
     std::wstring words = ShownValue(store, format, field, 0.5);
-    for (double days = 0.0; days <= 7.0; ++days) {
+    for (int days = 0; days <= 7; ++days) {
         words += L' ' + ShownValue(store, format, field, days);
     }
     return words;

@@ -82,6 +82,7 @@ void DescribeShown(ExportTable& table) {
 std::unique_ptr<TableSource> ShownSource(IMemoryResidentData& store, std::int32_t format,
                                          const std::vector<std::int32_t>& fields) {
     std::vector<FollowedField> followed;
+    followed.reserve(fields.size());
     for (const std::int32_t field : fields) {
         followed.push_back(OwnField(store, format, field));
     }

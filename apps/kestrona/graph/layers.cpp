@@ -98,11 +98,11 @@ private:
     // Boxes in the order of the search, the last one finished first, come before all that they point at.
     [[nodiscard]] std::vector<std::size_t> LongestPaths(const std::vector<std::vector<std::size_t>>& to_right) const {
         std::vector<std::size_t> ranks(input_.boxes.size());
-        for (auto box = order_.rbegin(); box != order_.rend(); ++box) {
-            for (const std::size_t target : to_right[*box]) {
-                ranks[target] = std::max(ranks[target], ranks[*box] + 1);
+        std::for_each(order_.rbegin(), order_.rend(), [&](std::size_t box) {
+            for (const std::size_t target : to_right[box]) {
+                ranks[target] = std::max(ranks[target], ranks[box] + 1);
             }
-        }
+        });
         return ranks;
     }
 

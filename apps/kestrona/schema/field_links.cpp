@@ -213,7 +213,7 @@ std::vector<FieldLink> FieldLinks(IMemoryResidentData& store, std::int32_t forma
 }
 
 std::string TargetText(IMemoryResidentData& store, const FieldLink& link, std::int32_t home) {
-    const std::string field = link.field < 0 ? std::string() : ToUtf8(store.GetColumnName(link.format, link.field));
+    std::string field = link.field < 0 ? std::string() : ToUtf8(store.GetColumnName(link.format, link.field));
     if (link.format == home && !field.empty()) {
         return field;
     }
