@@ -78,7 +78,6 @@ private:
 class PlantFolder {
 public:
     PlantFolder() {
-        setenv("TMPDIR", outputs_.Path().c_str(), 1);
         inputs_.Write("plant.ksdef", Host::kSmallPlant);
         fs::create_directory(Records());
         inputs_.Write("data/Product.csv", kProducts);
@@ -135,7 +134,7 @@ public:
 
 private:
     Testing::ScratchFolder inputs_;
-    Testing::ScratchFolder outputs_;
+    Testing::TemporaryFolder outputs_;
 };
 
 class PlantWork : public Work {

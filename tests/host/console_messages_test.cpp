@@ -61,7 +61,7 @@ TEST(ConsoleMessages, BufferFormStaysInsideTheBuffer) {
     for (std::size_t size = 1; size <= whole.size() + 2; ++size) {
         std::wstring buffer(whole.size() + 4, L'#');
         messages.GetMessageText(21001, buffer.data(), size);
-        EXPECT_EQ(std::wstring(buffer.c_str()), whole.substr(0, size - 1));
+        EXPECT_STREQ(buffer.c_str(), whole.substr(0, size - 1).c_str());
         EXPECT_EQ(buffer.find_first_not_of(L'#', size), std::wstring::npos) << size;
     }
     wchar_t untouched = L'#';

@@ -22,15 +22,6 @@ protected:
     Resources() {
         fs::create_directory(resources_.Path("8.cnf")); // a folder, no file
         EXPECT_EQ(mkfifo(resources_.Path("9.cnf").c_str(), 0600), 0);
-        setenv("TMPDIR", temporary_.Path().c_str(), 1);
-    }
-
-    ~Resources() override {
-        if (former_.empty()) {
-            unsetenv("TMPDIR");
-        } else {
-            setenv("TMPDIR", former_.c_str(), 1);
-        }
     }
 
     [[nodiscard]] std::ptrdiff_t TemporaryFiles() const {
@@ -38,8 +29,7 @@ protected:
     }
 
     Testing::ScratchFolder resources_;
-    Testing::ScratchFolder temporary_;
-    std::string former_ = std::getenv("TMPDIR") == nullptr ? "" : std::getenv("TMPDIR");
+    Testing::TemporaryFolder temporary_;
 };
 
 TEST_F(Resources, ExtractsACopyOfItsOwnEachTime) {

@@ -33,7 +33,7 @@ std::string MatrixDifference(IMemoryResidentData& store, const Twin& twin, std::
 
 std::string TextDifference(const std::wstring& text, const std::wstring& expected, bool is_encrypted) {
     // What was decrypted has zeros behind it.
-    return (is_encrypted ? text.c_str() : text) == expected ? "" : "another text";
+    return (is_encrypted ? text.substr(0, text.find(L'\0')) : text) == expected ? "" : "another text";
 }
 
 std::string CellDifference(IMemoryResidentData& store, const Twin& twin, std::int32_t format, std::int32_t field,
