@@ -30,7 +30,7 @@ public:
     void RecordChanged(std::int32_t record) override { log_.push_back("changed " + std::to_string(record)); }
 
     void RecordsChanged(std::int32_t first, std::uint64_t bits) override {
-        IRecordStateStrategy::RecordsChanged(first, bits);
+        IRecordStateStrategy::RecordsChanged(first, bits); // NOLINT(*-parent-virtual-call): each record is reported
     }
 
     void RecordErased(double key) override {

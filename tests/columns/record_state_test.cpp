@@ -56,10 +56,10 @@ TEST(ChangedRecords, MovingLeavesTheSourceEmpty) {
     ChangedRecords marks;
     marks.Mark(3);
     ChangedRecords moved = std::move(marks);
-    EXPECT_TRUE(marks.IsEmpty());
+    EXPECT_TRUE(marks.IsEmpty()); // NOLINT(*-use-after-move,*.Move): what is tested
     marks = std::move(moved);
     EXPECT_EQ(marks.Entries(), (std::vector{std::pair{3, true}}));
-    EXPECT_FALSE(moved.Contains(3));
+    EXPECT_FALSE(moved.Contains(3)); // NOLINT(*-use-after-move,*.Move): likewise
 }
 
 TEST(KeyOrder, KeepsASetOfKeysSoundWithNaN) {

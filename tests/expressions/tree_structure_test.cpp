@@ -37,7 +37,7 @@ TEST(Handles, AnEmptyHandleIsZeroAndSoIsNoExpression) {
     EXPECT_EQ(KSDLL_MatrixEvaluateExpression(*store, 0, 3, nullptr, nullptr), 0.0);
     Expression full = Constant(3);
     const Expression moved = std::move(full);
-    EXPECT_EQ(evaluate(full), 0.0); // NOLINT(bugprone-use-after-move): a moved-from handle is an empty one
+    EXPECT_EQ(evaluate(full), 0.0); // NOLINT(*-use-after-move,*.Move): a moved-from handle is an empty one
     EXPECT_EQ(evaluate(moved), 3.0);
 }
 

@@ -149,7 +149,7 @@ TEST(ScanWide, AgreesWithTheCLibraryOnAscii) {
             ASSERT_EQ(ours.values, theirs.values) << shape.format << " on '" << text << "'";
             ASSERT_TRUE(theirs.position > text.size() || ours.position == theirs.position)
                 << shape.format << " on '" << text << "'";
-            ++seen[static_cast<std::size_t>(ours.items + 1)];
+            ++seen[static_cast<std::size_t>(ours.items) + 1];
         }
         // The random texts reach every number of items.
         for (std::size_t items = 1; items <= shape.kinds.size(); ++items) {
