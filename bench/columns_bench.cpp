@@ -124,6 +124,7 @@ Plant<HandWritten> HandWrittenPlant(std::int32_t rows) {
     Plant<HandWritten> plant;
     for (std::int32_t field = 0; field < kColumns; ++field) {
         std::vector<double> values;
+        values.reserve(static_cast<std::size_t>(rows));
         for (std::int32_t i = 0; i < rows; ++i) {
             values.push_back(CellValue(field, i));
         }

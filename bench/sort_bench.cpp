@@ -153,6 +153,7 @@ void SortByRadix(benchmark::State& state, const std::vector<OrderField>& fields)
     std::vector<std::vector<std::uint64_t>> bits;
     for (const OrderField field : fields) {
         std::vector<std::uint64_t> of_field;
+        of_field.reserve(static_cast<std::size_t>(data.Records()));
         for (std::int32_t record = 0; record < data.Records(); ++record) {
             of_field.push_back(std::bit_cast<std::uint64_t>(data.Number(field, record)));
         }
@@ -304,6 +305,7 @@ void FreeTextIcuKeysMade(benchmark::State& state) {
     const auto collator = OpenCollator();
     const Plant& data = DataOf(state);
     std::vector<std::pair<std::string, std::int32_t>> made;
+    made.reserve(static_cast<std::size_t>(data.Records()));
     for (std::int32_t record = 0; record < data.Records(); ++record) {
         made.emplace_back(MakeIcuKey(*collator, data.Store().GetDbString(kOrders, kNote, record)), record);
     }

@@ -86,6 +86,7 @@ double Seconds(const timeval& time) {
 // Runs a program, whose output nobody sees, from its start to its end. Returns what it used, nothing after a failure.
 std::optional<rusage> RunProgram(std::vector<std::string> words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

@@ -50,11 +50,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Kind kind{(data[0] & 1U) == 0, (data[0] & 2U) == 0, (data[0] & 4U) == 0};
     const std::string_view recipe(reinterpret_cast<const char*>(data) + 1, size - 1);
     KSDLL_ResetChecksum();
-    std::string bytes = BytesOf([&](std::FILE* out) { Cook(recipe, out); });
+    const std::string bytes = BytesOf([&](std::FILE* out) { Cook(recipe, out); });
     if (bytes.empty()) {
         return 0;
     }
-    if (const auto written = ReadAndWrite(std::move(bytes), kind)) {
+    if (const auto written = ReadAndWrite(bytes, kind)) {
         const auto again = ReadAndWrite(*written, {});
         Require(again.has_value());
         Require(ReadAndWrite(*again, {}) == again);

@@ -108,7 +108,7 @@ void CheckTexts(const std::wstring& text, const std::string& narrow) {
         std::fill(b.begin(), b.end(), '\0');
         const int items = std::sscanf(narrow.c_str(), narrow_format, a.data(), b.data());
         Require(Platform::ScanWide(text, format, &wide_a, &wide_b).items == items);
-        Require(Narrow(wide_a) == a.c_str() && Narrow(wide_b) == b.c_str());
+        Require(Narrow(wide_a) == a.substr(0, a.find('\0')) && Narrow(wide_b) == b.substr(0, b.find('\0')));
     };
     check(L" %[^(] ( %[^)]", " %[^(] ( %[^)]");
     check(L"%[0-9.e] %s", "%[0-9.e] %s");

@@ -33,7 +33,7 @@ Expression::Expression(std::shared_ptr<AbstractExpression> inner)
 // The copy is written out for the base that identifies an expression by its address and is not copied.
 Expression::Expression(const Expression& other)
     : AbstractExpression(other),
-      INativeExpression(),
+      INativeExpression(), // NOLINT(*-redundant-member-init): GCC misses it in a copy
       inner_(other.inner_),
       form_(other.form_),
       depth_(other.depth_) {}
@@ -44,9 +44,11 @@ Expression::Expression(Expression&& other) noexcept
       depth_(std::exchange(other.depth_, kLeafDepth)) {}
 
 Expression& Expression::operator=(const Expression& other) {
-    inner_ = other.inner_;
-    form_ = other.form_;
-    depth_ = other.depth_;
+    if (this != &other) {
+        inner_ = other.inner_;
+        form_ = other.form_;
+        depth_ = other.depth_;
+    }
     return *this;
 }
 

@@ -57,6 +57,7 @@ FindResult* KSDLL_LookupRecordsIntersect(IMemoryResidentData& store, std::int32_
                                          std::vector<std::pair<FieldMatchCriteria, std::vector<double>>>& numbers,
                                          std::vector<std::pair<FieldMatchCriteria, wchar_t*>>& texts) {
     std::vector<Result> results;
+    results.reserve(numbers.size() + texts.size());
     for (const auto& [criteria, values] : numbers) {
         results.push_back(FindAny(store, format, criteria, values));
     }
