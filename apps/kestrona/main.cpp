@@ -11,6 +11,7 @@
 #include "exit_codes.h"
 #include "output/message.h"
 #include "output/terminal.h"
+#include "output/text_output.h"
 
 #include <kestrona/unicode.h>
 #include <kestrona/version.h>
@@ -22,6 +23,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -71,6 +73,13 @@ Code CodeOf(const CLI::App& app, const CLI::ParseError& error) {
     }
 }
 
+/// Writes the help or the version that was asked for.
+int TellAsked(const CLI::App& app, const CLI::ParseError& error) {
+    std::ostringstream text;
+    app.exit(error, text, text);
+    return WriteText(text.str(), "");
+}
+
 int TellUsage(const CLI::App& app, const CLI::ParseError& error) {
     TellError(CodeOf(app, error), Hint{fmt::format("See 'kestrona{} --help'.", CommandOf(app))}, "{}",
               WhatIsWrong(app, error));
@@ -102,7 +111,7 @@ int Run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return error.get_exit_code() == 0 ? app.exit(error) : TellUsage(app, error);
+        return error.get_exit_code() == 0 ? TellAsked(app, error) : TellUsage(app, error);
     }
     return code;
 }

@@ -44,8 +44,8 @@ public:
     void Close() override;
 };
 
-/// Writes a list file. A file that cannot be opened is no error: the writer drops everything then. What the system
-/// fails to write is lost without a word, so whoever needs to know reads the file back.
+/// Writes a list file. A file that cannot be opened is no error: the writer drops everything then. A list that the
+/// system fails to write whole is left an empty file when it is closed, without even the byte order mark.
 class KS_API TranslationStreamWriter : public ITranslationWriter {
 public:
     /// Replaces a file of this name.
@@ -67,6 +67,7 @@ protected:
     void Write(const std::wstring& text);
 
 private:
+    std::wstring name_;
     std::FILE* file_;
 };
 

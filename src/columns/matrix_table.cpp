@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -15,9 +16,11 @@ struct MatrixTable::Page {
 
 MatrixTable::MatrixTable() = default;
 
-// Never destroyed: a store that lives until the process ends may still free its matrices then.
+// Never destroyed: a store that lives until the process ends may still free its matrices then. Made without memory, as
+// a store asks for it when it is destroyed, too.
 MatrixTable& MatrixTable::Instance() {
-    static MatrixTable& table = *new MatrixTable();
+    alignas(MatrixTable) static std::array<std::byte, sizeof(MatrixTable)> storage;
+    static MatrixTable& table = *new (storage.data()) MatrixTable();
     return table;
 }
 

@@ -1,11 +1,11 @@
 // Implements: SafeFile.
 #include "platform/files.h"
-#include "platform/random.h"
 
 #include <kestrona/safe_file.h>
 #include <kestrona/unicode.h>
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -72,12 +72,12 @@ bool LookAt(const fs::path& target, Former& former) {
     return faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
-// False with errno when the system has no random numbers to give.
+// From the kernel, which needs no memory of this process for it: a save that runs out of memory shall say so, and the
+// cryptographic generator ends the process where it cannot set itself up. False with errno when there is none to give.
 bool AppendRandomEnding(std::string& name) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::array<unsigned char, 6> bytes{};
-    if (!Platform::RandomBytes(bytes)) {
-        errno = EIO;
+    if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
         return false;
     }
     name += '.';

@@ -22,7 +22,8 @@ constexpr std::int32_t kNotEmpty = 1;
 } // namespace
 
 TranslationStreamWriter::TranslationStreamWriter(const std::wstring& file_name)
-    : file_(Kestrona::Platform::OpenFile(file_name, "wb")) {
+    : name_(file_name),
+      file_(Kestrona::Platform::OpenFile(file_name, "wb")) {
     Write(kByteOrderMark);
 }
 
@@ -41,7 +42,7 @@ void TranslationStreamWriter::Write(const std::wstring& text) {
         bytes += static_cast<char>(unit & 0xff);
         bytes += static_cast<char>(unit >> 8);
     }
-    std::fwrite(bytes.data(), 1, bytes.size(), file_);
+    std::fwrite(bytes.data(), 1, bytes.size(), file_); // the file remembers a failure until it is closed
 }
 
 void TranslationStreamWriter::NewSection(const std::wstring& name) {
@@ -70,7 +71,10 @@ void TranslationStreamWriter::AddEntry(const wchar_t* text) {
 
 void TranslationStreamWriter::Close() {
     if (file_ != nullptr) {
-        std::fclose(file_);
+        const bool has_failed = std::ferror(file_) != 0;
+        if (std::fclose(file_) != 0 || has_failed) {
+            const Kestrona::Platform::FileHandle emptied(Kestrona::Platform::OpenFile(name_, "wb"));
+        }
         file_ = nullptr;
     }
 }

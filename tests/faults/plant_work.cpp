@@ -53,7 +53,7 @@ public:
         for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
             former_[static_cast<std::size_t>(stream - 1)] = dup(stream);
             const std::string target = stream == STDOUT_FILENO ? path : "/dev/null";
-            const int opened = open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600); // NOLINT(*-vararg)
+            const int opened = open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
             dup2(opened, stream);
             close(opened);
         }

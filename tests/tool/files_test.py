@@ -36,6 +36,8 @@ REFUSED = """
 2 0111 | show plant --data data Orders --where Number=x
 2 0112 | show plant --data data Plant --order Speeds
 2 0103 | show plant --data data Orders --raw --text
+2 0103 | show plant --data data Orders --limit -1
+2 0103 | eval plant --data data Orders 1 --limit 99999999999999999999
 3 1002 | show plant --data absent Orders
 3 1001 | show absent --data data Orders
 2 4001 | eval plant --data data Orders "1 +"
@@ -74,11 +76,15 @@ REFUSED = """
 3 1002 | diff plant.kes plant --data-new absent
 2 0107 | diff plant.kes plant --data-old data
 2 0103 | diff plant plant --tolerance -1
+2 0103 | diff plant plant --tolerance inf
+2 0103 | diff plant plant --tolerance nan
 4 syntax syntax | diff plant.kes bad
 4 3004 | diff plant.kes plant --data-new rejected
 5 5002 | encrypt x --key-file absent
 2 0102 | audit
-3 1002 | audit show absent
+3 1001 | audit show absent
+3 1001 | audit show data
+3 1001 | audit show /dev/null
 4 1012 | audit show data/Orders.csv
 2 0117 | explain KES-0001
 3 1003 | protect-key -o absent/key

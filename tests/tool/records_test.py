@@ -6,8 +6,11 @@ Usage: records_test.py TOOL SOURCE_FOLDER
 import json
 import os
 import re
+import resource
+import signal
+import subprocess
 
-from running import PLANT, FolderTest, cases, main
+from running import ENVIRONMENT, PLANT, TOOL, FolderTest, cases, main, read
 
 SHOP = """
 format Makers {
@@ -365,6 +368,24 @@ class DisplayTexts(FolderTest):
         self.tool(line + "csv", told="german.lst:11: warning: unused: 'Number' has its")
         self.write("german.lst", '#SECTION Fields\n"Number\n')
         self.tool("translate apply jobs.ksdef german.lst", 1)
+        lists = {name: read(self.folder, name) for name in ("KSSERVER.LST", "KS_PDB.LST")}
+        for name in lists:
+            self.write(name, "of an earlier run")
+        names = os.listdir(self.folder)
+        for room in (0, 1, len(lists["KSSERVER.LST"]) - 1):
+            def limit(room=room):
+                signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+                resource.setrlimit(resource.RLIMIT_FSIZE, (room, room))
+
+            for line in ("extract jobs.ksdef", "apply jobs.ksdef german.lst"):
+                full = subprocess.run([TOOL, "translate", *line.split()], capture_output=True, cwd=self.folder,
+                                      env=ENVIRONMENT, timeout=120, check=False, preexec_fn=limit)
+                self.assertEqual((full.returncode, full.stdout), (3, b""), (line, room))
+                self.assertIn(b"KSSERVER.LST: cannot be written [KES-1003]\n", full.stderr)
+            self.assertEqual(sorted(os.listdir(self.folder)), sorted(names))
+            self.assertEqual({self.read(name) for name in lists}, {"of an earlier run"}, room)
+        self.tool("translate extract jobs.ksdef")
+        self.assertEqual({name: read(self.folder, name) for name in lists}, lists)
 
 
 main()

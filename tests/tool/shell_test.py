@@ -101,6 +101,14 @@ class Streams(FolderTest):
             self.tool(f"{export}{form} -o {made.split('/')[0]}")
             self.assertEqual(self.tool(f"{export}{form} -o -"), self.read(made))
 
+    def test_output_that_cannot_be_written_is_told(self):
+        for line in ("--help", "show --help", "audit show --help", "--version", "man", "explain KES-0104",
+                     "schema plant.ksdef", "check plant.ksdef"):
+            with open("/dev/full", "wb") as full:
+                done = subprocess.run([TOOL, *line.split()], stdout=full, stderr=subprocess.PIPE, cwd=PLANT,
+                                      env=ENVIRONMENT, timeout=120, check=False)
+            self.assertEqual((done.returncode, done.stderr.count(b"error: the output cannot be written")), (3, 1), line)
+
     def test_encodings_of_csv_files(self):
         definition = "format T {\n key N\n field N : INTEGER\n field Text length 200 : REFERENCE | FREE FORMAT\n}\n"
         latin = "".join(bytes([b]).decode("cp1252", "replace") for b in range(0xA0, 0x100)) + "€Žœ‚"

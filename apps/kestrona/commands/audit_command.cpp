@@ -1,3 +1,4 @@
+#include "commands/file_problems.h"
 #include "commands/key_commands.h"
 #include "data/audit_file.h"
 #include "exit_codes.h"
@@ -9,11 +10,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace Kestrona::Tool {
@@ -23,11 +22,6 @@ namespace {
 constexpr std::size_t kMostFaultsTold = 50;
 
 std::optional<std::string> ReadBytes(const std::string& path, std::string& error) {
-    std::error_code unknown;
-    if (std::filesystem::is_directory(path, unknown)) {
-        error = std::strerror(EISDIR);
-        return std::nullopt;
-    }
     std::ifstream file(path, std::ios::binary);
     if (!file) {
         error = std::strerror(errno);
@@ -49,6 +43,9 @@ void TellFaults(const std::string& path, const std::vector<AuditFault>& faults) 
 } // namespace
 
 int RunAuditShow(const AuditShowOptions& options) {
+    if (const int code = RefuseUnreadable(options.file); code != kExitGood) {
+        return code;
+    }
     std::string error;
     const std::optional<std::string> bytes = ReadBytes(options.file, error);
     if (!bytes) {

@@ -3,8 +3,25 @@
 #include "commands/choice.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cstddef>
+#include <string>
+#include <system_error>
 
 namespace Kestrona::Tool {
+namespace {
+
+/// The conversion of the option would turn a negative number round and cut one that is too large.
+std::string RefuseNoCount(const std::string& text) {
+    std::size_t count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, failure] = std::from_chars(text.data(), end, count);
+    return failure == std::errc() && rest == end ? "" : fmt::format("'{}' is no number of records", text);
+}
+
+} // namespace
 
 void AddOutputForm(CLI::App& command, OutputForm& form) {
     command.add_option("-o,--output", form, "Output form: table, csv, json, jsonl or markdown")
@@ -72,7 +89,9 @@ void AddRecordChoice(CLI::App& command, RecordChoice& choice) {
         ->option_text("FIELD[:desc],...")
         ->allow_extra_args(false);
     command.add_flag("--group-family", choice.group_families, "Print members of a family behind their parent");
-    command.add_option("--limit", choice.limit, "Print at most this many records")->option_text("N");
+    command.add_option("--limit", choice.limit, "Print at most this many records")
+        ->check(RefuseNoCount)
+        ->option_text("N");
     AddKey(command, choice.key);
     AddOutputForm(command, choice.form);
 }

@@ -23,8 +23,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <system_error>
 
 namespace Kestrona::Tool {
 namespace {
@@ -158,6 +162,14 @@ int Compare(const DiffOptions& options, const DiffSides& sides) {
     return TellNumbers(sides, diffs) ? kExitFindings : kExitGood;
 }
 
+std::string RefuseNoDistance(const std::string& text) {
+    double value = 0.0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, failure] = std::from_chars(text.data(), end, value);
+    const bool is_distance = failure == std::errc() && rest == end && std::isfinite(value) && value >= 0.0;
+    return is_distance ? "" : fmt::format("'{}' is no number from 0 on", text);
+}
+
 } // namespace
 
 int RunDiff(const DiffOptions& options) {
@@ -200,7 +212,7 @@ void AddDiffCommand(CLI::App& app, int& code) {
     command
         ->add_option("--tolerance", options->tolerance,
                      "Numbers, dates and durations that are no further apart count as equal")
-        ->check(CLI::NonNegativeNumber)
+        ->check(RefuseNoDistance)
         ->option_text("X");
     command->add_flag("--summary", options->summary, "Print the numbers for each table only");
     command->add_option("--dataset", options->dataset, "Dataset of the tables of snapshots that have several")

@@ -132,8 +132,12 @@ int Session::Compile(const std::string& definition, const std::string& target) {
         return TellProblem({Host::FileFault::CannotWrite, target, {}, ToUtf8(probe.Error()), ""});
     }
     const Host::LoadOutcome outcome = host_.CompileDefinition(definition, target);
-    const Host::FileFault fault = host_.LastFileProblem().fault;
-    return fault == Host::FileFault::None ? ExitCodeOf(outcome) : ExitCodeOf(fault);
+    const Host::FileProblem problem = host_.LastFileProblem();
+    if (problem.fault == Host::FileFault::None) {
+        return ExitCodeOf(outcome);
+    }
+    // The host only warns of a target that it cannot open any more.
+    return host_.Messages()->ErrorCount() == 0 ? TellProblem(problem) : ExitCodeOf(problem.fault);
 }
 
 int Session::LoadSnapshot(const std::string& path, const std::string& dataset) {

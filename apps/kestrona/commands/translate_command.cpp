@@ -15,12 +15,14 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace Kestrona::Tool {
 namespace {
@@ -56,12 +58,16 @@ private:
     fs::path before_;
 };
 
-/// A new folder for files of no further use.
+/// A new folder inside another one, removed at the end with what is still in it.
 class ScratchFolder {
 public:
-    ScratchFolder() {
-        std::string name = (fs::temp_directory_path() / "kestrona-XXXXXX").string();
-        path_ = ::mkdtemp(name.data()) == nullptr ? fs::path() : fs::path(name);
+    explicit ScratchFolder(const fs::path& parent) {
+        std::string name = (parent / "kestrona-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) {
+            failure_ = std::error_code(errno, std::generic_category());
+        } else {
+            path_ = name;
+        }
     }
 
     ScratchFolder(const ScratchFolder&) = delete;
@@ -75,8 +81,12 @@ public:
     /// Empty when the folder could not be made.
     [[nodiscard]] const fs::path& Path() const { return path_; }
 
+    /// Why it could not be made.
+    [[nodiscard]] const std::error_code& Failure() const { return failure_; }
+
 private:
     fs::path path_;
+    std::error_code failure_;
 };
 
 /// Loads the definition and leaves its lists in the folder. Returns an exit code.
@@ -94,16 +104,11 @@ int Extract(Session& session, const std::string& definition, const fs::path& fol
     return code;
 }
 
-/// Lists of an earlier run would pass for new ones where the new ones cannot be written.
-int RemoveOldLists(const fs::path& folder) {
-    for (const char* list : kLists) {
-        std::error_code failure;
-        fs::remove(folder / list, failure);
-        if (failure) {
-            return TellUnwritable(folder / list, failure);
-        }
-    }
-    return kExitGood;
+/// Reads a list that `Extract` left in the folder. Nothing when it was not written whole: it is missing or empty then.
+std::optional<TranslationList> ReadExtracted(const fs::path& folder, const char* name) {
+    std::error_code missing;
+    const auto size = fs::file_size(folder / name, missing);
+    return missing || size == 0 ? std::nullopt : Host::ReadTranslationListFile((folder / name).string());
 }
 
 void TellCounts(const fs::path& path, const TranslationList& list) {
@@ -211,19 +216,30 @@ int RunTranslateExtract(const TranslateExtractOptions& options) {
     if (!fs::is_directory(folder, failure)) {
         return TellUnwritable(folder, failure ? failure : std::make_error_code(std::errc::not_a_directory));
     }
-    if (const int code = RemoveOldLists(folder); code != kExitGood) {
-        return code;
+    const ScratchFolder scratch(folder);
+    if (scratch.Path().empty()) {
+        return TellUnwritable(folder, scratch.Failure());
     }
     Session session;
-    if (const int code = Extract(session, options.definition, folder); code != kExitGood) {
+    if (const int code = Extract(session, options.definition, scratch.Path()); code != kExitGood) {
         return code;
     }
+    std::vector<TranslationList> lists;
     for (const char* name : kLists) {
-        const auto list = Host::ReadTranslationListFile((folder / name).string());
+        auto list = ReadExtracted(scratch.Path(), name);
         if (!list) {
             return TellUnwritable(folder / name, {});
         }
-        TellCounts(fs::path(options.folder) / name, *list);
+        lists.push_back(std::move(*list));
+    }
+    for (const char* name : kLists) {
+        fs::rename(scratch.Path() / name, folder / name, failure);
+        if (failure) {
+            return TellUnwritable(folder / name, failure);
+        }
+    }
+    for (std::size_t i = 0; i < kLists.size(); ++i) {
+        TellCounts(fs::path(options.folder) / kLists.at(i), lists[i]);
     }
     return kExitGood;
 }
@@ -232,15 +248,15 @@ int RunTranslateApply(const TranslateApplyOptions& options) {
     if (const int code = RefuseCompiled(options.definition, kCommand); code != kExitGood) {
         return code;
     }
-    const ScratchFolder scratch;
+    const ScratchFolder scratch(fs::temp_directory_path());
     if (scratch.Path().empty()) {
-        return TellUnwritable(fs::temp_directory_path(), {});
+        return TellUnwritable(fs::temp_directory_path(), scratch.Failure());
     }
     Session session;
     if (const int code = Extract(session, options.definition, scratch.Path()); code != kExitGood) {
         return code;
     }
-    const auto texts = Host::ReadTranslationListFile((scratch.Path() / kDefinitionList).string());
+    const auto texts = ReadExtracted(scratch.Path(), kDefinitionList);
     if (!texts) {
         return TellUnwritable(scratch.Path() / kDefinitionList, {});
     }
