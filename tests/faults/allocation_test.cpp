@@ -102,6 +102,9 @@ TEST_P(Allocation, FailureIsToldAndLeavesNothingBehind) {
         EXPECT_EQ(wrong, "") << "request " << failing;
         told += is_told ? 1 : 0;
     }
+    if (GetParam().shortage == Shortage::FromThenOn) {
+        EXPECT_EQ(told, static_cast<std::int64_t>(tried.size())) << "nothing can be done without any memory";
+    }
     std::cout << GetParam().name << ": " << tried.size() << " of " << requests << " requests failed, " << told
               << " of them told\n";
 }
